@@ -1,0 +1,78 @@
+# Helpers shared by every target of the project: warnings, visibility, export headers and
+# install rules are applied per target, never through global flags.
+include(GenerateExportHeader)
+
+set(QUEN_EXPORT_SET quen_analyzer_dataviews_commonTargets)
+set(QUEN_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}/quen")
+set(QUEN_GENERATED_INCLUDEDIR "${PROJECT_BINARY_DIR}/generated/include")
+
+function(quen_apply_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra)
+  if(QUEN_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+endfunction()
+
+# quen_add_library(<name> FOLDER <include folder> ROOT <dir whose subfolder is FOLDER>
+#                  SOURCES ... [PUBLIC_LIBS ...] [PRIVATE_LIBS ...])
+# Builds a shared library whose headers are included as "<FOLDER>/Header.h" both in the tree and
+# once installed, with a generated "<FOLDER>/<name>_export.h" defining <NAME>_EXPORT.
+function(quen_add_library name)
+  cmake_parse_arguments(ARG "" "FOLDER;ROOT" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  add_library(quen::${name} ALIAS ${name})
+  string(TOUPPER ${name} upper)
+  generate_export_header(${name}
+    BASE_NAME ${upper}
+    EXPORT_FILE_NAME "${QUEN_GENERATED_INCLUDEDIR}/${ARG_FOLDER}/${name}_export.h")
+  set_target_properties(${name} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN")
+  target_compile_features(${name} PUBLIC cxx_std_17)
+  target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS)
+  target_include_directories(${name} PUBLIC
+    "$<BUILD_INTERFACE:${ARG_ROOT}>"
+    "$<BUILD_INTERFACE:${QUEN_GENERATED_INCLUDEDIR}>"
+    "$<INSTALL_INTERFACE:${QUEN_INSTALL_INCLUDEDIR}>")
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LIBS} PRIVATE ${ARG_PRIVATE_LIBS})
+  quen_apply_warnings(${name})
+
+  install(TARGETS ${name} EXPORT ${QUEN_EXPORT_SET}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(DIRECTORY "${ARG_ROOT}/${ARG_FOLDER}/"
+    DESTINATION "${QUEN_INSTALL_INCLUDEDIR}/${ARG_FOLDER}"
+    FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
+  install(FILES "${QUEN_GENERATED_INCLUDEDIR}/${ARG_FOLDER}/${name}_export.h"
+    DESTINATION "${QUEN_INSTALL_INCLUDEDIR}/${ARG_FOLDER}")
+endfunction()
+
+# quen_add_test(<name> LABEL <label> SOURCES ... LIBS ...)
+# One GoogleTest executable per test folder, run by ctest as one test.
+function(quen_add_test name)
+  cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE quen_test_support ${ARG_LIBS})
+  quen_apply_warnings(${name})
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600)
+endfunction()
+
+function(quen_install_package)
+  set(config_dir "${CMAKE_INSTALL_LIBDIR}/cmake/quen_analyzer_dataviews_common")
+  install(EXPORT ${QUEN_EXPORT_SET} NAMESPACE quen:: DESTINATION "${config_dir}")
+  configure_package_config_file(
+    "${PROJECT_SOURCE_DIR}/cmake/quen_analyzer_dataviews_commonConfig.cmake.in"
+    "${PROJECT_BINARY_DIR}/quen_analyzer_dataviews_commonConfig.cmake"
+    INSTALL_DESTINATION "${config_dir}")
+  write_basic_package_version_file(
+    "${PROJECT_BINARY_DIR}/quen_analyzer_dataviews_commonConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+  install(FILES
+    "${PROJECT_BINARY_DIR}/quen_analyzer_dataviews_commonConfig.cmake"
+    "${PROJECT_BINARY_DIR}/quen_analyzer_dataviews_commonConfigVersion.cmake"
+    DESTINATION "${config_dir}")
+endfunction()

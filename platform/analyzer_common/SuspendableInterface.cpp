@@ -1,0 +1,3 @@
+#include "analyzer_common/SuspendableInterface.h"
+
+SuspendableInterface::~SuspendableInterface() = default;

@@ -1,0 +1,41 @@
+#include "datamanagement/AuxFile.h"
+
+#include "datamanagement/Project.h"
+#include "datamanagement/ProjectData_p.h"
+#include "datamanagement/Record.h"
+
+#include <algorithm>
+
+unsigned long long AuxFile::id() const
+{
+  return d ? d->id : 0;
+}
+
+std::string AuxFile::filePath() const
+{
+  return d ? d->filePath : std::string();
+}
+
+std::string AuxFile::relativePath() const
+{
+  return d ? d->relativePath : std::string();
+}
+
+std::vector<std::string> AuxFile::tags() const
+{
+  return d ? d->tags : std::vector<std::string>();
+}
+
+bool AuxFile::hasTag(const std::string& tag) const
+{
+  return d && std::find(d->tags.begin(), d->tags.end(), tag) != d->tags.end();
+}
+
+WeakPtr<Record> AuxFile::record() const
+{
+  if (!d)
+  {
+    return {};
+  }
+  return aliasHandle<Record>(d, d->project->data().records[d->record]);
+}

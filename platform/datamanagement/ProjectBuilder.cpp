@@ -1,0 +1,253 @@
+#include "datamanagement/ProjectBuilder.h"
+
+#include "datamanagement/Project.h"
+#include "datamanagement/ProjectData_p.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <stdexcept>
+#include <unordered_set>
+
+const char* ProjectBuilder::caseIdName = "case_id";
+
+struct ProjectBuilder::Pending
+{
+  struct Column
+  {
+    std::string name;
+    Variable::Nature nature = Variable::Continuous;
+    ValueColumn values;
+  };
+  struct File
+  {
+    unsigned long long caseId = 0;
+    std::string relativePath;
+    std::vector<std::string> tags;
+  };
+
+  std::string folder;
+  std::vector<unsigned long long> caseIds;
+  std::vector<Column> columns;
+  std::vector<File> files;
+};
+
+namespace
+{
+
+// Object ids are unique across every project of the process, so that handles of two projects
+// never compare equal. Each project takes a block of 2^32 ids.
+std::atomic<unsigned long long> nextIdBlock{ 1 };
+
+std::pair<double, double> finiteRange(const std::vector<double>& values)
+{
+  bool any = false;
+  double lo = 0.0;
+  double hi = 0.0;
+  for (double v : values)
+  {
+    if (!std::isfinite(v))
+      continue;
+    if (!any)
+    {
+      lo = hi = v;
+      any = true;
+    }
+    lo = std::min(lo, v);
+    hi = std::max(hi, v);
+  }
+  return { lo, hi };
+}
+
+std::vector<std::string> withoutRepeats(std::vector<std::string> tags)
+{
+  std::vector<std::string> result;
+  std::unordered_set<std::string> seen;
+  for (auto& tag : tags)
+  {
+    if (seen.insert(tag).second)
+      result.push_back(std::move(tag));
+  }
+  return result;
+}
+
+} // namespace
+
+ProjectBuilder::ProjectBuilder()
+  : pending(std::make_unique<Pending>())
+{
+}
+
+ProjectBuilder::~ProjectBuilder() = default;
+
+void ProjectBuilder::setFolder(std::string folder)
+{
+  pending->folder = std::move(folder);
+}
+
+void ProjectBuilder::setCaseIds(std::vector<unsigned long long> caseIds)
+{
+  pending->caseIds = std::move(caseIds);
+}
+
+void ProjectBuilder::addNumericVariable(std::string name, std::vector<double> values)
+{
+  const Variable::Nature nature = natureOfNumbers(values);
+  addNumericVariable(std::move(name), std::move(values), nature);
+}
+
+void ProjectBuilder::addNumericVariable(
+  std::string name, std::vector<double> values, Variable::Nature nature)
+{
+  Pending::Column column;
+  column.name = std::move(name);
+  column.nature = nature;
+  column.values.numbers = std::move(values);
+  pending->columns.push_back(std::move(column));
+}
+
+void ProjectBuilder::addTextVariable(std::string name, std::vector<std::string> values)
+{
+  Pending::Column column;
+  column.name = std::move(name);
+  column.nature = Variable::Text;
+  column.values.isText = true;
+  column.values.texts = std::move(values);
+  pending->columns.push_back(std::move(column));
+}
+
+void ProjectBuilder::addAuxFile(
+  unsigned long long caseId, std::string relativePath, std::vector<std::string> tags)
+{
+  pending->files.push_back({ caseId, std::move(relativePath), withoutRepeats(std::move(tags)) });
+}
+
+Variable::Nature ProjectBuilder::natureOfNumbers(const std::vector<double>& values)
+{
+  constexpr std::size_t maxDistinct = 20;
+  std::set<double> distinct;
+  std::size_t finite = 0;
+  for (double v : values)
+  {
+    if (!std::isfinite(v))
+      continue;
+    ++finite;
+    distinct.insert(v);
+    if (distinct.size() > maxDistinct)
+      return Variable::Continuous;
+  }
+  return !distinct.empty() && distinct.size() * 2 <= finite ? Variable::Discrete
+                                                            : Variable::Continuous;
+}
+
+std::shared_ptr<const Project> ProjectBuilder::build()
+{
+  Pending input = std::move(*pending);
+  pending = std::make_unique<Pending>();
+
+  auto data = std::make_unique<ProjectData>();
+  data->folder = input.folder;
+  const std::size_t rows = input.caseIds.size();
+  const unsigned long long base = nextIdBlock.fetch_add(1) << 32;
+  unsigned long long nextId = base + 1;
+
+  data->caseIds = input.caseIds;
+  data->records.resize(rows);
+  data->recordByCaseId.reserve(rows);
+  for (std::size_t row = 0; row < rows; ++row)
+  {
+    const unsigned long long caseId = input.caseIds[row];
+    if (!data->recordByCaseId.emplace(caseId, row).second)
+      throw std::invalid_argument("duplicate case id " + std::to_string(caseId));
+    RecordData& record = data->records[row];
+    record.id = nextId++;
+    record.caseId = caseId;
+    record.row = row;
+  }
+
+  data->caseIdVariable.id = nextId++;
+  data->caseIdVariable.name = caseIdName;
+  data->caseIdVariable.range = finiteRange(
+    std::vector<double>(input.caseIds.begin(), input.caseIds.end()));
+
+  data->variables.resize(input.columns.size());
+  data->columns.reserve(input.columns.size());
+  for (std::size_t c = 0; c < input.columns.size(); ++c)
+  {
+    auto& column = input.columns[c];
+    if (column.name.empty())
+      throw std::invalid_argument("variable " + std::to_string(c + 1) + " has no name");
+    if (column.name == caseIdName)
+      throw std::invalid_argument(std::string("a variable may not be named ") + caseIdName);
+    if (!data->variableByName.emplace(column.name, c).second)
+      throw std::invalid_argument("duplicate variable name \"" + column.name + "\"");
+    const std::size_t length =
+      column.values.isText ? column.values.texts.size() : column.values.numbers.size();
+    if (length != rows)
+      throw std::invalid_argument("variable \"" + column.name + "\" has " +
+        std::to_string(length) + " values for " + std::to_string(rows) + " cases");
+
+    VariableData& variable = data->variables[c];
+    variable.id = nextId++;
+    variable.name = column.name;
+    variable.nature = column.nature;
+    variable.range = column.values.isText ? std::pair<double, double>(0.0, 0.0)
+                                          : finiteRange(column.values.numbers);
+    variable.column = c;
+    data->columns.push_back(std::move(column.values));
+  }
+
+  std::set<std::string> allTags;
+  std::map<std::string, std::set<std::string>> groups;
+  data->auxFiles.reserve(input.files.size());
+  for (auto& file : input.files)
+  {
+    const auto owner = data->recordByCaseId.find(file.caseId);
+    if (owner == data->recordByCaseId.end())
+      throw std::invalid_argument(
+        "auxiliary file \"" + file.relativePath + "\" names unknown case id " +
+        std::to_string(file.caseId));
+    AuxFileData aux;
+    aux.id = nextId++;
+    aux.filePath = input.folder.empty()
+      ? file.relativePath
+      : (std::filesystem::path(input.folder) / file.relativePath).lexically_normal().string();
+    aux.relativePath = std::move(file.relativePath);
+    aux.record = owner->second;
+    for (const auto& tag : file.tags)
+    {
+      allTags.insert(tag);
+      const auto colon = tag.find(':');
+      if (colon != std::string::npos && colon > 0)
+        groups[tag.substr(0, colon)].insert(tag);
+    }
+    aux.tags = std::move(file.tags);
+    data->records[owner->second].auxFiles.push_back(data->auxFiles.size());
+    data->auxFiles.push_back(std::move(aux));
+  }
+  data->tags.assign(allTags.begin(), allTags.end());
+  for (auto& [name, tags] : groups)
+  {
+    TagGroupData group;
+    group.id = nextId++;
+    group.name = name;
+    group.tags.assign(tags.begin(), tags.end());
+    data->tagGroupByName.emplace(name, data->tagGroups.size());
+    data->tagGroups.push_back(std::move(group));
+  }
+
+  std::shared_ptr<Project> project(new Project(std::move(data)));
+  const Project* owner = project.get();
+  ProjectData& stored = *project->d;
+  stored.caseIdVariable.project = owner;
+  for (auto& variable : stored.variables)
+    variable.project = owner;
+  for (auto& record : stored.records)
+    record.project = owner;
+  for (auto& file : stored.auxFiles)
+    file.project = owner;
+  return project;
+}

@@ -1,0 +1,3 @@
+#include "datapipeline/DataPipelineManagerInterface.h"
+
+DataPipelineManagerInterface::~DataPipelineManagerInterface() = default;

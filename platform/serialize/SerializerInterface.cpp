@@ -1,0 +1,3 @@
+#include "serialize/SerializerInterface.h"
+
+SerializerInterface::~SerializerInterface() = default;
