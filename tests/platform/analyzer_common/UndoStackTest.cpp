@@ -1,0 +1,165 @@
+#include "analyzer_common/DeleteSignaler.h"
+#include "analyzer_common/GenericUndoCommand.h"
+#include "analyzer_common/UndoStack.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+// A value with undoable changes, the way a property proxy drives the stack.
+class UndoableValue : public DeleteSignaler
+{
+public:
+  explicit UndoableValue(int mergeId = -1)
+    : mergeId(mergeId)
+  {
+  }
+
+  void change(int newValue)
+  {
+    const int oldValue = value;
+    value = newValue;
+    UndoStack().push(new GenericUndoCommand([this, newValue] { value = newValue; },
+      [this, oldValue] { value = oldValue; }, *this, "Change value", mergeId, nullptr));
+  }
+
+  int value = 0;
+  int mergeId;
+};
+
+class UndoStackTest : public ::testing::Test
+{
+protected:
+  void SetUp() override { UndoStack().clear(); }
+  void TearDown() override { UndoStack().clear(); }
+};
+
+} // namespace
+
+TEST_F(UndoStackTest, UndoAndRedoRunTheCommandsFunctions)
+{
+  UndoableValue v;
+  v.change(1);
+  v.change(2);
+  UndoStack stack;
+  EXPECT_EQ(stack.count(), 2);
+  stack.undo();
+  EXPECT_EQ(v.value, 1);
+  stack.undo();
+  EXPECT_EQ(v.value, 0);
+  EXPECT_FALSE(stack.canUndo());
+  stack.redo();
+  stack.redo();
+  EXPECT_EQ(v.value, 2);
+  EXPECT_EQ(stack.count(), 2) << "undo and redo record nothing new";
+}
+
+TEST_F(UndoStackTest, AMacroMakesOneEntryAndAnEmptyMacroNone)
+{
+  UndoableValue a;
+  UndoableValue b;
+  UndoStack stack;
+  {
+    UndoStack::Macro macro("Change both");
+    a.change(5);
+    {
+      UndoStack::Macro inner("Inner");
+      b.change(6);
+    }
+  }
+  {
+    UndoStack::Macro nothingPushed("Empty");
+  }
+  ASSERT_EQ(stack.count(), 1);
+  EXPECT_EQ(stack.text(0), "Change both");
+  stack.undo();
+  EXPECT_EQ(a.value, 0);
+  EXPECT_EQ(b.value, 0);
+  stack.redo();
+  EXPECT_EQ(a.value, 5);
+  EXPECT_EQ(b.value, 6);
+}
+
+TEST_F(UndoStackTest, PushesWhileRecordingIsSuspendedAreDropped)
+{
+  UndoableValue v;
+  UndoStack stack;
+  {
+    UndoStack::SuspendUndoRecording outer;
+    {
+      UndoStack::SuspendUndoRecording inner;
+      EXPECT_TRUE(stack.recordingIsSuspended());
+    }
+    EXPECT_TRUE(stack.recordingIsSuspended()) << "guards nest";
+    UndoStack::Macro macro("Suspended macro");
+    v.change(3);
+  }
+  EXPECT_FALSE(stack.recordingIsSuspended());
+  EXPECT_EQ(v.value, 3);
+  EXPECT_EQ(stack.count(), 0);
+}
+
+TEST_F(UndoStackTest, ReplayingHistorySuspendsRecordingAndIsReported)
+{
+  UndoStack stack;
+  std::vector<std::pair<bool, bool>> seen; // (in progress, suspended) at each run
+  DeleteSignaler owner;
+  auto record = [&] { seen.emplace_back(stack.undoOrRedoInProgress(), stack.recordingIsSuspended()); };
+  stack.push(new GenericUndoCommand(record, record, owner, "Probe", -1, nullptr));
+  stack.undo();
+  stack.redo();
+  stack.qUndoStack().undo(); // as an Edit menu action does, bypassing the handle
+  ASSERT_EQ(seen.size(), 4u);
+  EXPECT_EQ(seen[0], std::make_pair(false, false)) << "the first run is not a replay";
+  EXPECT_EQ(seen[1], std::make_pair(true, true));
+  EXPECT_EQ(seen[2], std::make_pair(true, true));
+  EXPECT_EQ(seen[3], std::make_pair(true, true));
+  EXPECT_FALSE(stack.undoOrRedoInProgress());
+}
+
+TEST_F(UndoStackTest, CommandsWithTheSameIdAndOwnerMerge)
+{
+  UndoStack stack;
+  const int id = stack.nextUndoID();
+  EXPECT_NE(stack.nextUndoID(), id);
+  UndoableValue zoom(id);
+  UndoableValue other(id);
+  zoom.change(10);
+  zoom.change(20);
+  zoom.change(30);
+  EXPECT_EQ(stack.count(), 1);
+  other.change(1); // same id, other owner: no merge
+  EXPECT_EQ(stack.count(), 2);
+  stack.undo();
+  stack.undo();
+  EXPECT_EQ(zoom.value, 0) << "the merged entry undoes to the first old value";
+  stack.redo();
+  EXPECT_EQ(zoom.value, 30) << "and redoes to the last new value";
+
+  UndoableValue unmerged;
+  stack.clear();
+  unmerged.change(1);
+  unmerged.change(2);
+  EXPECT_EQ(stack.count(), 2) << "id -1 never merges";
+}
+
+TEST_F(UndoStackTest, ACommandWhoseOwnerDiedDoesNothing)
+{
+  UndoStack stack;
+  auto runs = std::make_shared<int>(0);
+  auto owner = std::make_unique<DeleteSignaler>();
+  const auto count = [runs] { ++*runs; };
+  auto* command = new GenericUndoCommand(count, count, *owner, "Change value", -1, nullptr);
+  stack.push(command);
+  EXPECT_EQ(*runs, 1);
+  EXPECT_TRUE(command->ownerIsAlive());
+  owner.reset();
+  EXPECT_FALSE(command->ownerIsAlive());
+  stack.undo();
+  stack.redo();
+  EXPECT_EQ(*runs, 1) << "neither undo nor redo may run once the owner is gone";
+}

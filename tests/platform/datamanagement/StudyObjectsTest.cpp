@@ -1,0 +1,186 @@
+#include "datamanagement/Project.h"
+#include "datamanagement/ProjectBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <set>
+#include <stdexcept>
+
+namespace
+{
+
+std::shared_ptr<const Project> smallProject()
+{
+  ProjectBuilder builder;
+  builder.setFolder("/studies/demo");
+  builder.setCaseIds({ 7, 3, 11 });
+  builder.addNumericVariable("speed", { 10.0, std::nan(""), 30.0 });
+  builder.addTextVariable("material", { "steel", "wood", "steel" });
+  builder.addAuxFile(7, "images/7_traj.png", { "plot:trajectory", "final", "final" });
+  builder.addAuxFile(7, "images/7_speed.png", { "plot:speed" });
+  builder.addAuxFile(3, "images/3_traj.png", { "plot:trajectory" });
+  return builder.build();
+}
+
+} // namespace
+
+TEST(StudyObjects, RecordsAnswerTheirValuesFilesAndCaseIds)
+{
+  const auto project = smallProject();
+  const Variable speed = project->variable("speed").lock();
+  const Variable material = project->variable("material").lock();
+  const Record record = project->record(7).lock();
+  ASSERT_TRUE(record);
+  EXPECT_EQ(record.caseId(), 7u);
+  EXPECT_EQ(record.data(speed), Variant(10.0));
+  EXPECT_EQ(record.data(material), Variant("steel"));
+  EXPECT_TRUE(std::isnan(project->record(3).lock().data(speed).toDouble()));
+  EXPECT_EQ(record.data(project->caseIdVariable()), Variant(7ULL));
+
+  const auto files = record.auxFiles();
+  ASSERT_EQ(files.size(), 2u);
+  const AuxFile trajectory = files[0].lock();
+  EXPECT_EQ(trajectory.filePath(), "/studies/demo/images/7_traj.png");
+  EXPECT_EQ(trajectory.relativePath(), "images/7_traj.png");
+  EXPECT_EQ(trajectory.tags(), (std::vector<std::string>{ "plot:trajectory", "final" }));
+  EXPECT_TRUE(trajectory.hasTag("final"));
+  EXPECT_FALSE(trajectory.hasTag("plot"));
+  EXPECT_EQ(trajectory.record().lock().caseId(), 7u);
+
+  EXPECT_EQ(project->caseIds(), (std::vector<unsigned long long>{ 7, 3, 11 }));
+  EXPECT_TRUE(project->record(99).lock().isNull());
+}
+
+TEST(StudyObjects, VariablesKnowTheirNatureAndFiniteRange)
+{
+  const auto project = smallProject();
+  const Variable speed = project->variable("speed").lock();
+  EXPECT_EQ(speed.name(), "speed");
+  EXPECT_EQ(speed.range(), std::make_pair(10.0, 30.0));
+  EXPECT_EQ(project->variable("material").lock().nature(), Variable::Text);
+  EXPECT_EQ(project->variable("material").lock().range(), std::make_pair(0.0, 0.0));
+  ASSERT_EQ(project->variables().size(), 2u);
+  EXPECT_EQ(project->variables()[1].lock().name(), "material");
+  EXPECT_TRUE(project->variable("Speed").lock().isNull()) << "names are case-sensitive";
+
+  const double inf = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(ProjectBuilder::natureOfNumbers({ 1, 2, 1, 2, 1, 2 }), Variable::Discrete);
+  EXPECT_EQ(ProjectBuilder::natureOfNumbers({ 1, 2, 3, 4 }), Variable::Continuous);
+  EXPECT_EQ(ProjectBuilder::natureOfNumbers({ inf, -inf, std::nan("") }), Variable::Continuous);
+}
+
+TEST(StudyObjects, TagGroupsComeFromGroupColonTagTexts)
+{
+  const auto project = smallProject();
+  EXPECT_EQ(project->tags(),
+    (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
+  ASSERT_EQ(project->tagGroups().size(), 1u);
+  const TagGroup plot = project->tagGroup("plot").lock();
+  EXPECT_EQ(plot.name(), "plot");
+  EXPECT_EQ(plot.tags(), (std::vector<std::string>{ "plot:speed", "plot:trajectory" }));
+  EXPECT_TRUE(project->tagGroup("final").lock().isNull());
+}
+
+TEST(WeakPtr, ComparesByIdAndLocksToAnEmptyHandleOnceTheProjectIsGone)
+{
+  auto project = smallProject();
+  const WeakPtr<Variable> speed = project->variable("speed");
+  const WeakPtr<Variable> again = project->variable("speed");
+  const WeakPtr<Variable> material = project->variable("material");
+  EXPECT_EQ(speed, again);
+  EXPECT_NE(speed, material);
+  EXPECT_NE(speed.id(), 0u);
+  EXPECT_EQ(std::set<WeakPtr<Variable>>({ speed, again, material }).size(), 2u);
+
+  const auto other = smallProject();
+  EXPECT_NE(other->variable("speed"), speed) << "handles of two projects never compare equal";
+
+  project.reset();
+  EXPECT_TRUE(speed.expired());
+  const Variable gone = speed.lock();
+  EXPECT_TRUE(gone.isNull());
+  EXPECT_EQ(gone.name(), "");
+  EXPECT_EQ(gone.range(), std::make_pair(0.0, 0.0));
+  EXPECT_EQ(speed, again) << "the id outlives the object";
+
+  const WeakPtr<Variable> none;
+  EXPECT_EQ(none.id(), 0u);
+  EXPECT_TRUE(none.lock().isNull());
+}
+
+TEST(StudyObjects, EmptyHandlesAnswerNeutralValues)
+{
+  const Record record;
+  EXPECT_EQ(record.caseId(), 0u);
+  EXPECT_TRUE(record.data(Variable()).isEmpty());
+  EXPECT_TRUE(record.auxFiles().empty());
+  EXPECT_TRUE(AuxFile().tags().empty());
+  EXPECT_FALSE(AuxFile().hasTag(""));
+  EXPECT_EQ(TagGroup().name(), "");
+  // A variable of another project gives no value.
+  const auto a = smallProject();
+  const auto b = smallProject();
+  EXPECT_TRUE(a->record(7).lock().data(b->variable("speed")).isEmpty());
+}
+
+TEST(Project, TheCurrentProjectIsNeverNullAndIsReplacedWhole)
+{
+  Project::setProject(nullptr);
+  ASSERT_NE(Project::project(), nullptr);
+  EXPECT_EQ(Project::project()->numberOfRecords(), 0u);
+
+  const auto project = smallProject();
+  Project::setProject(project);
+  EXPECT_EQ(Project::project(), project);
+  Project::setProject(nullptr);
+  EXPECT_EQ(Project::project()->numberOfRecords(), 0u);
+}
+
+TEST(ProjectBuilder, RejectsInconsistentStudies)
+{
+  const struct
+  {
+    const char* expected;
+    void (*fill)(ProjectBuilder&);
+  } cases[] = {
+    { "duplicate case id 4",
+      [](ProjectBuilder& b) { b.setCaseIds({ 4, 4 }); } },
+    { "duplicate variable name \"x\"",
+      [](ProjectBuilder& b) {
+        b.setCaseIds({ 1 });
+        b.addNumericVariable("x", { 1 });
+        b.addTextVariable("x", { "a" });
+      } },
+    { "has 2 values for 1 cases",
+      [](ProjectBuilder& b) {
+        b.setCaseIds({ 1 });
+        b.addNumericVariable("x", { 1, 2 });
+      } },
+    { "has no name",
+      [](ProjectBuilder& b) {
+        b.setCaseIds({ 1 });
+        b.addNumericVariable("", { 1 });
+      } },
+    { "names unknown case id 9",
+      [](ProjectBuilder& b) {
+        b.setCaseIds({ 1 });
+        b.addAuxFile(9, "a.png", {});
+      } },
+  };
+  for (const auto& c : cases)
+  {
+    ProjectBuilder builder;
+    c.fill(builder);
+    try
+    {
+      builder.build();
+      ADD_FAILURE() << "accepted a study that should fail with: " << c.expected;
+    }
+    catch (const std::invalid_argument& e)
+    {
+      EXPECT_NE(std::string(e.what()).find(c.expected), std::string::npos) << e.what();
+    }
+  }
+}

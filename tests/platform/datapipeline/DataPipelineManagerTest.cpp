@@ -1,0 +1,154 @@
+#include "datamanagement/Project.h"
+#include "datamanagement/ProjectBuilder.h"
+#include "datapipeline/DataPipelineManager.h"
+#include "datapipeline/FilterRangeFinder.h"
+#include "datapipeline/RangeFilter.h"
+#include "datapipeline/ValueSetFilter.h"
+
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+#include <vtkAbstractArray.h>
+#include <vtkDoubleArray.h>
+#include <vtkStringArray.h>
+#include <vtkTable.h>
+#include <vtkTableAlgorithm.h>
+#include <vtkTypeUInt64Array.h>
+
+#include <cmath>
+#include <functional>
+#include <vector>
+
+namespace
+{
+
+std::shared_ptr<const Project> study()
+{
+  ProjectBuilder builder;
+  builder.setCaseIds({ 10, 11, 12, 13, 14, 18446744073709551615ULL });
+  builder.addNumericVariable("angle", { 15, 30, 45, 60, 75, 30 });
+  builder.addNumericVariable("range", { 1.0, 2.5, std::nan(""), 4.0, 5.0, 2.0 });
+  builder.addTextVariable("material", { "steel", "wood", "steel", "wood", "steel", "lead" });
+  return builder.build();
+}
+
+std::vector<unsigned long long> outputCaseIds(const DataPipelineManager& pipeline)
+{
+  auto output = pipeline.output();
+  output->Update();
+  vtkTable* table = output->GetOutput();
+  auto* ids = vtkTypeUInt64Array::SafeDownCast(table->GetColumn(0));
+  std::vector<unsigned long long> result;
+  for (vtkIdType row = 0; ids && row < ids->GetNumberOfValues(); ++row)
+    result.push_back(ids->GetValue(row));
+  return result;
+}
+
+} // namespace
+
+TEST(DataPipelineManager, CasesTableHasTheCaseIdsThenOneColumnPerVariable)
+{
+  DataPipelineManager pipeline(study());
+  vtkTable* cases = pipeline.cases();
+  ASSERT_EQ(cases->GetNumberOfColumns(), 4);
+  ASSERT_EQ(cases->GetNumberOfRows(), 6);
+  EXPECT_STREQ(cases->GetColumn(0)->GetName(), "case_id");
+  EXPECT_EQ(vtkTypeUInt64Array::SafeDownCast(cases->GetColumn(0))->GetValue(5),
+    18446744073709551615ULL);
+  EXPECT_NE(vtkDoubleArray::SafeDownCast(cases->GetColumnByName("range")), nullptr);
+  auto* material = vtkStringArray::SafeDownCast(cases->GetColumnByName("material"));
+  ASSERT_NE(material, nullptr);
+  EXPECT_EQ(material->GetValue(1), "wood");
+  EXPECT_EQ(outputCaseIds(pipeline).size(), 6u) << "without filters every case passes";
+}
+
+TEST(DataPipelineManager, OutputDropsExactlyTheRowsOutsideTheFiltersInEffect)
+{
+  const auto project = study();
+  DataPipelineManager pipeline(project);
+  const auto angle = project->variable("angle");
+  const auto range = project->variable("range");
+  const auto material = project->variable("material");
+  int changes = 0;
+  auto connection = pipeline.connectSignalPipelineChanged([&] { ++changes; });
+
+  const struct
+  {
+    const char* step;
+    std::function<void()> act;
+    std::vector<unsigned long long> expected;
+  } steps[] = {
+    { "angle in [30, 60], ends included", [&] { pipeline.setRangeFilter(angle, 30, 60); },
+      { 11, 12, 13, 18446744073709551615ULL } },
+    { "and range in [0, 3]; NaN never passes", [&] { pipeline.setRangeFilter(range, 0, 3); },
+      { 11, 18446744073709551615ULL } },
+    { "the angle filter switched off", [&] { pipeline.setFilterEnabled(angle, false); },
+      { 10, 11, 18446744073709551615ULL } },
+    { "and the range filter widened", [&] { pipeline.setRangeFilter(range, 0, 10); },
+      { 10, 11, 13, 14, 18446744073709551615ULL } },
+    { "a value set on a text variable",
+      [&] { pipeline.setFilter(boost::make_shared<ValueSetFilter>(material,
+              std::set<Variant>{ Variant("steel"), Variant("lead") })); },
+      { 10, 14, 18446744073709551615ULL } },
+    { "setting the angle range switches its filter on again",
+      [&] { pipeline.setRangeFilter(angle, 30, 60); }, { 18446744073709551615ULL } },
+    { "removing every filter", [&] {
+        pipeline.removeFilter(angle);
+        pipeline.removeFilter(range);
+        pipeline.removeFilter(material);
+      }, { 10, 11, 12, 13, 14, 18446744073709551615ULL } },
+  };
+  int expectedChanges = 0;
+  for (const auto& step : steps)
+  {
+    step.act();
+    EXPECT_GT(changes, expectedChanges) << step.step << " must signal a change";
+    expectedChanges = changes;
+    EXPECT_EQ(outputCaseIds(pipeline), step.expected) << step.step;
+  }
+}
+
+TEST(DataPipelineManager, FiltersReportTheirKindRangeAndWhetherTheyAreInEffect)
+{
+  const auto project = study();
+  DataPipelineManager pipeline(project);
+  const auto angle = project->variable("angle");
+  EXPECT_EQ(pipeline.filter(angle), nullptr);
+
+  auto filter = pipeline.setRangeFilter(angle, 20, 40);
+  EXPECT_EQ(getFilterType(*filter), FilterFactoryInterface::Range);
+  EXPECT_EQ(FilterRangeFinder(*filter).range(), std::make_pair(20.0, 40.0));
+  EXPECT_EQ(pipeline.filter(angle), filter);
+  ASSERT_EQ(pipeline.activeFilters().size(), 1u);
+
+  int changes = 0;
+  auto connection = pipeline.connectSignalPipelineChanged([&] { ++changes; });
+  filter->setRange(25, 40); // a change made on the filter itself reaches the pipeline
+  EXPECT_EQ(changes, 1);
+  filter->setRange(25, 40);
+  EXPECT_EQ(changes, 1) << "an unchanged range signals nothing";
+  pipeline.setFilterEnabled(angle, false);
+  EXPECT_TRUE(pipeline.activeFilters().empty());
+  EXPECT_FALSE(pipeline.isFilterEnabled(angle));
+  EXPECT_EQ(pipeline.filters().size(), 1u) << "a switched-off filter keeps its condition";
+
+  const ValueSetFilter set(angle, { Variant(45.0), Variant(15), Variant("x") });
+  EXPECT_EQ(getFilterType(set), FilterFactoryInterface::ValueSet);
+  EXPECT_EQ(FilterRangeFinder(set).range(), std::make_pair(15.0, 45.0));
+  const ValueSetFilter texts(angle, { Variant("x") });
+  EXPECT_TRUE(std::isnan(FilterRangeFinder(texts).range().first));
+}
+
+TEST(DataPipelineManager, ANewProjectReplacesTheCasesAndDropsTheFilters)
+{
+  const auto first = study();
+  DataPipelineManager pipeline(first);
+  pipeline.setRangeFilter(first->variable("angle"), 0, 20);
+  EXPECT_EQ(outputCaseIds(pipeline), (std::vector<unsigned long long>{ 10 }));
+
+  ProjectBuilder builder;
+  builder.setCaseIds({ 1, 2 });
+  builder.addNumericVariable("angle", { 1, 2 });
+  pipeline.setProject(builder.build());
+  EXPECT_TRUE(pipeline.filters().empty());
+  EXPECT_EQ(outputCaseIds(pipeline), (std::vector<unsigned long long>{ 1, 2 }));
+}
