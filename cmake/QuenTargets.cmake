@@ -13,18 +13,24 @@ function(quen_apply_warnings target)
   endif()
 endfunction()
 
-# quen_add_library(<name> FOLDER <include folder> ROOT <dir whose subfolder is FOLDER>
-#                  SOURCES ... [PUBLIC_LIBS ...] [PRIVATE_LIBS ...])
-# Builds a shared library whose headers are included as "<FOLDER>/Header.h" both in the tree and
-# once installed, with a generated "<FOLDER>/<name>_export.h" defining <NAME>_EXPORT.
+# quen_add_library(<name> ROOT <dir> FOLDERS <folder>... SOURCES ...
+#                  [EXPORT_FOLDER <folder>] [PUBLIC_LIBS ...] [PRIVATE_LIBS ...])
+# Builds a shared library whose headers live in ROOT/<folder> and are included as
+# "<folder>/Header.h", both in the tree and once installed. A generated
+# "[<EXPORT_FOLDER>/]<name>_export.h" defines <NAME>_EXPORT.
 function(quen_add_library name)
-  cmake_parse_arguments(ARG "" "FOLDER;ROOT" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "" "ROOT;EXPORT_FOLDER" "FOLDERS;SOURCES;PUBLIC_LIBS;PRIVATE_LIBS"
+    ${ARGN})
   add_library(${name} SHARED ${ARG_SOURCES})
   add_library(quen::${name} ALIAS ${name})
   string(TOUPPER ${name} upper)
-  generate_export_header(${name}
-    BASE_NAME ${upper}
-    EXPORT_FILE_NAME "${QUEN_GENERATED_INCLUDEDIR}/${ARG_FOLDER}/${name}_export.h")
+  if(ARG_EXPORT_FOLDER)
+    set(export_subdir "${ARG_EXPORT_FOLDER}/")
+  else()
+    set(export_subdir "")
+  endif()
+  set(export_header "${QUEN_GENERATED_INCLUDEDIR}/${export_subdir}${name}_export.h")
+  generate_export_header(${name} BASE_NAME ${upper} EXPORT_FILE_NAME "${export_header}")
   set_target_properties(${name} PROPERTIES
     CXX_VISIBILITY_PRESET hidden
     VERSION ${PROJECT_VERSION}
@@ -43,11 +49,12 @@ function(quen_add_library name)
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(DIRECTORY "${ARG_ROOT}/${ARG_FOLDER}/"
-    DESTINATION "${QUEN_INSTALL_INCLUDEDIR}/${ARG_FOLDER}"
-    FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
-  install(FILES "${QUEN_GENERATED_INCLUDEDIR}/${ARG_FOLDER}/${name}_export.h"
-    DESTINATION "${QUEN_INSTALL_INCLUDEDIR}/${ARG_FOLDER}")
+  foreach(folder IN LISTS ARG_FOLDERS)
+    install(DIRECTORY "${ARG_ROOT}/${folder}/"
+      DESTINATION "${QUEN_INSTALL_INCLUDEDIR}/${folder}"
+      FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
+  endforeach()
+  install(FILES "${export_header}" DESTINATION "${QUEN_INSTALL_INCLUDEDIR}/${ARG_EXPORT_FOLDER}")
 endfunction()
 
 # quen_add_test(<name> LABEL <label> SOURCES ... LIBS ...)
