@@ -15,7 +15,7 @@ public:
   /// How a variable's values behave, decided when the study is read: Continuous for numbers
   /// with many distinct values, Text for texts, Discrete for numbers with few distinct values
   /// (such as the swept inputs of a design study).
-  enum Nature
+  enum Nature : int
   {
     Continuous = 0,
     Text = 1,

@@ -14,7 +14,7 @@ class QUEN_ANALYZER_DATAPIPELINE_EXPORT FilterFactoryInterface
 public:
   /// The kinds of filter. Range keeps the cases whose value lies in [min, max]; ValueSet keeps
   /// the cases whose value is one of a set.
-  enum FilterType
+  enum FilterType : int
   {
     Range = 0,
     ValueSet = 1

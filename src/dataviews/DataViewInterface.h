@@ -5,6 +5,7 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <cstdint>
 #include <string>
 
 class SerializerInterface;
@@ -23,8 +24,9 @@ public:
   /// What the left mouse button does in a chart view. On a vtkChart (see
   /// VTKChartsMouseModeProperty): Select binds selection to the left button and panning to the
   /// middle one; Pan binds panning to the left and zooming to the middle; Zoom binds zooming to
-  /// the left and panning to the middle. Other values are accepted and bind nothing.
-  enum MouseMode
+  /// the left and panning to the middle. The type is 32 bits wide so that any other value is a
+  /// valid mode too; such modes are accepted and bind nothing.
+  enum MouseMode : std::int32_t
   {
     Select = 0,
     Pan = 1,

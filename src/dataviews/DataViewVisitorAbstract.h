@@ -2,6 +2,8 @@
 
 #include "dataviews/DataViewVisitorInterface.h"
 
+#include <cstdint>
+
 /// A visitor whose every visit overload falls through to visitAnyViewType(), which does
 /// nothing. A subclass overrides the overloads of the kinds it handles (bring the others in with
 /// `using DataViewVisitorAbstract::visit;`).
@@ -11,7 +13,7 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT DataViewVisitorAbstract
 public:
   /// Kept for subclasses that want to complain about kinds they do not handle; it has no effect
   /// here.
-  enum AssertStatus
+  enum AssertStatus : std::int32_t
   {
     AssertOnUnhandledViewType = 0,
     IgnoreUnhandledViewType = 1

@@ -15,7 +15,7 @@ template <typename T>
 class BoundedValueValidator : public ValidatorInterface<T>
 {
 public:
-  enum BoundKind
+  enum BoundKind : int
   {
     Inclusive = 0,
     Exclusive = 1,
