@@ -32,6 +32,7 @@ function(quen_add_library name)
   set(export_header "${QUEN_GENERATED_INCLUDEDIR}/${export_subdir}${name}_export.h")
   generate_export_header(${name} BASE_NAME ${upper} EXPORT_FILE_NAME "${export_header}")
   set_target_properties(${name} PROPERTIES
+    AUTOMOC ON
     CXX_VISIBILITY_PRESET hidden
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
@@ -62,7 +63,9 @@ endfunction()
 function(quen_add_test name)
   cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE quen_test_support ${ARG_LIBS})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  target_link_libraries(${name} PRIVATE quen_test_support ${ARG_LIBS} ${VTK_LIBRARIES})
+  vtk_module_autoinit(TARGETS ${name} MODULES ${VTK_LIBRARIES})
   quen_apply_warnings(${name})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600)
