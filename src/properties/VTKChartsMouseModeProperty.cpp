@@ -1,0 +1,42 @@
+#include "properties/VTKChartsMouseModeProperty.h"
+
+#include <vtkChart.h>
+#include <vtkContextMouseEvent.h>
+
+VTKChartsMouseModeProperty::VTKChartsMouseModeProperty(vtkSmartPointer<vtkChart> chart)
+  : chart(std::move(chart))
+{
+  setValue(DataViewInterface::Pan);
+}
+
+VTKChartsMouseModeProperty::~VTKChartsMouseModeProperty() = default;
+
+void VTKChartsMouseModeProperty::storeValue(const DataViewInterface::MouseMode& mode)
+{
+  constexpr int left = vtkContextMouseEvent::LEFT_BUTTON;
+  constexpr int middle = vtkContextMouseEvent::MIDDLE_BUTTON;
+  constexpr int none = vtkContextMouseEvent::NO_BUTTON;
+  // The chart keeps one action per button, so the order of the calls matters: an action bound
+  // to a button takes that button from the action that had it.
+  switch (mode)
+  {
+    case DataViewInterface::Select:
+      chart->SetActionToButton(vtkChart::SELECT, left);
+      chart->SetActionToButton(vtkChart::PAN, middle);
+      chart->SetActionToButton(vtkChart::ZOOM, none);
+      break;
+    case DataViewInterface::Pan:
+      chart->SetActionToButton(vtkChart::SELECT, none);
+      chart->SetActionToButton(vtkChart::PAN, left);
+      chart->SetActionToButton(vtkChart::ZOOM, middle);
+      break;
+    case DataViewInterface::Zoom:
+      chart->SetActionToButton(vtkChart::SELECT, none);
+      chart->SetActionToButton(vtkChart::PAN, middle);
+      chart->SetActionToButton(vtkChart::ZOOM, left);
+      break;
+    default:
+      break;
+  }
+  Property::storeValue(mode);
+}

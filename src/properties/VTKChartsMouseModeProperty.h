@@ -1,0 +1,32 @@
+#pragma once
+
+#include "dataviews/DataViewInterface.h"
+#include "properties/Property.h"
+
+#include <vtkSmartPointer.h>
+
+class vtkChart;
+
+/// The mouse mode of a chart view, written into the chart's action-to-button table. A new
+/// property binds Pan (the chart starts panning with the left button), while a data view's own
+/// mouse-mode property starts in Select; the two defaults differ on purpose.
+///
+/// | mode   | left button | middle button | none   |
+/// |--------|-------------|---------------|--------|
+/// | Select | select      | pan           | zoom   |
+/// | Pan    | pan         | zoom          | select |
+/// | Zoom   | zoom        | pan           | select |
+/// Any other mode is stored and leaves the chart's buttons as they are.
+class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT VTKChartsMouseModeProperty
+  : public plexa::Property<DataViewInterface::MouseMode>
+{
+public:
+  explicit VTKChartsMouseModeProperty(vtkSmartPointer<vtkChart> chart);
+  ~VTKChartsMouseModeProperty() override;
+
+protected:
+  void storeValue(const DataViewInterface::MouseMode& mode) override;
+
+private:
+  vtkSmartPointer<vtkChart> chart;
+};
