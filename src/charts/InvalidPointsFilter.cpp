@@ -1,0 +1,249 @@
+#include "charts/InvalidPointsFilter.h"
+
+#include <vtkBitArray.h>
+#include <vtkCharArray.h>
+#include <vtkDataSetAttributes.h>
+#include <vtkDataArray.h>
+#include <vtkDoubleArray.h>
+#include <vtkInformation.h>
+#include <vtkInformationVector.h>
+#include <vtkIntArray.h>
+#include <vtkStringArray.h>
+#include <vtkTable.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+const std::string InvalidPointsFilter::validPointsArrayName = "ValidPointsMask";
+
+// ---------------------------------------------------------------------------------------------
+// RelevanceDependentVariableProperty
+
+InvalidPointsFilter::RelevanceDependentVariableProperty::RelevanceDependentVariableProperty(
+  boost::shared_ptr<VariableProperty> variable,
+  boost::shared_ptr<plexa::PropertyAbstract<bool>> relevant)
+  : variable(std::move(variable))
+  , relevant(std::move(relevant))
+{
+  const auto relay = [this] { this->emitValueChangedSignal(this->value()); };
+  connections.add(this->variable->connectSignalValueChanged(
+    [relay](const WeakPtr<Variable, unsigned long long>&) { relay(); }));
+  connections.add(this->relevant->connectSignalValueChanged([relay](const bool&) { relay(); }));
+}
+
+InvalidPointsFilter::RelevanceDependentVariableProperty::~RelevanceDependentVariableProperty() =
+  default;
+
+void InvalidPointsFilter::RelevanceDependentVariableProperty::storeValue(
+  const WeakPtr<Variable, unsigned long long>&)
+{
+  // Read-only: the value only mirrors the two sources.
+}
+
+WeakPtr<Variable, unsigned long long>
+InvalidPointsFilter::RelevanceDependentVariableProperty::retrieveValue() const
+{
+  return relevant->value() ? variable->value() : WeakPtr<Variable, unsigned long long>();
+}
+
+// ---------------------------------------------------------------------------------------------
+// InvalidPointsFilter
+
+namespace
+{
+
+// NaN and only NaN: the bits with the sign cleared above those of +infinity. Infinities pass.
+inline bool isNaN(double value)
+{
+  std::uint64_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  return (bits & 0x7FFFFFFFFFFFFFFFULL) > 0x7FF0000000000000ULL;
+}
+
+// Gathers the kept rows of one column into the output column, per column type.
+template <typename ArrayT>
+void gather(ArrayT& input, ArrayT& output, const std::vector<vtkIdType>& rows)
+{
+  for (std::size_t out = 0; out < rows.size(); ++out)
+  {
+    output.SetValue(static_cast<vtkIdType>(out), input.GetValue(rows[out]));
+  }
+}
+
+template <typename ArrayT>
+void gatherAs(vtkAbstractArray* input, vtkAbstractArray* output, const std::vector<vtkIdType>& rows)
+{
+  auto* in = ArrayT::SafeDownCast(input);
+  auto* out = ArrayT::SafeDownCast(output);
+  if (in && out)
+  {
+    gather(*in, *out, rows);
+  }
+}
+
+// Numbers are copied as a row's single value; a column of several components is not copied.
+template <typename ArrayT>
+void gatherSingleComponent(
+  vtkAbstractArray* input, vtkAbstractArray* output, const std::vector<vtkIdType>& rows)
+{
+  auto* in = ArrayT::SafeDownCast(input);
+  auto* out = ArrayT::SafeDownCast(output);
+  if (!in || !out || in->GetNumberOfComponents() != 1)
+  {
+    return;
+  }
+  const auto* source = in->GetPointer(0);
+  auto* target = out->GetPointer(0);
+  for (std::size_t row = 0; row < rows.size(); ++row)
+  {
+    target[row] = source[rows[row]];
+  }
+}
+
+} // namespace
+
+vtkSmartPointer<InvalidPointsFilter> InvalidPointsFilter::New(
+  std::vector<boost::shared_ptr<const VariableProperty>> variableProperties)
+{
+  auto filter = vtkSmartPointer<InvalidPointsFilter>::Take(
+    new InvalidPointsFilter(std::move(variableProperties)));
+  filter->InitializeObjectBase();
+  return filter;
+}
+
+InvalidPointsFilter::InvalidPointsFilter(
+  std::vector<boost::shared_ptr<const VariableProperty>> properties)
+  : variableProperties(std::move(properties))
+{
+  for (const auto& property : variableProperties)
+  {
+    connections.add(property->connectSignalValueChanged(
+      [this](const WeakPtr<Variable, unsigned long long>&) { this->Modified(); }));
+  }
+}
+
+vtkObjectBase* InvalidPointsFilter::NewInstanceInternal() const
+{
+  auto* filter = new InvalidPointsFilter(variableProperties);
+  filter->InitializeObjectBase();
+  return filter;
+}
+
+InvalidPointsFilter::~InvalidPointsFilter()
+{
+  connections.clear();
+}
+
+void InvalidPointsFilter::PrintSelf(ostream& os, vtkIndent indent)
+{
+  this->Superclass::PrintSelf(os, indent);
+  os << indent << "VariableProperties: " << variableProperties.size() << "\n";
+}
+
+int InvalidPointsFilter::RequestData(
+  vtkInformation*, vtkInformationVector** inputVector, vtkInformationVector* outputVector)
+{
+  vtkTable* input = vtkTable::GetData(inputVector[0], 0);
+  vtkTable* output = vtkTable::GetData(outputVector, 0);
+  output->GetRowData()->CopyStructure(input->GetRowData());
+  const vtkIdType rows = input->GetNumberOfRows();
+  output->SetNumberOfRows(rows);
+  if (input->GetNumberOfColumns() == 0 || rows == 0)
+  {
+    return 1;
+  }
+
+  std::vector<std::pair<vtkDoubleArray*, vtkAbstractArray*>> checked;
+  for (const auto& property : variableProperties)
+  {
+    const Variable variable = property->value().lock();
+    if (!variable)
+    {
+      continue;
+    }
+    const std::string name = variable.name();
+    vtkAbstractArray* in = input->GetColumnByName(name.c_str());
+    vtkAbstractArray* out = output->GetColumnByName(name.c_str());
+    if (!in || !out)
+    {
+      output->ShallowCopy(input);
+      return 1;
+    }
+    if (in->GetDataType() == VTK_DOUBLE)
+    {
+      checked.emplace_back(vtkDoubleArray::SafeDownCast(in), out);
+    }
+  }
+  if (checked.empty())
+  {
+    output->ShallowCopy(input);
+    return 1;
+  }
+  std::sort(checked.begin(), checked.end());
+  checked.erase(std::unique(checked.begin(), checked.end()), checked.end());
+
+  // Which rows are valid, one column at a time.
+  std::vector<unsigned char> valid(static_cast<std::size_t>(rows), 1);
+  for (const auto& pair : checked)
+  {
+    const double* values = pair.first->GetPointer(0);
+    const vtkIdType count = std::min(rows, pair.first->GetNumberOfValues());
+    for (vtkIdType row = 0; row < count; ++row)
+    {
+      if (isNaN(values[row]))
+        valid[static_cast<std::size_t>(row)] = 0;
+    }
+  }
+  if (auto* mask = vtkCharArray::SafeDownCast(input->GetColumnByName(validPointsArrayName.c_str())))
+  {
+    const vtkIdType count = std::min(rows, mask->GetNumberOfValues());
+    for (vtkIdType row = 0; row < count; ++row)
+    {
+      if (mask->GetValue(row) == 0)
+        valid[static_cast<std::size_t>(row)] = 0;
+    }
+  }
+  std::vector<vtkIdType> kept;
+  kept.reserve(static_cast<std::size_t>(rows));
+  for (vtkIdType row = 0; row < rows; ++row)
+  {
+    if (valid[static_cast<std::size_t>(row)])
+      kept.push_back(row);
+  }
+
+  // Copy the kept rows, per column type, packed to the front.
+  for (vtkIdType c = 0; c < input->GetNumberOfColumns(); ++c)
+  {
+    vtkAbstractArray* in = input->GetColumn(c);
+    vtkAbstractArray* out = output->GetColumn(c);
+    if (!in || !out || in->GetNumberOfTuples() < rows)
+    {
+      continue;
+    }
+    switch (in->GetDataType())
+    {
+      case VTK_BIT:
+        gatherAs<vtkBitArray>(in, out, kept);
+        break;
+      case VTK_CHAR:
+        gatherAs<vtkCharArray>(in, out, kept);
+        break;
+      case VTK_STRING:
+        gatherAs<vtkStringArray>(in, out, kept);
+        break;
+      case VTK_DOUBLE:
+        gatherSingleComponent<vtkDoubleArray>(in, out, kept);
+        break;
+      case VTK_INT:
+        gatherSingleComponent<vtkIntArray>(in, out, kept);
+        break;
+      default:
+        // Other types are deliberately not copied.
+        break;
+    }
+  }
+  output->SetNumberOfRows(static_cast<vtkIdType>(kept.size()));
+  return 1;
+}

@@ -1,0 +1,191 @@
+#include "charts/InvalidPointsFilter.h"
+#include "datamanagement/Project.h"
+#include "datamanagement/ProjectBuilder.h"
+#include "properties/Property.h"
+
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+#include <vtkBitArray.h>
+#include <vtkCharArray.h>
+#include <vtkDoubleArray.h>
+#include <vtkFloatArray.h>
+#include <vtkIntArray.h>
+#include <vtkStringArray.h>
+#include <vtkTable.h>
+
+#include <cmath>
+#include <limits>
+
+namespace
+{
+
+using VariableProperty = plexa::Property<WeakPtr<Variable>>;
+const double notANumber = std::numeric_limits<double>::quiet_NaN();
+const double inf = std::numeric_limits<double>::infinity();
+
+// The variables the filter may be asked about; only their names matter to it.
+std::shared_ptr<const Project> variables()
+{
+  ProjectBuilder builder;
+  builder.setCaseIds({ 1 });
+  for (const char* name : { "x", "y", "count", "ratio", "absent" })
+    builder.addNumericVariable(name, { 0 });
+  return builder.build();
+}
+
+template <typename ArrayT, typename T>
+vtkSmartPointer<ArrayT> column(const char* name, std::initializer_list<T> values)
+{
+  auto array = vtkSmartPointer<ArrayT>::New();
+  array->SetName(name);
+  for (const T& v : values)
+    array->InsertNextValue(v);
+  return array;
+}
+
+// Four rows of every column kind.
+vtkSmartPointer<vtkTable> fourRows(std::initializer_list<double> x, std::initializer_list<double> y)
+{
+  auto table = vtkSmartPointer<vtkTable>::New();
+  table->AddColumn(column<vtkIntArray>("case_id", { 10, 11, 12, 13 }));
+  table->AddColumn(column<vtkDoubleArray>("x", x));
+  table->AddColumn(column<vtkDoubleArray>("y", y));
+  table->AddColumn(column<vtkStringArray, std::string>("label", { "a", "b", "c", "d" }));
+  table->AddColumn(column<vtkCharArray, char>("grade", { 'p', 'q', 'r', 's' }));
+  table->AddColumn(column<vtkBitArray, int>("failed", { 0, 1, 0, 1 }));
+  table->AddColumn(column<vtkIntArray>("count", { 5, 6, 7, 8 }));
+  table->AddColumn(column<vtkFloatArray, float>("ratio", { 0.5f, 1.5f, 2.5f, 3.5f }));
+  return table;
+}
+
+class InvalidPoints : public ::testing::Test
+{
+protected:
+  InvalidPoints()
+    : project(variables())
+  {
+  }
+
+  boost::shared_ptr<VariableProperty> property(const char* name)
+  {
+    return boost::make_shared<VariableProperty>(project->variable(name));
+  }
+
+  vtkTable* run(InvalidPointsFilter& filter, vtkTable* input)
+  {
+    filter.SetInputData(input);
+    filter.Update();
+    return filter.GetOutput();
+  }
+
+  std::shared_ptr<const Project> project;
+};
+
+std::vector<int> caseIds(vtkTable* table)
+{
+  std::vector<int> ids;
+  auto* column = vtkIntArray::SafeDownCast(table->GetColumnByName("case_id"));
+  for (vtkIdType row = 0; column && row < table->GetNumberOfRows(); ++row)
+    ids.push_back(column->GetValue(row));
+  return ids;
+}
+
+} // namespace
+
+TEST_F(InvalidPoints, DropsRowsWithNaNInTheChosenDoubleColumnsAndKeepsInfinities)
+{
+  auto filter = InvalidPointsFilter::New({ property("x"), property("y") });
+  vtkTable* output = run(*filter, fourRows({ 1, notANumber, 3, 4 }, { 4, 5, inf, -notANumber }));
+  ASSERT_EQ(caseIds(output), (std::vector<int>{ 10, 12 }));
+  EXPECT_EQ(output->GetNumberOfColumns(), 8);
+  EXPECT_EQ(vtkDoubleArray::SafeDownCast(output->GetColumnByName("y"))->GetValue(1), inf);
+  EXPECT_EQ(vtkStringArray::SafeDownCast(output->GetColumnByName("label"))->GetValue(1), "c");
+  EXPECT_EQ(vtkCharArray::SafeDownCast(output->GetColumnByName("grade"))->GetValue(1), 'r');
+  EXPECT_EQ(vtkBitArray::SafeDownCast(output->GetColumnByName("failed"))->GetValue(0), 0);
+  EXPECT_EQ(vtkIntArray::SafeDownCast(output->GetColumnByName("count"))->GetValue(1), 7);
+  vtkAbstractArray* ratio = output->GetColumnByName("ratio");
+  ASSERT_NE(ratio, nullptr) << "a float column stays in the output...";
+  EXPECT_EQ(ratio->GetNumberOfTuples(), 2) << "...with the output's rows, but is not filled";
+}
+
+TEST_F(InvalidPoints, TheMaskColumnMarksRowsInvalidAndIsCopiedToo)
+{
+  auto filter = InvalidPointsFilter::New({ property("x") });
+  auto table = fourRows({ 1, 2, 3, 4 }, { 1, 2, 3, 4 });
+  table->AddColumn(column<vtkCharArray, char>("ValidPointsMask", { 1, 0, 7, 0 }));
+  vtkTable* output = run(*filter, table);
+  EXPECT_EQ(caseIds(output), (std::vector<int>{ 10, 12 }));
+  auto* mask = vtkCharArray::SafeDownCast(output->GetColumnByName("ValidPointsMask"));
+  ASSERT_NE(mask, nullptr);
+  EXPECT_EQ(mask->GetValue(1), 7);
+
+  auto notChars = fourRows({ 1, 2, 3, 4 }, { 1, 2, 3, 4 });
+  notChars->AddColumn(column<vtkIntArray>("ValidPointsMask", { 0, 0, 0, 0 }));
+  EXPECT_EQ(caseIds(run(*filter, notChars)).size(), 4u) << "a mask that is not chars is ignored";
+}
+
+TEST_F(InvalidPoints, OnlyDoubleColumnsAreChecked)
+{
+  auto filter = InvalidPointsFilter::New({ property("count") });
+  vtkTable* output = run(*filter, fourRows({ notANumber, notANumber, notANumber, notANumber }, { 1, 2, 3, 4 }));
+  EXPECT_EQ(caseIds(output).size(), 4u) << "an int variable is never NaN: nothing to check";
+}
+
+TEST_F(InvalidPoints, MissingColumnsAndGoneVariablesPassTheInputThrough)
+{
+  auto absent = InvalidPointsFilter::New({ property("x"), property("absent") });
+  auto table = fourRows({ notANumber, 2, 3, 4 }, { 1, 2, 3, 4 });
+  vtkTable* output = run(*absent, table);
+  EXPECT_EQ(output->GetNumberOfRows(), 4);
+  EXPECT_TRUE(std::isnan(vtkDoubleArray::SafeDownCast(output->GetColumnByName("x"))->GetValue(0)));
+
+  auto none = InvalidPointsFilter::New({ boost::make_shared<VariableProperty>() });
+  EXPECT_EQ(run(*none, table)->GetNumberOfRows(), 4) << "no variable: nothing is checked";
+}
+
+TEST_F(InvalidPoints, AnEmptyTableGivesTheSameColumnsAndNoRows)
+{
+  auto filter = InvalidPointsFilter::New({ property("x") });
+  auto empty = vtkSmartPointer<vtkTable>::New();
+  empty->AddColumn(column<vtkDoubleArray, double>("x", {}));
+  empty->AddColumn(column<vtkStringArray, std::string>("label", {}));
+  vtkTable* output = run(*filter, empty);
+  EXPECT_EQ(output->GetNumberOfColumns(), 2);
+  EXPECT_EQ(output->GetNumberOfRows(), 0);
+  EXPECT_STREQ(output->GetColumn(1)->GetName(), "label");
+}
+
+TEST_F(InvalidPoints, ChoosingAnotherVariableReExecutesOnTheNextUpdate)
+{
+  auto chosen = property("x");
+  auto filter = InvalidPointsFilter::New({ chosen });
+  auto table = fourRows({ notANumber, 2, 3, 4 }, { 1, notANumber, notANumber, 4 });
+  EXPECT_EQ(caseIds(run(*filter, table)), (std::vector<int>{ 11, 12, 13 }));
+  chosen->setValue(project->variable("y"));
+  filter->Update();
+  EXPECT_EQ(caseIds(filter->GetOutput()), (std::vector<int>{ 10, 13 }));
+}
+
+TEST_F(InvalidPoints, ARelevanceDependentVariableCountsOnlyWhileRelevant)
+{
+  auto colour = property("y");
+  auto coloured = boost::make_shared<plexa::Property<bool>>(false);
+  auto relevant = boost::make_shared<InvalidPointsFilter::RelevanceDependentVariableProperty>(
+    colour, coloured);
+  EXPECT_TRUE(relevant->value().lock().isNull());
+  int changes = 0;
+  boost::signals2::scoped_connection connection = relevant->connectSignalValueChanged(
+    [&](const WeakPtr<Variable>&) { ++changes; });
+
+  auto filter = InvalidPointsFilter::New({ property("x"), relevant });
+  auto table = fourRows({ 1, 2, 3, 4 }, { 1, notANumber, 3, 4 });
+  EXPECT_EQ(caseIds(run(*filter, table)).size(), 4u);
+  coloured->setValue(true);
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(relevant->value(), project->variable("y"));
+  filter->Update();
+  EXPECT_EQ(caseIds(filter->GetOutput()), (std::vector<int>{ 10, 12, 13 }));
+
+  relevant->setValue(project->variable("x")); // read-only: nothing happens
+  EXPECT_EQ(relevant->value(), project->variable("y"));
+}
