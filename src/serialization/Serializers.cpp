@@ -1,0 +1,172 @@
+#include "datamanagement/Project.h"
+#include "properties/PropertyAbstract.h"
+#include "serialization/TagSerializers.h"
+#include "serialization/VariableInfoSerializer.h"
+
+#include <QDomDocument>
+#include <QDomElement>
+
+namespace
+{
+
+WeakPtr<Variable, unsigned long long> findByName(
+  const std::vector<WeakPtr<Variable, unsigned long long>>& candidates, const std::string& name)
+{
+  for (const auto& candidate : candidates)
+  {
+    if (candidate.lock().name() == name)
+    {
+      return candidate;
+    }
+  }
+  return {};
+}
+
+} // namespace
+
+VariableInfoSerializer::VariableInfoSerializer(const std::string& name,
+  boost::shared_ptr<VariableProperty> property,
+  const std::vector<WeakPtr<Variable, unsigned long long>>& candidates)
+  : Serializer(name)
+  , property(std::move(property))
+  , candidates(candidates)
+{
+}
+
+VariableInfoSerializer::~VariableInfoSerializer() = default;
+
+void VariableInfoSerializer::serializeSelf(QDomElement& element) const
+{
+  const Variable variable = property->value().lock();
+  if (variable)
+  {
+    element.appendChild(
+      element.ownerDocument().createTextNode(QString::fromStdString(variable.name())));
+  }
+}
+
+void VariableInfoSerializer::deserializeSelf(QDomElement& element) const
+{
+  const std::string name = element.text().toStdString();
+  if (name.empty())
+  {
+    return;
+  }
+  const auto found = findByName(candidates, name);
+  if (!found.lock().isNull())
+  {
+    property->setValue(found);
+  }
+}
+
+VariableListSerializer::VariableListSerializer(const std::string& name,
+  boost::shared_ptr<VariableListProperty> property,
+  const std::vector<WeakPtr<Variable, unsigned long long>>& candidates)
+  : Serializer(name)
+  , property(std::move(property))
+  , candidates(candidates)
+{
+}
+
+VariableListSerializer::~VariableListSerializer() = default;
+
+void VariableListSerializer::serializeSelf(QDomElement& element) const
+{
+  QDomDocument document = element.ownerDocument();
+  for (const auto& handle : property->value())
+  {
+    QDomElement child = document.createElement("Variable");
+    child.setAttribute("name", QString::fromStdString(handle.lock().name()));
+    element.appendChild(child);
+  }
+}
+
+void VariableListSerializer::deserializeSelf(QDomElement& element) const
+{
+  std::vector<WeakPtr<Variable, unsigned long long>> result;
+  for (QDomElement child = element.firstChildElement(); !child.isNull();
+       child = child.nextSiblingElement())
+  {
+    if (child.tagName() != "Variable" || !child.hasAttribute("name"))
+    {
+      continue;
+    }
+    const auto found = findByName(candidates, child.attribute("name").toStdString());
+    if (!found.lock().isNull())
+    {
+      result.push_back(found);
+    }
+  }
+  property->setValue(result);
+}
+
+TagsToShowSerializer::TagsToShowSerializer(
+  boost::shared_ptr<plexa::PropertyAbstract<std::vector<std::string>>> property,
+  const std::set<std::string>& knownTags)
+  : VectorSerializer<std::string>("TagsToShow", std::move(property),
+      [knownTags](const std::string& tag) { return knownTags.count(tag) != 0; })
+{
+}
+
+TagsToShowSerializer::~TagsToShowSerializer() = default;
+
+TagGroupsToShowSerializer::TagGroupsToShowSerializer(
+  boost::shared_ptr<TagGroupListProperty> property)
+{
+  auto getter = [property] {
+    std::vector<std::string> groupNames;
+    for (const auto& handle : property->value())
+    {
+      groupNames.push_back(handle.lock().name());
+    }
+    return groupNames;
+  };
+  auto setter = [property](const std::vector<std::string>& groupNames) {
+    const auto project = Project::project();
+    std::vector<WeakPtr<TagGroup, unsigned long long>> groups;
+    for (const auto& groupName : groupNames)
+    {
+      const auto group = project->tagGroup(groupName);
+      if (!group.lock().isNull())
+      {
+        groups.push_back(group);
+      }
+    }
+    property->setValue(groups);
+  };
+  names = std::make_unique<VectorSerializer<std::string>>(
+    "TagGroupsToShow", getter, setter, [](const std::string&) { return true; });
+}
+
+TagGroupsToShowSerializer::~TagGroupsToShowSerializer() = default;
+
+QDomElement TagGroupsToShowSerializer::serialize(QDomDocument& document)
+{
+  return names->serialize(document);
+}
+
+void TagGroupsToShowSerializer::deserialize(QDomElement& element) const
+{
+  names->deserialize(element);
+}
+
+std::string TagGroupsToShowSerializer::name() const
+{
+  return names->name();
+}
+
+void TagGroupsToShowSerializer::addSubElement(boost::shared_ptr<SerializerInterface> subElement)
+{
+  names->addSubElement(std::move(subElement));
+}
+
+void TagGroupsToShowSerializer::replaceSubElement(boost::shared_ptr<SerializerInterface> subElement)
+{
+  names->replaceSubElement(std::move(subElement));
+}
+
+void TagGroupsToShowSerializer::addDeserializeOnlySubElement(
+  boost::shared_ptr<SerializerInterface> subElement)
+{
+  names->addDeserializeOnlySubElement(std::move(subElement));
+}
