@@ -33,6 +33,7 @@ function(quen_add_library name)
   generate_export_header(${name} BASE_NAME ${upper} EXPORT_FILE_NAME "${export_header}")
   set_target_properties(${name} PROPERTIES
     AUTOMOC ON
+    AUTORCC ON
     CXX_VISIBILITY_PRESET hidden
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}

@@ -8,6 +8,7 @@
 #include "datapipeline/DataPipelineManager.h"
 #include "properties/Property.h"
 #include "properties/UndoablePropertyProxy.h"
+#include "support/RenderedView.h"
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
@@ -26,6 +27,7 @@ class ColorLegendFixture : public ::testing::Test
 protected:
   ColorLegendFixture()
   {
+    testsupport::keepGraphicsDriverLoaded();
     ProjectBuilder builder;
     builder.setCaseIds({ 1, 2, 3 });
     builder.addNumericVariable("range", { 0, 55, 100 });

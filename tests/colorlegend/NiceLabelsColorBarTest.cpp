@@ -1,5 +1,6 @@
 #include "colorlegend/NiceLabelsColorBarWidget.h"
 #include "colorlegend/NiceLabelsColorLegendActor.h"
+#include "support/RenderedView.h"
 
 #include <gtest/gtest.h>
 #include <vtkLookupTable.h>
@@ -35,6 +36,7 @@ vtkStandardNewMacro(InspectableActor);
 
 std::vector<std::string> renderedLabels(double min, double max, int count, bool indexed)
 {
+  testsupport::keepGraphicsDriverLoaded();
   vtkNew<vtkLookupTable> table;
   table->SetRange(min, max);
   table->SetIndexedLookup(indexed);

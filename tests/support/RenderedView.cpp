@@ -13,8 +13,22 @@
 namespace testsupport
 {
 
+void keepGraphicsDriverLoaded()
+{
+  // Reachable from this static for the whole run and never destroyed, on purpose.
+  static vtkRenderWindow* const keeper = [] {
+    vtkRenderWindow* window = vtkRenderWindow::New();
+    window->SetOffScreenRendering(1);
+    window->SetSize(1, 1);
+    window->Render();
+    return window;
+  }();
+  (void)keeper;
+}
+
 RenderedView::RenderedView(int width, int height)
 {
+  keepGraphicsDriverLoaded();
   contextView->GetRenderWindow()->SetSize(width, height);
   contextView->GetRenderer()->SetBackground(1.0, 1.0, 1.0);
 }

@@ -12,6 +12,12 @@ class vtkImageData;
 namespace testsupport
 {
 
+/// Keeps one OpenGL context open for the rest of the process. Mesa unloads its driver when the
+/// last context closes and loads it again for the next window; memory the driver keeps in its
+/// globals then shows up as leaks of an unknown module under LeakSanitizer. Tests that create
+/// render windows call this first (RenderedView does).
+void keepGraphicsDriverLoaded();
+
 /// A vtkContextView of a known size rendering on the test display (Xvfb under ./dev test),
 /// with helpers to read back and save what it shows.
 class RenderedView

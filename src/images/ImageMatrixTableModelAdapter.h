@@ -1,0 +1,51 @@
+#pragma once
+
+#include "images/ImageDecorator.h"
+#include "images/LabelMaker.h"
+#include "quen_analyzer_dataviews_common_export.h"
+#include "signals/SignalConnectionCollection.h"
+
+#include <QAbstractTableModel>
+
+#include <memory>
+
+class ImageFileLoaderInterface;
+class ImageMatrixViewProperties;
+class ImageTableModel;
+
+/// The Qt table model of the image matrix over its grid: a cell shows the image of its first
+/// file (with the stack marker when it holds several), a caption built from the variables in
+/// label when labels are shown, and a tool tip naming the case, the file and the further images
+/// of the cell. Header texts are the axis values. The model resets whenever the grid rebuilds;
+/// label settings change captions and tool tips in place.
+class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT ImageMatrixTableModelAdapter : public QAbstractTableModel
+{
+  Q_OBJECT
+
+public:
+  ImageMatrixTableModelAdapter(std::shared_ptr<ImageTableModel> grid,
+    std::shared_ptr<ImageFileLoaderInterface> loader,
+    std::shared_ptr<ImageMatrixViewProperties> properties);
+  ~ImageMatrixTableModelAdapter() override;
+
+  int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+  int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+  /// The caption of a cell: empty without labels or files.
+  QString caption(const QModelIndex& index) const;
+  /// The tool tip of a cell: empty for a cell without files.
+  QString toolTip(const QModelIndex& index) const;
+  const ImageTableModel& grid() const;
+  /// Tells the views that every image changed (after the loader's size changed).
+  void imagesChanged();
+
+private:
+  std::shared_ptr<ImageTableModel> imageGrid;
+  std::shared_ptr<ImageFileLoaderInterface> loader;
+  std::shared_ptr<ImageMatrixViewProperties> properties;
+  LabelMaker labelMaker;
+  ImageDecorator decorator;
+  SignalConnectionCollection connections;
+};
