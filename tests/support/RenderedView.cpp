@@ -13,17 +13,20 @@
 namespace testsupport
 {
 
+// Never destroyed, on purpose; a global of external linkage, so that the pointer is really
+// stored and LeakSanitizer sees the window as reachable.
+vtkRenderWindow* graphicsDriverKeeper = nullptr;
+
 void keepGraphicsDriverLoaded()
 {
-  // Reachable from this static for the whole run and never destroyed, on purpose.
-  static vtkRenderWindow* const keeper = [] {
-    vtkRenderWindow* window = vtkRenderWindow::New();
-    window->SetOffScreenRendering(1);
-    window->SetSize(1, 1);
-    window->Render();
-    return window;
-  }();
-  (void)keeper;
+  if (graphicsDriverKeeper)
+  {
+    return;
+  }
+  graphicsDriverKeeper = vtkRenderWindow::New();
+  graphicsDriverKeeper->SetOffScreenRendering(1);
+  graphicsDriverKeeper->SetSize(1, 1);
+  graphicsDriverKeeper->Render();
 }
 
 RenderedView::RenderedView(int width, int height)
