@@ -1,0 +1,184 @@
+#include "analyzer_common/SelectionModel.h"
+#include "datamanagement/Project.h"
+#include "datapipeline/DataPipelineManager.h"
+#include "images/ImageCache.h"
+#include "images/ImageMatrixViewProperties.h"
+#include "images/ImageTableView.h"
+#include "images/ImageViewItemDelegate.h"
+#include "images/ImageViewStylesheets.h"
+#include "images/QImageTableView.h"
+#include "properties/PropertyAbstract.h"
+#include "qxt/QxtLabel.h"
+#include "support/SmallStudy.h"
+
+#include <QHeaderView>
+#include <QLayout>
+#include <QScrollBar>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using Cases = std::set<unsigned long long>;
+using Matrix = ImageMatrixViewProperties;
+
+class ImageTableViewTest : public ::testing::Test
+{
+protected:
+  ImageTableViewTest()
+  {
+    Project::setProject(study.project);
+    pipeline = std::make_shared<DataPipelineManager>(study.project);
+    master = boost::make_shared<SelectionModel>();
+    properties = std::make_shared<Matrix>();
+    properties->zoom()->setValue(0); // 50 x 50 pixel images
+    view = std::make_unique<ImageTableView>(parent, pipeline, master, cache.imageLoader(), properties);
+  }
+  ~ImageTableViewTest() override
+  {
+    view.reset();
+    Project::setProject(nullptr);
+  }
+
+  Cases selectedCells()
+  {
+    Cases cells;
+    for (const QModelIndex& index : view->tableView().selectionModel()->selectedIndexes())
+      cells.insert(static_cast<unsigned long long>(index.row() * 10 + index.column()));
+    return cells;
+  }
+
+  testsupport::SmallStudy study;
+  ImageCache cache;
+  std::shared_ptr<DataPipelineManager> pipeline;
+  boost::shared_ptr<SelectionModel> master;
+  std::shared_ptr<Matrix> properties;
+  QWidget parent;
+  std::unique_ptr<ImageTableView> view;
+};
+
+} // namespace
+
+TEST_F(ImageTableViewTest, TheFormHasItsNamedPartsAndScrollsPerPixel)
+{
+  EXPECT_EQ(view->objectName(), "ImageTableView");
+  EXPECT_EQ(view->size(), QSize(708, 568));
+  EXPECT_EQ(view->windowTitle(), "Form");
+  EXPECT_NE(view->findChild<QLayout*>("dialogLayout"), nullptr);
+  EXPECT_NE(view->findChild<QLayout*>("horizontalLayout"), nullptr);
+  EXPECT_NE(view->findChild<QLayout*>("verticalLayout"), nullptr);
+  auto* rowHeader = view->findChild<QxtLabel*>("rowHeader");
+  auto* columnHeader = view->findChild<QxtLabel*>("columnHeader");
+  ASSERT_NE(rowHeader, nullptr);
+  ASSERT_NE(columnHeader, nullptr);
+  EXPECT_EQ(static_cast<int>(columnHeader->alignment()), 132);
+  EXPECT_EQ(rowHeader->styleSheet(), "font: 75 12pt \"MS Shell Dlg 2\";");
+  EXPECT_EQ(rowHeader->rotation(), QxtLabel::CounterClockwise);
+  EXPECT_EQ(rowHeader->text(), "speed") << "the row title names the row variable";
+  EXPECT_EQ(columnHeader->text(), "angle");
+  auto* table = view->findChild<QImageTableView*>("tableView");
+  ASSERT_EQ(table, &view->tableView());
+  EXPECT_EQ(table->verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
+  EXPECT_EQ(table->horizontalScrollMode(), QAbstractItemView::ScrollPerPixel);
+}
+
+TEST_F(ImageTableViewTest, CellsAreSizedFromTheDelegateAtTheZoom)
+{
+  QImageTableView& table = view->tableView();
+  ASSERT_EQ(table.model()->rowCount(), 2);
+  const int grid = table.showGrid() ? 1 : 0;
+  EXPECT_EQ(table.rowHeight(0), 50 + 8 + grid) << "an image of 50 pixels, no caption";
+  EXPECT_EQ(table.columnWidth(1), 50 + 8 + grid);
+  EXPECT_EQ(view->width(), 2 * (58 + grid));
+  EXPECT_EQ(view->height(), 2 * (58 + grid));
+
+  properties->zoom()->setValue(10); // 125 pixels
+  EXPECT_EQ(table.rowHeight(1), 125 + 8 + grid);
+  EXPECT_EQ(table.imageDelegate()->imageSize(), QSize(125, 125));
+
+  properties->showLabels()->setValue(true);
+  EXPECT_GT(table.rowHeight(0), 125 + 8 + grid) << "captions add their height";
+  const QSize hint = table.imageDelegate()->sizeHint(QStyleOptionViewItem(), table.model()->index(0, 0));
+  EXPECT_EQ(table.rowHeight(0), hint.height() + grid);
+
+  ImageViewItemDelegate noCaption(nullptr);
+  noCaption.setImageSize(QSize(10, 20));
+  EXPECT_EQ(noCaption.sizeHint(QStyleOptionViewItem(), QModelIndex()), QSize(18, 28));
+}
+
+TEST_F(ImageTableViewTest, ScrollPositionsBeyondTheRangeAreKept)
+{
+  view->setScrollPositions(5000, 7000);
+  int horizontal = 0;
+  int vertical = 0;
+  view->scrollPositions(horizontal, vertical);
+  EXPECT_EQ(horizontal, 5000);
+  EXPECT_EQ(vertical, 7000);
+}
+
+TEST_F(ImageTableViewTest, AvailableTagsAreSortedWithoutRepeats)
+{
+  EXPECT_EQ(view->availableTags(),
+    (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
+}
+
+TEST_F(ImageTableViewTest, SelectionIsTheMasterSelectionBothWays)
+{
+  // Rows by tag: case 1 is shown in the cells (0, 0) and (1, 0).
+  properties->dimensionRowsBy()->setValue(Matrix::ByTag);
+  int changes = 0;
+  boost::signals2::scoped_connection connection =
+    view->connectSignalSelectedImagesChanged([&] { ++changes; });
+
+  master->setSelection({ 1 });
+  EXPECT_EQ(selectedCells(), (Cases{ 0, 10 })) << "every cell showing the case";
+  EXPECT_GE(changes, 1);
+  EXPECT_EQ(view->numSelections(), 2);
+
+  QImageTableView& table = view->tableView();
+  table.selectionModel()->select(table.model()->index(1, 1), QItemSelectionModel::ClearAndSelect);
+  EXPECT_EQ(master->getSelections(), (Cases{ 3, 4, 6 }));
+  const auto images = view->selectedImages();
+  ASSERT_EQ(images.size(), 3u);
+  EXPECT_EQ(images[0]->caseId, 3u);
+  EXPECT_EQ(images[0]->image->size(), QSize(40, 30)) << "selected images come at full size";
+  EXPECT_EQ(view->selectedAuxFiles().size(), 3u);
+  EXPECT_EQ(view->displayedAuxFiles().size(), 8u);
+
+  properties->dimensionRowsBy()->setValue(Matrix::ByVariable);
+  EXPECT_EQ(selectedCells(), (Cases{ 1, 11 })) << "a rebuilt grid shows the master's selection";
+  EXPECT_EQ(master->getSelections(), (Cases{ 3, 4, 6 }));
+}
+
+TEST_F(ImageTableViewTest, SuspendedViewsCatchUpOnResume)
+{
+  view->suspend();
+  pipeline->setRangeFilter(study.project->variable("speed"), 0, 15);
+  EXPECT_EQ(view->tableView().model()->rowCount(), 2);
+  view->resume();
+  EXPECT_EQ(view->tableView().model()->rowCount(), 1);
+}
+
+TEST(ImageViewStylesheets, TheDefaultsAreStoredAndEditsAreReadBack)
+{
+  QTemporaryDir folder;
+  QSettings::setDefaultFormat(QSettings::IniFormat);
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
+  {
+    QSettings settings;
+    settings.remove("ImageTableViewStylesheet");
+    settings.remove("ImageListViewStylesheet");
+  }
+  EXPECT_EQ(imageTableViewStylesheet(), "QTableView{background-color:lightgray}");
+  EXPECT_EQ(imageListViewStylesheet(), "QListView{background-color:lightgray}");
+  {
+    QSettings settings;
+    EXPECT_EQ(settings.value("ImageTableViewStylesheet").toString(),
+      "QTableView{background-color:lightgray}") << "the first call writes the default";
+    settings.setValue("ImageTableViewStylesheet", "QTableView{background-color:black}");
+  }
+  EXPECT_EQ(imageTableViewStylesheet(), "QTableView{background-color:black}");
+}
