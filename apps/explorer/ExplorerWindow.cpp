@@ -1,0 +1,453 @@
+#include "ExplorerWindow.h"
+
+#include "CasesTableView.h"
+#include "ImageMatrixView.h"
+#include "ScatterPlotView.h"
+#include "SettingsFile.h"
+#include "SettingsPanel.h"
+#include "analyzer_common/SelectionModel.h"
+#include "analyzer_common/UndoStack.h"
+#include "datamanagement/Project.h"
+#include "datamanagement/StudyReader.h"
+#include "datapipeline/DataPipelineManager.h"
+#include "dataviews/DataViewVisitorAbstract.h"
+#include "export/FullPrecisionCSVExporter.h"
+#include "export/SurrogateModelCSVExporter.h"
+#include "images/ImageCache.h"
+#include "properties/PropertyAbstract.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QDockWidget>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QProgressDialog>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTextStream>
+#include <QThread>
+#include <QTimer>
+#include <QToolBar>
+#include <QUndoStack>
+#include <boost/make_shared.hpp>
+#include <vtkTable.h>
+#include <vtkTableAlgorithm.h>
+
+#include <atomic>
+#include <exception>
+
+namespace explorer
+{
+
+namespace
+{
+
+// Enables the chart's actions while a scatter view is the current view.
+class ChartActionsVisitor : public DataViewVisitorAbstract
+{
+public:
+  using DataViewVisitorAbstract::visit;
+  void visit(boost::shared_ptr<ScatterPlot2DInterface>) override { chart = true; }
+  bool chart = false;
+};
+
+} // namespace
+
+struct ExplorerWindow::Impl
+{
+  // Declared before the views, so that it outlives them.
+  std::shared_ptr<const Project> project;
+  std::shared_ptr<DataPipelineManager> pipeline;
+  boost::shared_ptr<SelectionModel> selection = boost::make_shared<SelectionModel>();
+  ImageCache cache;
+  boost::shared_ptr<ScatterPlotView> scatter;
+  boost::shared_ptr<CasesTableView> table;
+  boost::shared_ptr<ImageMatrixView> images;
+  ExplorerView* current = nullptr;
+  QSplitter* splitter = nullptr;
+  QDockWidget* dock = nullptr;
+  QActionGroup* mouseModes = nullptr;
+  QAction* fitAction = nullptr;
+  QProgressBar* progress = nullptr;
+  std::shared_ptr<ImageFileLoaderInterface> preloaded;
+  QThread* preloader = nullptr;
+  std::shared_ptr<std::atomic<bool>> stopPreloading = std::make_shared<std::atomic<bool>>(false);
+
+  void stopPreloader()
+  {
+    if (preloader)
+    {
+      stopPreloading->store(true);
+      preloader->wait();
+      delete preloader;
+      preloader = nullptr;
+    }
+  }
+
+  void clearViews()
+  {
+    current = nullptr;
+    delete dock;
+    dock = nullptr;
+    scatter.reset();
+    table.reset();
+    images.reset();
+    pipeline.reset();
+  }
+};
+
+ExplorerWindow::ExplorerWindow(QWidget* parent)
+  : QMainWindow(parent)
+  , d(std::make_unique<Impl>())
+{
+  setObjectName("explorerWindow");
+  setWindowTitle("Explorer");
+  d->splitter = new QSplitter(Qt::Horizontal, this);
+  setCentralWidget(d->splitter);
+  d->progress = new QProgressBar();
+  d->progress->setMaximumWidth(200);
+  d->progress->hide();
+  statusBar()->addPermanentWidget(d->progress);
+  createActions();
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+    for (ExplorerView* view : views())
+    {
+      if (now && (now == view->widget() || view->widget()->isAncestorOf(now)))
+      {
+        d->current = view;
+        updateActionsForCurrentView();
+      }
+    }
+  });
+  showStudy(Project::project());
+}
+
+ExplorerWindow::~ExplorerWindow()
+{
+  d->stopPreloader();
+  d->clearViews();
+}
+
+void ExplorerWindow::createActions()
+{
+  QMenu* file = menuBar()->addMenu("&File");
+  file->addAction("&Open Study...", this, &ExplorerWindow::openStudy, QKeySequence::Open);
+  file->addAction("&Load Settings...", this, &ExplorerWindow::openSettings);
+  file->addAction("&Save Settings...", this, &ExplorerWindow::saveSettingsAs, QKeySequence::Save);
+  file->addSeparator();
+  file->addAction("Export Cases (full precision)...", this, [this] { exportCasesAs(true); });
+  file->addAction("Export Cases (6 digits)...", this, [this] { exportCasesAs(false); });
+  file->addSeparator();
+  file->addAction("&Quit", this, &QWidget::close, QKeySequence::Quit);
+
+  QMenu* edit = menuBar()->addMenu("&Edit");
+  QUndoStack& undo = UndoStack().qUndoStack();
+  QAction* undoAction = undo.createUndoAction(this, "&Undo");
+  undoAction->setShortcut(QKeySequence::Undo);
+  QAction* redoAction = undo.createRedoAction(this, "&Redo");
+  redoAction->setShortcut(QKeySequence::Redo);
+  edit->addAction(undoAction);
+  edit->addAction(redoAction);
+
+  QMenu* viewMenu = menuBar()->addMenu("&View");
+  QToolBar* tools = addToolBar("Chart");
+  tools->setObjectName("chartTools");
+  d->mouseModes = new QActionGroup(this);
+  const std::pair<const char*, DataViewInterface::MouseMode> modes[] = {
+    { "Select", DataViewInterface::Select }, { "Pan", DataViewInterface::Pan },
+    { "Zoom", DataViewInterface::Zoom } };
+  for (const auto& [name, mode] : modes)
+  {
+    QAction* action = d->mouseModes->addAction(name);
+    action->setCheckable(true);
+    action->setChecked(mode == DataViewInterface::Select);
+    connect(action, &QAction::triggered, this, [this, mode = mode] {
+      if (d->scatter)
+        d->scatter->mouseMode()->setValue(mode);
+    });
+    viewMenu->addAction(action);
+    tools->addAction(action);
+  }
+  d->fitAction = new QAction("Fit to Data", this);
+  connect(d->fitAction, &QAction::triggered, this, [this] {
+    if (d->scatter)
+      d->scatter->fitToData();
+  });
+  viewMenu->addSeparator();
+  viewMenu->addAction(d->fitAction);
+  tools->addAction(d->fitAction);
+}
+
+void ExplorerWindow::updateActionsForCurrentView()
+{
+  ChartActionsVisitor visitor;
+  if (d->current)
+    d->current->accept(visitor);
+  d->mouseModes->setEnabled(visitor.chart);
+  d->fitAction->setEnabled(visitor.chart);
+}
+
+void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
+{
+  d->stopPreloader();
+  d->clearViews();
+  UndoStack().clear();
+  d->selection->setSelection({});
+  d->project = project ? std::move(project) : Project::project();
+  Project::setProject(d->project);
+  d->pipeline = std::make_shared<DataPipelineManager>(d->project);
+  d->scatter = boost::make_shared<ScatterPlotView>(d->project, *d->pipeline, d->selection);
+  d->table = boost::make_shared<CasesTableView>(*d->pipeline, d->selection);
+  d->images = boost::make_shared<ImageMatrixView>(d->project, d->pipeline, d->selection, d->cache.imageLoader());
+
+  auto* right = new QSplitter(Qt::Vertical);
+  right->addWidget(d->table->widget());
+  right->addWidget(d->images->widget());
+  right->setStretchFactor(1, 2);
+  while (d->splitter->count() > 0)
+    delete d->splitter->widget(0);
+  d->splitter->addWidget(d->scatter->widget());
+  d->splitter->addWidget(right);
+  d->splitter->setStretchFactor(0, 3);
+  d->splitter->setStretchFactor(1, 2);
+  d->splitter->setSizes({ 650, 600 });
+  right->setSizes({ 230, 600 });
+
+  auto* panel = new SettingsPanel(d->project, *d->pipeline, *d->scatter, *d->images,
+    [this](const QString& message) { report(message); });
+  auto* scroll = new QScrollArea();
+  scroll->setWidget(panel);
+  scroll->setWidgetResizable(true);
+  d->dock = new QDockWidget("Settings", this);
+  d->dock->setObjectName("settingsDock");
+  d->dock->setWidget(scroll);
+  addDockWidget(Qt::RightDockWidgetArea, d->dock);
+
+  d->current = d->scatter.get();
+  updateActionsForCurrentView();
+  // Once the window is on screen the chart can fit itself to the data.
+  QTimer::singleShot(0, this, [this] {
+    if (d->scatter)
+      d->scatter->refresh();
+  });
+  const QString folder = QString::fromStdString(d->project->folder());
+  setWindowTitle(folder.isEmpty() ? "Explorer" : "Explorer - " + QFileInfo(folder).fileName());
+  statusBar()->showMessage(QString("%1 cases, %2 variables").arg(d->project->numberOfRecords())
+                             .arg(d->project->variables().size()));
+}
+
+std::shared_ptr<const Project> ExplorerWindow::project() const
+{
+  return d->project;
+}
+
+bool ExplorerWindow::loadSettings(const QString& path, QString& error)
+{
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly))
+  {
+    error = path + ": " + file.errorString();
+    return false;
+  }
+  try
+  {
+    SettingsFile::load(QString::fromUtf8(file.readAll()), path.toStdString(), views(), *d->pipeline, *d->project);
+  }
+  catch (const std::exception& e)
+  {
+    error = QString::fromStdString(e.what());
+    return false;
+  }
+  return true;
+}
+
+bool ExplorerWindow::saveSettings(const QString& path, QString& error) const
+{
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+  {
+    error = path + ": " + file.errorString();
+    return false;
+  }
+  QTextStream stream(&file);
+  stream.setCodec("UTF-8");
+  stream << SettingsFile::write(views(), *d->pipeline);
+  stream.flush();
+  if (file.error() != QFile::NoError)
+  {
+    error = path + ": " + file.errorString();
+    return false;
+  }
+  return true;
+}
+
+bool ExplorerWindow::exportCases(const QString& path, bool fullPrecision, QString& error) const
+{
+  vtkTableAlgorithm* output = d->pipeline->output();
+  output->Update();
+  if (fullPrecision)
+  {
+    try
+    {
+      FullPrecisionCSVExporter().writeCSVFile(*output->GetOutput(), path.toStdString());
+    }
+    catch (const std::exception& e)
+    {
+      error = QString::fromStdString(e.what());
+      return false;
+    }
+    return true;
+  }
+  if (!SurrogateModelCSVExporter().writeCSVFile(output, path.toStdString()))
+  {
+    error = "cannot export to \"" + path + "\": the file cannot be written";
+    return false;
+  }
+  return true;
+}
+
+SelectionModel& ExplorerWindow::selection() const
+{
+  return *d->selection;
+}
+
+std::vector<ExplorerView*> ExplorerWindow::views() const
+{
+  return { d->scatter.get(), d->table.get(), d->images.get() };
+}
+
+ScatterPlotView& ExplorerWindow::scatter() const
+{
+  return *d->scatter;
+}
+
+CasesTableView& ExplorerWindow::table() const
+{
+  return *d->table;
+}
+
+ImageMatrixView& ExplorerWindow::images() const
+{
+  return *d->images;
+}
+
+int ExplorerWindow::shownCases() const
+{
+  d->pipeline->output()->Update();
+  return static_cast<int>(d->pipeline->output()->GetOutput()->GetNumberOfRows());
+}
+
+void ExplorerWindow::preloadImages()
+{
+  d->stopPreloader();
+  std::vector<std::string> paths;
+  for (const auto& file : d->project->auxFiles())
+    paths.push_back(file.lock().filePath());
+  if (paths.empty())
+    return;
+  d->preloaded = d->cache.imageLoader();
+  d->stopPreloading = std::make_shared<std::atomic<bool>>(false);
+  d->progress->setRange(0, static_cast<int>(paths.size()));
+  d->progress->setValue(0);
+  d->progress->setFormat("images %v/%m");
+  d->progress->show();
+  auto loader = d->preloaded;
+  auto stop = d->stopPreloading;
+  QProgressBar* bar = d->progress;
+  d->preloader = QThread::create([paths, loader, stop, bar] {
+    for (std::size_t i = 0; i < paths.size() && !stop->load(); ++i)
+    {
+      loader->image(paths[i]);
+      QMetaObject::invokeMethod(bar, "setValue", Qt::QueuedConnection, Q_ARG(int, static_cast<int>(i + 1)));
+    }
+  });
+  connect(d->preloader, &QThread::finished, d->progress, &QWidget::hide);
+  d->preloader->start();
+}
+
+void ExplorerWindow::report(const QString& message)
+{
+  statusBar()->showMessage(message, 8000);
+}
+
+void ExplorerWindow::openStudy()
+{
+  const QString folder = QFileDialog::getExistingDirectory(this, "Open Study");
+  if (folder.isEmpty())
+    return;
+  try
+  {
+    showStudy(readStudyWithProgress(folder.toStdString(), this));
+    preloadImages();
+  }
+  catch (const std::exception& e)
+  {
+    QMessageBox::critical(this, "Cannot open the study", QString::fromStdString(e.what()));
+  }
+}
+
+void ExplorerWindow::openSettings()
+{
+  const QString path = QFileDialog::getOpenFileName(this, "Load Settings", {}, "Settings (*.xml)");
+  QString error;
+  if (!path.isEmpty() && !loadSettings(path, error))
+    QMessageBox::critical(this, "Cannot load the settings", error);
+}
+
+void ExplorerWindow::saveSettingsAs()
+{
+  const QString path = QFileDialog::getSaveFileName(this, "Save Settings", "settings.xml", "Settings (*.xml)");
+  QString error;
+  if (!path.isEmpty() && !saveSettings(path, error))
+    QMessageBox::critical(this, "Cannot save the settings", error);
+}
+
+void ExplorerWindow::exportCasesAs(bool fullPrecision)
+{
+  const QString path = QFileDialog::getSaveFileName(this, "Export Cases", "cases.csv", "CSV (*.csv)");
+  QString error;
+  if (path.isEmpty())
+    return;
+  if (!exportCases(path, fullPrecision, error))
+    QMessageBox::critical(this, "Cannot export the cases", error);
+  else
+    report("exported " + QString::number(shownCases()) + " cases to " + path);
+}
+
+std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder, QWidget* parent)
+{
+  std::shared_ptr<const Project> project;
+  std::exception_ptr failure;
+  QThread* reader = QThread::create([&] {
+    try
+    {
+      project = readStudy(folder);
+    }
+    catch (...)
+    {
+      failure = std::current_exception();
+    }
+  });
+  QProgressDialog progress("Reading " + QString::fromStdString(folder) + "...", QString(), 0, 0, parent);
+  progress.setWindowModality(Qt::WindowModal);
+  progress.setMinimumDuration(300);
+  QObject::connect(reader, &QThread::finished, &progress, &QProgressDialog::reset);
+  reader->start();
+  while (!reader->isFinished())
+  {
+    QApplication::processEvents(QEventLoop::AllEvents, 50);
+    reader->wait(20);
+  }
+  delete reader;
+  if (failure)
+    std::rethrow_exception(failure);
+  return project;
+}
+
+} // namespace explorer

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QMainWindow>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class Project;
+class SelectionModel;
+class QAction;
+
+namespace explorer
+{
+
+class CasesTableView;
+class ExplorerView;
+class ImageMatrixView;
+class ScatterPlotView;
+
+/// The explorer's main window: the scatter plot, the table of cases and the image matrix of one
+/// study side by side, linked by one master selection, with the settings panel at the side.
+class ExplorerWindow : public QMainWindow
+{
+  Q_OBJECT
+
+public:
+  explicit ExplorerWindow(QWidget* parent = nullptr);
+  ~ExplorerWindow() override;
+
+  /// Shows a study (an empty project shows empty views). The previous study's views go.
+  void showStudy(std::shared_ptr<const Project> project);
+  std::shared_ptr<const Project> project() const;
+
+  /// Each returns false and sets `error` to a message for the user when it fails; nothing the
+  /// user had is changed then.
+  bool loadSettings(const QString& path, QString& error);
+  bool saveSettings(const QString& path, QString& error) const;
+  /// Exports the shown cases: in full precision, or with six significant digits through VTK.
+  bool exportCases(const QString& path, bool fullPrecision, QString& error) const;
+
+  SelectionModel& selection() const;
+  std::vector<ExplorerView*> views() const;
+  ScatterPlotView& scatter() const;
+  CasesTableView& table() const;
+  ImageMatrixView& images() const;
+  /// The number of cases the filters let through.
+  int shownCases() const;
+
+  /// Decodes every image of the study in the background, with a progress bar, so that the
+  /// image matrix finds them ready.
+  void preloadImages();
+
+private:
+  void createActions();
+  void openStudy();
+  void openSettings();
+  void saveSettingsAs();
+  void exportCasesAs(bool fullPrecision);
+  void updateActionsForCurrentView();
+  void report(const QString& message);
+
+  struct Impl;
+  std::unique_ptr<Impl> d;
+};
+
+/// Reads a study folder with a progress dialog, keeping the window responsive. Throws what
+/// readStudy throws.
+std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder, QWidget* parent);
+
+} // namespace explorer

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Views.h"
+#include "datamanagement/Variable.h"
+#include "datamanagement/WeakPtr.h"
+
+#include <memory>
+
+class AxisDetailsInterface;
+class ColorLegend;
+class DataPipelineManagerInterface;
+class Project;
+class SelectionModelInterface;
+class vtkPlotPoints;
+
+namespace plexa
+{
+template <typename T>
+class PropertyAbstract;
+}
+
+namespace explorer
+{
+
+/// The 2-D scatter view: the shown cases as points of an XY chart, coloured by a variable with
+/// a colour legend, the region outside the range filters shaded behind them, rows with NaN in
+/// the plotted variables dropped before plotting. Selecting points selects their cases.
+class ScatterPlotView
+  : public ScatterPlot2DInterface
+  , public ExplorerView
+{
+public:
+  ScatterPlotView(std::shared_ptr<const Project> project, const DataPipelineManagerInterface& pipeline,
+    boost::shared_ptr<SelectionModelInterface> selection);
+  ~ScatterPlotView() override;
+
+  QWidget* widget() const override;
+  void accept(DataViewVisitorInterface& visitor) override;
+  std::string shortName() const override { return "scatter"; }
+  std::string selectionSummary() const override;
+  void suspend() override;
+  void resume() override;
+  void refresh() override;
+
+  boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> xVariable() const;
+  boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> yVariable() const;
+  boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> colorVariable() const;
+  AxisDetailsInterface& xAxis() const;
+  AxisDetailsInterface& yAxis() const;
+  ColorLegend& colorLegend() const;
+  /// Fits both axes to the shown points.
+  void fitToData();
+  /// The points plot and the number of its rows that are selected.
+  vtkPlotPoints& points() const;
+  int highlightedPoints() const;
+
+protected:
+  bool caseIDAtPoint(unsigned long long& caseID) override;
+
+private:
+  struct Impl;
+  std::unique_ptr<Impl> d;
+};
+
+} // namespace explorer

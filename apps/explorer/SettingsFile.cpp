@@ -1,0 +1,156 @@
+#include "SettingsFile.h"
+
+#include "Views.h"
+#include "analyzer_common/UndoStack.h"
+#include "datamanagement/Project.h"
+#include "datapipeline/DataPipelineManager.h"
+#include "datapipeline/RangeFilter.h"
+#include "serialize/SerializerInterface.h"
+
+#include <QDomDocument>
+#include <QDomElement>
+#include <boost/lexical_cast.hpp>
+
+#include <set>
+
+namespace explorer
+{
+
+namespace
+{
+
+const char* const variableElements[] = { "XVariable", "YVariable", "ColorVariable", "RowVariable",
+  "ColumnVariable", "PageVariable" };
+
+// Every variable name the document refers to, to check them all before applying anything.
+void collectVariableNames(const QDomElement& element, std::set<std::string>& names)
+{
+  for (const char* tag : variableElements)
+  {
+    if (element.tagName() == tag && !element.text().isEmpty())
+      names.insert(element.text().toStdString());
+  }
+  if ((element.tagName() == "Variable" || element.tagName() == "Filter") &&
+    element.hasAttribute(element.tagName() == "Variable" ? "name" : "variable"))
+  {
+    names.insert(element.attribute(element.tagName() == "Variable" ? "name" : "variable").toStdString());
+  }
+  for (QDomElement child = element.firstChildElement(); !child.isNull(); child = child.nextSiblingElement())
+    collectVariableNames(child, names);
+}
+
+double number(const QDomElement& filter, const char* attribute, const std::string& source)
+{
+  bool ok = false;
+  const double value = filter.attribute(attribute).toDouble(&ok);
+  if (!ok)
+    throw SettingsError(source + ": the filter on \"" + filter.attribute("variable").toStdString() +
+      "\" has no number as " + attribute);
+  return value;
+}
+
+void applyFilters(const QDomElement& root, DataPipelineManager& pipeline, const Project& project,
+  const std::string& source)
+{
+  const QDomElement filters = root.firstChildElement("Filters");
+  if (filters.isNull())
+    return;
+  for (const auto& filter : pipeline.filters())
+    pipeline.removeFilter(filter->variable());
+  for (QDomElement filter = filters.firstChildElement("Filter"); !filter.isNull();
+       filter = filter.nextSiblingElement("Filter"))
+  {
+    const auto variable = project.variable(filter.attribute("variable").toStdString());
+    const double min = number(filter, "min", source);
+    const double max = number(filter, "max", source);
+    if (min > max)
+      throw SettingsError(source + ": the filter on \"" + filter.attribute("variable").toStdString() +
+        "\" has its minimum above its maximum");
+    pipeline.setRangeFilter(variable, min, max);
+    pipeline.setFilterEnabled(variable, filter.attribute("enabled", "1") != "0");
+  }
+}
+
+void applyAll(const QDomElement& root, const std::vector<ExplorerView*>& views,
+  DataPipelineManager& pipeline, const Project& project, const std::string& source)
+{
+  applyFilters(root, pipeline, project, source);
+  for (ExplorerView* view : views)
+  {
+    QDomElement element = root.firstChildElement(QString::fromStdString(view->domName()));
+    if (!element.isNull())
+      view->serializer().deserialize(element);
+  }
+}
+
+} // namespace
+
+QString SettingsFile::write(const std::vector<ExplorerView*>& views, const DataPipelineManager& pipeline)
+{
+  QDomDocument document;
+  document.appendChild(document.createProcessingInstruction("xml", "version=\"1.0\" encoding=\"UTF-8\""));
+  QDomElement root = document.createElement("ExplorerSettings");
+  root.setAttribute("version", 1);
+  document.appendChild(root);
+  for (ExplorerView* view : views)
+    root.appendChild(view->serializer().serialize(document));
+  QDomElement filters = document.createElement("Filters");
+  for (const auto& filter : pipeline.filters())
+  {
+    const auto range = boost::dynamic_pointer_cast<RangeFilter>(filter);
+    if (!range)
+      continue;
+    QDomElement element = document.createElement("Filter");
+    element.setAttribute("variable", QString::fromStdString(filter->variable().lock().name()));
+    element.setAttribute("min", QString::fromStdString(boost::lexical_cast<std::string>(range->range().first)));
+    element.setAttribute("max", QString::fromStdString(boost::lexical_cast<std::string>(range->range().second)));
+    element.setAttribute("enabled", pipeline.isFilterEnabled(filter->variable()) ? 1 : 0);
+    filters.appendChild(element);
+  }
+  root.appendChild(filters);
+  return document.toString(2);
+}
+
+void SettingsFile::load(const QString& xml, const std::string& source,
+  const std::vector<ExplorerView*>& views, DataPipelineManager& pipeline, const Project& project)
+{
+  QDomDocument document;
+  QString error;
+  int line = 0;
+  int column = 0;
+  if (!document.setContent(xml, &error, &line, &column))
+    throw SettingsError(source + ":" + std::to_string(line) + ":" + std::to_string(column) +
+      ": the settings are not well-formed XML: " + error.toStdString());
+  const QDomElement root = document.documentElement();
+  if (root.tagName() != "ExplorerSettings")
+    throw SettingsError(source + ": these are not explorer settings (the root element is \"" +
+      root.tagName().toStdString() + "\", not \"ExplorerSettings\")");
+
+  std::set<std::string> names;
+  collectVariableNames(root, names);
+  std::string unknown;
+  for (const auto& name : names)
+  {
+    if (project.variable(name).lock().isNull())
+      unknown += (unknown.empty() ? "\"" : ", \"") + name + "\"";
+  }
+  if (!unknown.empty())
+    throw SettingsError(source + ": the settings name variables this study does not have: " + unknown);
+
+  QDomDocument before;
+  before.setContent(write(views, pipeline));
+  UndoStack::SuspendUndoRecording notRecorded;
+  try
+  {
+    applyAll(root, views, pipeline, project, source);
+  }
+  catch (const std::exception& e)
+  {
+    const std::string problem = e.what();
+    applyAll(before.documentElement(), views, pipeline, project, source);
+    throw SettingsError(source + ": a setting was refused, nothing was changed: " + problem);
+  }
+  UndoStack().clear();
+}
+
+} // namespace explorer

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+class DataPipelineManager;
+class Project;
+
+namespace explorer
+{
+
+class ExplorerView;
+
+/// Saved settings that cannot be read or applied; the message says where and why.
+class SettingsError : public std::runtime_error
+{
+public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The view settings of the explorer as one XML document: an element "ExplorerSettings" with the
+/// element of each view (written by the view's serializer) and the range filters.
+class SettingsFile
+{
+public:
+  static QString write(const std::vector<ExplorerView*>& views, const DataPipelineManager& pipeline);
+
+  /// Reads settings and applies them. A document that is not well-formed, is not explorer
+  /// settings, or names variables the study does not have is refused before anything changes;
+  /// a value a setting refuses while applying puts every setting back as it was. Throws
+  /// SettingsError; `source` names the document in messages. Loading is not recorded as an undo
+  /// step: the undo history starts afresh from the loaded settings.
+  static void load(const QString& xml, const std::string& source,
+    const std::vector<ExplorerView*>& views, DataPipelineManager& pipeline, const Project& project);
+};
+
+} // namespace explorer
