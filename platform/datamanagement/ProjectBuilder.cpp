@@ -128,16 +128,21 @@ void ProjectBuilder::addAuxFile(
 Variable::Nature ProjectBuilder::natureOfNumbers(const std::vector<double>& values)
 {
   constexpr std::size_t maxDistinct = 20;
-  std::set<double> distinct;
+  // At most 21 values are ever kept, so a flat array searched in order beats a tree.
+  std::vector<double> distinct;
+  distinct.reserve(maxDistinct + 1);
   std::size_t finite = 0;
   for (double v : values)
   {
     if (!std::isfinite(v))
       continue;
     ++finite;
-    distinct.insert(v);
-    if (distinct.size() > maxDistinct)
-      return Variable::Continuous;
+    if (std::find(distinct.begin(), distinct.end(), v) == distinct.end())
+    {
+      distinct.push_back(v);
+      if (distinct.size() > maxDistinct)
+        return Variable::Continuous;
+    }
   }
   return !distinct.empty() && distinct.size() * 2 <= finite ? Variable::Discrete
                                                             : Variable::Continuous;

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <filesystem>
+#include <algorithm>
 #include <fstream>
 #include <limits>
 #include <sstream>
@@ -67,11 +68,13 @@ std::string readFile(const fs::path& path)
   std::ifstream stream(path, std::ios::binary);
   if (!stream)
     throw StudyFormatError(path.string(), 0, 0, "cannot open the file");
-  std::ostringstream contents;
-  contents << stream.rdbuf();
-  if (stream.bad())
+  stream.seekg(0, std::ios::end);
+  const std::streamoff size = stream.tellg();
+  stream.seekg(0, std::ios::beg);
+  std::string contents(static_cast<std::size_t>(std::max<std::streamoff>(size, 0)), '\0');
+  if (size > 0 && !stream.read(contents.data(), size))
     throw StudyFormatError(path.string(), 0, 0, "cannot read the file");
-  return std::move(contents).str();
+  return contents;
 }
 
 // The text of a CSV file, checked to be UTF-8, without a byte-order mark.
@@ -137,6 +140,7 @@ void readCases(const fs::path& path, ProjectBuilder& builder,
       "the first column must be \"case_id\", found " + inQuotes(trimmed(fields[0].text)));
   std::vector<ParsedColumn> columns(fields.size() - 1);
   std::unordered_map<std::string, std::size_t> columnOfName;
+  lineOfCase.reserve(text.size() / 32);
   for (std::size_t c = 1; c < fields.size(); ++c)
   {
     const std::string name(trimmed(fields[c].text));

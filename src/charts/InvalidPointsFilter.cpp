@@ -149,9 +149,9 @@ int InvalidPointsFilter::RequestData(
   vtkTable* output = vtkTable::GetData(outputVector, 0);
   output->GetRowData()->CopyStructure(input->GetRowData());
   const vtkIdType rows = input->GetNumberOfRows();
-  output->SetNumberOfRows(rows);
   if (input->GetNumberOfColumns() == 0 || rows == 0)
   {
+    output->SetNumberOfRows(rows);
     return 1;
   }
 
@@ -213,6 +213,11 @@ int InvalidPointsFilter::RequestData(
       kept.push_back(row);
   }
 
+  // The output's columns are sized once, to the rows kept, rather than to the input's rows and
+  // shrunk after the copy: the result is the same (uncopied columns hold unset values either
+  // way) without allocating and shrinking every column.
+  output->SetNumberOfRows(static_cast<vtkIdType>(kept.size()));
+
   // Copy the kept rows, per column type, packed to the front.
   for (vtkIdType c = 0; c < input->GetNumberOfColumns(); ++c)
   {
@@ -244,6 +249,5 @@ int InvalidPointsFilter::RequestData(
         break;
     }
   }
-  output->SetNumberOfRows(static_cast<vtkIdType>(kept.size()));
   return 1;
 }

@@ -111,6 +111,19 @@ void RowIndex::refresh(vtkTable& table)
     rowsById[row] = { idOfRow[row], static_cast<vtkIdType>(row) };
   }
   std::sort(rowsById.begin(), rowsById.end());
+
+  denseIndex.clear();
+  if (!rowsById.empty())
+  {
+    firstId = rowsById.front().first;
+    const unsigned long long span = rowsById.back().first - firstId;
+    if (span < 4 * static_cast<unsigned long long>(rowsById.size()) + 64)
+    {
+      denseIndex.assign(static_cast<std::size_t>(span) + 1, -1);
+      for (std::size_t i = rowsById.size(); i-- > 0;)
+        denseIndex[static_cast<std::size_t>(rowsById[i].first - firstId)] = static_cast<std::int64_t>(i);
+    }
+  }
 }
 
 const std::vector<unsigned long long>& RowIndex::caseIdsOf(vtkTable& table)
@@ -127,30 +140,50 @@ std::vector<vtkIdType> RowIndex::rowsOf(vtkTable& table, const std::set<unsigned
   {
     return rows;
   }
-  // A few ids are looked up one by one; many are merged with the sorted rows in one pass.
-  const bool fewIds = ids.size() * 24 < rowsById.size();
-  auto position = rowsById.begin();
-  for (unsigned long long id : ids)
+  // Mark the rows of the selected ids, then collect them in row order: no sorting, and work in
+  // proportion to the selected ids plus one pass over a byte per row.
+  std::vector<unsigned char> marked(idOfRow.size(), 0);
+  std::size_t count = 0;
+  const auto markFrom = [&](std::size_t position, unsigned long long id) {
+    for (; position < rowsById.size() && rowsById[position].first == id; ++position)
+    {
+      marked[static_cast<std::size_t>(rowsById[position].second)] = 1;
+      ++count;
+    }
+  };
+  if (!denseIndex.empty())
   {
-    if (fewIds)
+    const unsigned long long lastId = firstId + denseIndex.size() - 1;
+    for (auto id = ids.lower_bound(firstId); id != ids.end() && *id <= lastId; ++id)
     {
-      position = std::lower_bound(position, rowsById.end(), std::make_pair(id, vtkIdType(0)));
-    }
-    else
-    {
-      while (position != rowsById.end() && position->first < id)
-        ++position;
-    }
-    for (; position != rowsById.end() && position->first == id; ++position)
-    {
-      rows.push_back(position->second);
-    }
-    if (position == rowsById.end())
-    {
-      break;
+      const std::int64_t position = denseIndex[static_cast<std::size_t>(*id - firstId)];
+      if (position >= 0)
+        markFrom(static_cast<std::size_t>(position), *id);
     }
   }
-  std::sort(rows.begin(), rows.end());
+  else
+  {
+    // Sparse ids: a few are looked up one by one, many are merged in one pass.
+    const bool fewIds = ids.size() * 24 < rowsById.size();
+    auto position = rowsById.begin();
+    for (unsigned long long id : ids)
+    {
+      if (fewIds)
+        position = std::lower_bound(position, rowsById.end(), std::make_pair(id, vtkIdType(0)));
+      else
+        while (position != rowsById.end() && position->first < id)
+          ++position;
+      if (position == rowsById.end())
+        break;
+      markFrom(static_cast<std::size_t>(position - rowsById.begin()), id);
+    }
+  }
+  rows.reserve(count);
+  for (std::size_t row = 0; row < marked.size(); ++row)
+  {
+    if (marked[row])
+      rows.push_back(static_cast<vtkIdType>(row));
+  }
   return rows;
 }
 

@@ -43,6 +43,10 @@ private:
   vtkMTimeType indexedTime = 0;
   std::vector<unsigned long long> idOfRow;
   std::vector<std::pair<unsigned long long, vtkIdType>> rowsById;
+  // When the ids are dense (their span at most four times the rows, as sequential case ids
+  // are), the position in rowsById of each id's first row, by id - firstId; -1 for no row.
+  std::vector<std::int64_t> denseIndex;
+  unsigned long long firstId = 0;
 };
 
 } // namespace caseids

@@ -15,6 +15,9 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <deque>
+#include <functional>
+#include <future>
 #include <memory>
 #include <type_traits>
 #include <unistd.h>
@@ -27,34 +30,75 @@ CSVExportError::~CSVExportError() = default;
 namespace
 {
 
+// The text being written: a large buffer filled in place and handed to the file when full, so
+// that each field is formatted straight into its final place.
+class OutputBuffer
+{
+public:
+  using Flush = std::function<void(const char*, std::size_t)>;
+
+  explicit OutputBuffer(Flush flush)
+    : flush(std::move(flush))
+    , data(capacity)
+  {
+  }
+
+  /// Room for n more bytes, flushing what is there when needed.
+  char* room(std::size_t n)
+  {
+    if (used + n > data.size())
+    {
+      drain();
+      if (n > data.size())
+        data.resize(n);
+    }
+    return data.data() + used;
+  }
+  void advance(char* end) { used = static_cast<std::size_t>(end - data.data()); }
+  void put(char c) { *room(1) = c, ++used; }
+  void drain()
+  {
+    if (used > 0)
+      flush(data.data(), used);
+    used = 0;
+  }
+
+private:
+  static constexpr std::size_t capacity = 4 << 20;
+  Flush flush;
+  std::vector<char> data;
+  std::size_t used = 0;
+};
+
 template <typename T>
-void appendNumber(std::string& out, T value)
+void appendNumber(OutputBuffer& out, T value)
 {
   if constexpr (std::is_floating_point_v<T>)
   {
     if (std::isnan(value))
       return;
   }
-  char buffer[64];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-  out.append(buffer, result.ptr);
+  constexpr std::size_t longest = 64;
+  char* start = out.room(longest);
+  out.advance(std::to_chars(start, start + longest, value).ptr);
 }
 
-void appendText(std::string& out, const std::string& text)
+void appendText(OutputBuffer& out, const std::string& text)
 {
   if (text.find_first_of(",\"\r\n") == std::string::npos)
   {
-    out += text;
+    char* start = out.room(text.size());
+    out.advance(std::copy(text.begin(), text.end(), start));
     return;
   }
-  out.push_back('"');
+  out.put('"');
   for (char c : text)
   {
     if (c == '"')
-      out.push_back('"');
-    out.push_back(c);
+      out.put('"');
+    out.put(c);
   }
-  out.push_back('"');
+  out.put('"');
 }
 
 // Appends the fields of one column for one row; one writer per column, chosen once from the
@@ -63,7 +107,7 @@ class ColumnWriter
 {
 public:
   virtual ~ColumnWriter() = default;
-  virtual void append(std::string& out, vtkIdType row) const = 0;
+  virtual void append(OutputBuffer& out, vtkIdType row) const = 0;
 };
 
 template <typename T>
@@ -75,13 +119,13 @@ public:
     , components(components)
   {
   }
-  void append(std::string& out, vtkIdType row) const override
+  void append(OutputBuffer& out, vtkIdType row) const override
   {
     const T* tuple = values + row * components;
     for (int c = 0; c < components; ++c)
     {
       if (c > 0)
-        out.push_back(',');
+        out.put(',');
       appendNumber(out, tuple[c]);
     }
   }
@@ -98,14 +142,14 @@ public:
     : bits(bits)
   {
   }
-  void append(std::string& out, vtkIdType row) const override
+  void append(OutputBuffer& out, vtkIdType row) const override
   {
     const int components = bits.GetNumberOfComponents();
     for (int c = 0; c < components; ++c)
     {
       if (c > 0)
-        out.push_back(',');
-      out.push_back(bits.GetValue(row * components + c) ? '1' : '0');
+        out.put(',');
+      out.put(bits.GetValue(row * components + c) ? '1' : '0');
     }
   }
 
@@ -120,13 +164,13 @@ public:
     : texts(texts)
   {
   }
-  void append(std::string& out, vtkIdType row) const override
+  void append(OutputBuffer& out, vtkIdType row) const override
   {
     const int components = texts.GetNumberOfComponents();
     for (int c = 0; c < components; ++c)
     {
       if (c > 0)
-        out.push_back(',');
+        out.put(',');
       appendText(out, texts.GetValue(row * components + c));
     }
   }
@@ -143,13 +187,13 @@ public:
     : array(array)
   {
   }
-  void append(std::string& out, vtkIdType row) const override
+  void append(OutputBuffer& out, vtkIdType row) const override
   {
     const int components = array.GetNumberOfComponents();
     for (int c = 0; c < components; ++c)
     {
       if (c > 0)
-        out.push_back(',');
+        out.put(',');
       const vtkVariant value = array.GetVariantValue(row * components + c);
       if (value.IsDouble() || value.IsFloat())
         appendNumber(out, value.ToDouble());
@@ -226,18 +270,30 @@ struct FileCloser
 
 } // namespace
 
-std::string FullPrecisionCSVExporter::formatDouble(double value)
+namespace
+{
+
+// Runs a formatting step into a string.
+template <typename F>
+std::string formatted(F&& write)
 {
   std::string text;
-  appendNumber(text, value);
+  OutputBuffer out([&](const char* data, std::size_t size) { text.append(data, size); });
+  write(out);
+  out.drain();
   return text;
+}
+
+} // namespace
+
+std::string FullPrecisionCSVExporter::formatDouble(double value)
+{
+  return formatted([&](OutputBuffer& out) { appendNumber(out, value); });
 }
 
 std::string FullPrecisionCSVExporter::quoteText(const std::string& text)
 {
-  std::string field;
-  appendText(field, text);
-  return field;
+  return formatted([&](OutputBuffer& out) { appendText(out, text); });
 }
 
 void FullPrecisionCSVExporter::writeCSVFile(vtkTable& table, const std::string& path) const
@@ -250,14 +306,10 @@ void FullPrecisionCSVExporter::writeCSVFile(vtkTable& table, const std::string& 
   if (!file)
     throw CSVExportError("cannot export to \"" + path + "\": " + errnoText());
 
-  std::string out;
-  const std::size_t flushSize = 1 << 20;
-  out.reserve(flushSize + 4096);
-  const auto flush = [&] {
-    if (!out.empty() && std::fwrite(out.data(), 1, out.size(), file.get()) != out.size())
+  OutputBuffer out([&](const char* data, std::size_t size) {
+    if (std::fwrite(data, 1, size, file.get()) != size)
       throw CSVExportError("cannot export to \"" + path + "\": " + errnoText());
-    out.clear();
-  };
+  });
 
   std::vector<std::unique_ptr<ColumnWriter>> writers;
   // A column shorter than the table (which a hand-made table can have) gets empty fields for
@@ -273,33 +325,58 @@ void FullPrecisionCSVExporter::writeCSVFile(vtkTable& table, const std::string& 
     for (int k = 0; k < components; ++k)
     {
       if (c > 0 || k > 0)
-        out.push_back(',');
+        out.put(',');
       appendText(out, components == 1 ? name : name + ":" + std::to_string(k));
     }
     writers.push_back(writerFor(*column));
     lengths.push_back(column->GetNumberOfTuples());
     widths.push_back(components);
   }
-  out.push_back('\n');
+  out.put('\n');
 
+  out.drain();
+
+  // Rows are formatted in blocks on worker threads, the formatting being most of the work, and
+  // written in order as they complete; at most a few blocks are held at once.
   const vtkIdType rows = table.GetNumberOfRows();
-  for (vtkIdType row = 0; row < rows; ++row)
-  {
-    for (vtkIdType c = 0; c < columns; ++c)
+  const vtkIdType blockRows = 1 << 15;
+  const auto formatBlock = [&](vtkIdType first, vtkIdType last) {
+    std::string text;
+    OutputBuffer block([&](const char* data, std::size_t size) { text.append(data, size); });
+    for (vtkIdType row = first; row < last; ++row)
     {
-      if (c > 0)
-        out.push_back(',');
-      const auto index = static_cast<std::size_t>(c);
-      if (row < lengths[index])
-        writers[index]->append(out, row);
-      else
-        out.append(static_cast<std::size_t>(std::max(widths[index] - 1, 0)), ',');
+      for (vtkIdType c = 0; c < columns; ++c)
+      {
+        if (c > 0)
+          block.put(',');
+        const auto index = static_cast<std::size_t>(c);
+        if (row < lengths[index])
+          writers[index]->append(block, row);
+        else
+          for (int k = 1; k < widths[index]; ++k)
+            block.put(',');
+      }
+      block.put('\n');
     }
-    out.push_back('\n');
-    if (out.size() >= flushSize)
-      flush();
+    block.drain();
+    return text;
+  };
+  const auto write = [&](const std::string& text) {
+    if (!text.empty() && std::fwrite(text.data(), 1, text.size(), file.get()) != text.size())
+      throw CSVExportError("cannot export to \"" + path + "\": " + errnoText());
+  };
+  std::deque<std::future<std::string>> pending;
+  for (vtkIdType first = 0; first < rows; first += blockRows)
+  {
+    pending.push_back(std::async(std::launch::async, formatBlock, first, std::min(rows, first + blockRows)));
+    if (pending.size() > 2)
+    {
+      write(pending.front().get());
+      pending.pop_front();
+    }
   }
-  flush();
+  for (auto& block : pending)
+    write(block.get());
   if (std::fflush(file.get()) != 0 || std::fclose(file.release()) != 0)
     throw CSVExportError("cannot export to \"" + path + "\": " + errnoText());
 

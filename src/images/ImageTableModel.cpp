@@ -49,8 +49,22 @@ std::vector<unsigned long long> inputCaseIds(vtkTableAlgorithm& input)
   return ids;
 }
 
+// The value of each record for the axis variable, read once for both the layout and the
+// grouping.
+std::vector<Variant> valuesOf(const Variable& variable, const std::vector<Record>& records)
+{
+  std::vector<Variant> values;
+  if (!variable)
+    return values;
+  values.reserve(records.size());
+  for (const auto& record : records)
+    values.push_back(record.data(variable));
+  return values;
+}
+
 Axis layoutAxis(Dimension dimension, const WeakPtr<Variable>& handle,
-  const std::vector<std::string>& tags, const std::vector<Record>& records)
+  const std::vector<std::string>& tags, const std::vector<Record>& records,
+  std::vector<Variant>& recordValues)
 {
   Axis axis;
   if (dimension == ImageMatrixViewProperties::ByTag)
@@ -66,9 +80,8 @@ Axis layoutAxis(Dimension dimension, const WeakPtr<Variable>& handle,
     axis.values.emplace_back(0.0);
     return axis;
   }
-  std::set<Variant> distinct;
-  for (const auto& record : records)
-    distinct.insert(record.data(axis.variable));
+  recordValues = valuesOf(axis.variable, records);
+  const std::set<Variant> distinct(recordValues.begin(), recordValues.end());
   axis.values.assign(distinct.begin(), distinct.end());
   for (int i = 0; i < axis.size(); ++i)
     axis.indexOf.emplace(axis.values[static_cast<std::size_t>(i)], i);
@@ -77,7 +90,7 @@ Axis layoutAxis(Dimension dimension, const WeakPtr<Variable>& handle,
 
 // The entries of an axis a case belongs to: all of them for a tag axis, the only one of an axis
 // without a variable, or the entry of the case's value.
-void entriesOf(const Axis& axis, const Record& record, std::vector<int>& entries)
+void entriesOf(const Axis& axis, const Variant& value, std::vector<int>& entries)
 {
   entries.clear();
   if (axis.byTag)
@@ -91,11 +104,12 @@ void entriesOf(const Axis& axis, const Record& record, std::vector<int>& entries
   }
   else
   {
-    const auto found = axis.indexOf.find(record.data(axis.variable));
+    const auto found = axis.indexOf.find(value);
     if (found != axis.indexOf.end())
       entries.push_back(found->second);
   }
 }
+
 
 const std::set<unsigned long long> noCases;
 
@@ -138,8 +152,12 @@ struct ImageTableModel::Impl
 
     const auto& p = *properties;
     const std::vector<std::string> tags = p.allTagsToShow()->value();
-    rows = layoutAxis(p.dimensionRowsBy()->value(), p.rowVar()->value(), tags, records);
-    columns = layoutAxis(p.dimensionColumnsBy()->value(), p.columnVar()->value(), tags, records);
+    std::vector<Variant> rowValues;
+    std::vector<Variant> columnValues;
+    rows = layoutAxis(p.dimensionRowsBy()->value(), p.rowVar()->value(), tags, records, rowValues);
+    columns = layoutAxis(
+      p.dimensionColumnsBy()->value(), p.columnVar()->value(), tags, records, columnValues);
+    static const Variant none;
 
     const auto pages = p.dimensionPagesBy()->value();
     const Variant pageValue = p.pageValue()->value();
@@ -154,8 +172,9 @@ struct ImageTableModel::Impl
     // each set is filled at its end.
     std::vector<int> rowEntries;
     std::vector<int> columnEntries;
-    for (const Record& record : records)
+    for (std::size_t i = 0; i < records.size(); ++i)
     {
+      const Record& record = records[i];
       if (pages == ImageMatrixViewProperties::PageByVariable && record.data(pageVariable) != pageValue)
         continue;
       const unsigned long long id = record.caseId();
@@ -165,8 +184,8 @@ struct ImageTableModel::Impl
           cells[cellIndex(i, i)].insert(cells[cellIndex(i, i)].end(), id);
         continue;
       }
-      entriesOf(rows, record, rowEntries);
-      entriesOf(columns, record, columnEntries);
+      entriesOf(rows, rowValues.empty() ? none : rowValues[i], rowEntries);
+      entriesOf(columns, columnValues.empty() ? none : columnValues[i], columnEntries);
       for (int r : rowEntries)
       {
         for (int c : columnEntries)

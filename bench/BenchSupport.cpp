@@ -1,0 +1,56 @@
+#include "BenchSupport.h"
+
+#include <QApplication>
+#include <QDir>
+
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace bench
+{
+
+namespace
+{
+bool smokeRun = false;
+}
+
+bool smoke()
+{
+  return smokeRun;
+}
+
+long long size(long long full, long long tiny)
+{
+  return smokeRun ? tiny : full;
+}
+
+std::string dataFolder()
+{
+  const char* folder = std::getenv("QUEN_BENCH_DATA");
+  const std::string path = folder ? folder : (QDir::tempPath() + "/quen-bench").toStdString();
+  QDir().mkpath(QString::fromStdString(path));
+  return path;
+}
+
+int run(int argc, char** argv)
+{
+  std::vector<char*> arguments;
+  for (int i = 0; i < argc; ++i)
+  {
+    if (std::strcmp(argv[i], "--smoke") == 0)
+      smokeRun = true;
+    else
+      arguments.push_back(argv[i]);
+  }
+  int count = static_cast<int>(arguments.size());
+  if (std::getenv("DISPLAY") == nullptr && std::getenv("QT_QPA_PLATFORM") == nullptr)
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication application(count, arguments.data());
+  benchmark::Initialize(&count, arguments.data());
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
+
+} // namespace bench

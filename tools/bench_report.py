@@ -1,0 +1,125 @@
+#!/usr/bin/env python3
+"""Runs the benchmark programs and the pandas anchors, and writes bench/RESULTS.md: each figure
+as a ratio to an anchor measured in the same run. Called by ./dev bench."""
+
+import datetime
+import json
+import os
+import platform
+import subprocess
+import sys
+import time
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+BENCH = os.path.join(ROOT, "build", "release", "bench")
+DATA = os.environ.get("QUEN_BENCH_DATA", "/tmp/quen-bench")
+
+
+def run(name):
+    out = os.path.join(DATA, name + ".json")
+    env = dict(os.environ, LP_NUM_THREADS="1", QUEN_BENCH_DATA=DATA)
+    subprocess.run([os.path.join(BENCH, "bench_" + name), "--benchmark_format=json",
+                    "--benchmark_out=" + out], check=True, env=env, stdout=subprocess.DEVNULL)
+    with open(out) as f:
+        return {b["name"].split("/iterations")[0]: b for b in json.load(f)["benchmarks"]}
+
+
+def ms(entry):
+    scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}[entry["time_unit"]]
+    return entry["real_time"] * scale
+
+
+def pandas_anchors():
+    """Times pandas on the data the benchmarks wrote (run by Debian's python3, which has pandas)."""
+    script = f"""
+import json, time, numpy as np, pandas as pd
+out = {{}}
+rng = np.random.default_rng(5)
+df = pd.DataFrame(rng.uniform(-1e3, 1e3, size=(1_000_000, 10)), columns=[f"v{{i}}" for i in range(10)])
+t = time.perf_counter(); df.to_csv("{DATA}/pandas_export.csv", index=False); out["to_csv"] = (time.perf_counter() - t) * 1e3
+t = time.perf_counter(); pd.read_csv("{DATA}/study100000/cases.csv"); out["read_csv"] = (time.perf_counter() - t) * 1e3
+d = pd.read_csv("{DATA}/invalid_points.csv")
+t = time.perf_counter(); d.dropna(subset=["v0", "v1"]); out["dropna"] = (time.perf_counter() - t) * 1e3
+print(json.dumps(out))
+"""
+    try:
+        result = subprocess.run(["/usr/bin/python3", "-c", script], check=True, capture_output=True, text=True)
+        return json.loads(result.stdout.strip().splitlines()[-1])
+    except (subprocess.CalledProcessError, FileNotFoundError, ValueError) as error:
+        print("pandas anchors unavailable:", error, file=sys.stderr)
+        return {}
+
+
+def main():
+    os.makedirs(DATA, exist_ok=True)
+    r = {name: run(name) for name in ["selection", "chart_render", "invalid_points", "image_grid",
+                                       "image_cache", "image_scale", "csv_export", "study_read"]}
+    pandas = pandas_anchors()
+    rows = []
+
+    def add(path, size, measured, anchor, ratio, target, met):
+        rows.append((path, size, f"{measured:.3g} ms", anchor, f"{ratio:.3f}x", target, "met" if met else "missed"))
+
+    s = r["selection"]
+    for pct, target in [(1, 0.05), (10, 0.05), (50, 0.12)]:
+        lib, ref = ms(s[f"MasterToChart_Library/{pct}"]), ms(s[f"MasterToChart_Reference/{pct}"])
+        add("master selection to chart rows", f"1e6 rows, {pct}% selected", lib, f"per-row reference {ref:.3g} ms",
+            lib / ref, f"<= {target}x", lib / ref <= target)
+    lib, ref = ms(s["ChartToMaster_Library"]), ms(s["ChartToMaster_Reference"])
+    add("chart selection to master", "1e6 rows, 10% picked", lib, f"per-row reference {ref:.3g} ms", lib / ref, "<= 0.45x", lib / ref <= 0.45)
+
+    c = r["chart_render"]
+    lib, ref = ms(c["SelectThenRender"]), ms(c["RenderUnchanged"])
+    add("selection change then re-render", "1e6 points", lib, f"re-render unchanged {ref:.3g} ms", lib / ref, "<= 1.1x", lib / ref <= 1.1)
+
+    f = r["invalid_points"]
+    for n in ["1000000", "10000000"]:
+        lib, ref = ms(f[f"FilterInvalidPoints/{n}"]), ms(f[f"MemcpyAnchor/{n}"])
+        add("InvalidPointsFilter", f"{int(n):.0e} rows", lib, f"memcpy {ref:.3g} ms", lib / ref, "<= 2.5x", lib / ref <= 2.5)
+    if "dropna" in pandas:
+        lib = ms(f["FilterInvalidPoints/1000000"])
+        add("InvalidPointsFilter", "1e6 rows", lib, f"pandas dropna {pandas['dropna']:.3g} ms", lib / pandas["dropna"],
+            "<= 0.6x", lib / pandas["dropna"] <= 0.6)
+
+    g = r["image_grid"]
+    lib, ref = ms(g["GridRebuild_Library"]), ms(g["GridRebuild_PerCellScan"])
+    add("image grid rebuild", "1e5 cases, 50 x 50 cells", lib, f"per-cell scan {ref:.4g} ms", lib / ref, "<= 0.01x", lib / ref <= 0.01)
+
+    h = r["image_cache"]
+    lib, ref = ms(h["CacheHit_Library"]), ms(h["CacheHit_UnlockedMap"])
+    add("image cache hit", "10,000 entries", lib, f"unlocked unordered_map {ref * 1e6:.3g} ns", lib / ref, "<= 1.5x", lib / ref <= 1.5)
+
+    i = r["image_scale"]
+    lib, ref = ms(i["DecodeAndScale"]), ms(i["DecodeOnly"])
+    add("image decode and scale", "200 PNGs 1024x768 to zoom 25", lib, f"Qt decode alone {ref:.4g} ms", lib / ref, "<= 1.1x", lib / ref <= 1.1)
+
+    e = r["csv_export"]["FullPrecisionExport"]
+    if "to_csv" in pandas:
+        lib = ms(e)
+        add("full-precision CSV export", f"1e6 rows x 10 doubles, {int(e.get('mismatches', 0))} values differ on reading back",
+            lib, f"pandas to_csv {pandas['to_csv']:.4g} ms", pandas["to_csv"] / lib, ">= 10x faster", pandas["to_csv"] / lib >= 10)
+
+    if "read_csv" in pandas:
+        lib = ms(r["study_read"]["ReadStudy"])
+        add("reading a study", "1e5 cases x 20 variables", lib, f"pandas read_csv {pandas['read_csv']:.3g} ms",
+            lib / pandas["read_csv"], "<= 1x", lib / pandas["read_csv"] <= 1)
+
+    lines = [
+        "# Benchmark results",
+        "",
+        f"Measured by `./dev bench` on {datetime.date.today()}: {platform.machine()}, {os.cpu_count()} cores, "
+        f"{platform.platform()}. Rendering under Xvfb with LP_NUM_THREADS=1.",
+        "Each figure is a ratio to an anchor measured in the same run; absolute times on this shared",
+        "machine are noise. For the CSV export the ratio is how many times faster than pandas.",
+        "",
+        "| hot path | size | measured | anchor | ratio | target | |",
+        "|---|---|---|---|---|---|---|",
+    ]
+    lines += ["| " + " | ".join(row) + " |" for row in rows]
+    with open(os.path.join(ROOT, "bench", "RESULTS.md"), "w") as out:
+        out.write("\n".join(lines) + "\n")
+    print("\n".join(lines))
+
+
+if __name__ == "__main__":
+    main()
