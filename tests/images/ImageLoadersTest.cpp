@@ -3,9 +3,13 @@
 #include "images/ImageDecorator.h"
 #include "images/ScalingImageLoader.h"
 #include "support/SmallStudy.h"
+#include "support/WarningGuard.h"
 
 #include <QImage>
+#include <QImageReader>
 #include <gtest/gtest.h>
+
+#include <QSize>
 
 #include <atomic>
 #include <fstream>
@@ -29,6 +33,31 @@ std::string writePngBomb(const TemporaryFolder& folder)
   file.seekp(16); // width and height of the IHDR chunk
   file.write(reinterpret_cast<const char*>(size), 8);
   return path;
+}
+
+// A small real JPEG whose frame header is patched to declare 25075 x 29445 pixels.
+std::string writeJpegBomb(const TemporaryFolder& folder)
+{
+  QImage small(16, 16, QImage::Format_RGB32);
+  small.fill(Qt::gray);
+  const std::string path = folder.filePath("bomb.jpg");
+  small.save(QString::fromStdString(path), "JPEG");
+  std::string bytes = testsupport::readFile(path);
+  const auto frame = bytes.find("\xFF\xC0");
+  if (frame != std::string::npos && frame + 9 < bytes.size())
+  {
+    const unsigned char size[4] = { 0x73, 0x05, 0x61, 0xF3 }; // height 29445, width 25075
+    bytes.replace(frame + 5, 4, reinterpret_cast<const char*>(size), 4);
+  }
+  return folder.write("bomb.jpg", bytes);
+}
+
+// A 23-byte GIF whose logical screen is 65535 x 65535 around a first frame of 1 x 1.
+std::string writeGifBomb(const TemporaryFolder& folder)
+{
+  const unsigned char bytes[] = { 'G', 'I', 'F', '8', '9', 'a', 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00,
+    0x00, 0x2C, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00, 0x01, 0x00, 0x00 };
+  return folder.write("bomb.gif", std::string(reinterpret_cast<const char*>(bytes), sizeof bytes));
 }
 
 } // namespace
@@ -81,9 +110,19 @@ TEST(ImageCache, UnreadableFilesGiveNullImagesNeverEmptyPointers)
   const std::string corrupt = folder.write("corrupt.png", "\x89PNG\r\n\x1a\n this is not a png");
   const std::string empty = folder.write("empty.png", "");
   const std::string bomb = writePngBomb(folder);
+  const std::string whole = writeImage(folder, "whole.png", 64, 64, Qt::red);
+  const std::string full = testsupport::readFile(whole);
+  const std::string truncated = folder.write("truncated.png", full.substr(0, 45));
   ImageCache cache;
   auto loader = cache.imageLoader();
-  for (const std::string& path : { folder.filePath("missing.png"), corrupt, empty, bomb })
+  // Qt's decoders complain about the broken files as they read them.
+  testsupport::ExpectWarnings jpeg("JPEG");
+  testsupport::ExpectWarnings png("libpng");
+  const std::string jpegBomb = writeJpegBomb(folder);
+  EXPECT_EQ(QImageReader(QString::fromStdString(jpegBomb)).size(), QSize(25075, 29445))
+    << "the header declares the size the budget refuses";
+  for (const std::string& path : { folder.filePath("missing.png"), corrupt, empty, bomb, truncated,
+         jpegBomb, writeGifBomb(folder) })
   {
     const auto image = loader->image(path);
     ASSERT_NE(image, nullptr) << path;
@@ -151,6 +190,39 @@ TEST(ImageCache, ServesManyThreadsAtOnce)
   for (auto& thread : threads)
     thread.join();
   EXPECT_EQ(wrong.load(), 0);
+}
+
+TEST(ImageCache, SurvivesSizeChangesAndClearsFromOtherThreads)
+{
+  TemporaryFolder folder;
+  std::vector<std::string> paths;
+  for (int i = 0; i < 4; ++i)
+    paths.push_back(writeImage(folder, "img" + std::to_string(i) + ".png", 80, 40, Qt::blue));
+  ImageCache cache;
+  ScalingImageLoader scaler(cache.imageLoader(), QSize(20, 20));
+  std::atomic<bool> stop{ false };
+  std::atomic<int> wrong{ 0 };
+  std::vector<std::thread> readers;
+  for (int t = 0; t < 3; ++t)
+  {
+    readers.emplace_back([&, t] {
+      for (int round = 0; round < 300; ++round)
+      {
+        const QSize size = scaler.image(paths[static_cast<std::size_t>(round + t) % paths.size()])->size();
+        if (size != QSize(20, 10) && size != QSize(40, 20))
+          ++wrong;
+      }
+    });
+  }
+  std::thread resizer([&] {
+    for (int round = 0; !stop && round < 300; ++round)
+      scaler.setSize(round % 2 ? QSize(20, 20) : QSize(40, 40));
+  });
+  for (auto& reader : readers)
+    reader.join();
+  stop = true;
+  resizer.join();
+  EXPECT_EQ(wrong.load(), 0) << "every image is scaled to one of the two sizes, whole";
 }
 
 TEST(ImageDecorator, PaintsTheStackMarkerInTheTopLeftCorner)
