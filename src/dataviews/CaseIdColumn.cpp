@@ -140,16 +140,13 @@ std::vector<vtkIdType> RowIndex::rowsOf(vtkTable& table, const std::set<unsigned
   {
     return rows;
   }
-  // Mark the rows of the selected ids, then collect them in row order: no sorting, and work in
-  // proportion to the selected ids plus one pass over a byte per row.
-  std::vector<unsigned char> marked(idOfRow.size(), 0);
-  std::size_t count = 0;
-  const auto markFrom = [&](std::size_t position, unsigned long long id) {
+  // The rows of the selected ids are gathered in id order. Tables are usually ordered by case
+  // id, and then that is row order already; otherwise the rows are marked and collected in row
+  // order in one pass, rather than sorted.
+  rows.reserve(std::min(ids.size(), rowsById.size()));
+  const auto collectFrom = [&](std::size_t position, unsigned long long id) {
     for (; position < rowsById.size() && rowsById[position].first == id; ++position)
-    {
-      marked[static_cast<std::size_t>(rowsById[position].second)] = 1;
-      ++count;
-    }
+      rows.push_back(rowsById[position].second);
   };
   if (!denseIndex.empty())
   {
@@ -158,7 +155,7 @@ std::vector<vtkIdType> RowIndex::rowsOf(vtkTable& table, const std::set<unsigned
     {
       const std::int64_t position = denseIndex[static_cast<std::size_t>(*id - firstId)];
       if (position >= 0)
-        markFrom(static_cast<std::size_t>(position), *id);
+        collectFrom(static_cast<std::size_t>(position), *id);
     }
   }
   else
@@ -175,14 +172,20 @@ std::vector<vtkIdType> RowIndex::rowsOf(vtkTable& table, const std::set<unsigned
           ++position;
       if (position == rowsById.end())
         break;
-      markFrom(static_cast<std::size_t>(position - rowsById.begin()), id);
+      collectFrom(static_cast<std::size_t>(position - rowsById.begin()), id);
     }
   }
-  rows.reserve(count);
-  for (std::size_t row = 0; row < marked.size(); ++row)
+  if (!std::is_sorted(rows.begin(), rows.end()))
   {
-    if (marked[row])
-      rows.push_back(static_cast<vtkIdType>(row));
+    std::vector<unsigned char> marked(idOfRow.size(), 0);
+    for (vtkIdType row : rows)
+      marked[static_cast<std::size_t>(row)] = 1;
+    rows.clear();
+    for (std::size_t row = 0; row < marked.size(); ++row)
+    {
+      if (marked[row])
+        rows.push_back(static_cast<vtkIdType>(row));
+    }
   }
   return rows;
 }
