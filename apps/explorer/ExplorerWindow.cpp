@@ -14,6 +14,8 @@
 #include "export/FullPrecisionCSVExporter.h"
 #include "export/SurrogateModelCSVExporter.h"
 #include "images/ImageCache.h"
+
+#include <QImage>
 #include "properties/PropertyAbstract.h"
 
 #include <QActionGroup>
@@ -361,9 +363,13 @@ void ExplorerWindow::preloadImages()
   auto stop = d->stopPreloading;
   QProgressBar* bar = d->progress;
   d->preloader = QThread::create([paths, loader, stop, bar] {
-    for (std::size_t i = 0; i < paths.size() && !stop->load(); ++i)
+    // Decoded images stay in memory while the client holds them: a study of many images is
+    // preloaded only up to a budget, the rest load when shown.
+    constexpr qint64 budget = 512LL * 1024 * 1024;
+    qint64 held = 0;
+    for (std::size_t i = 0; i < paths.size() && !stop->load() && held < budget; ++i)
     {
-      loader->image(paths[i]);
+      held += loader->image(paths[i])->sizeInBytes();
       QMetaObject::invokeMethod(bar, "setValue", Qt::QueuedConnection, Q_ARG(int, static_cast<int>(i + 1)));
     }
   });

@@ -12,6 +12,9 @@
 #include <vtkRenderWindow.h>
 #include <vtkTable.h>
 
+#include <limits>
+#include <vector>
+
 namespace
 {
 
@@ -77,4 +80,29 @@ TEST(ChartXY, AReleaseThatHardlyMovedSelectsWithATenPixelBox)
   ASSERT_NE(selection, nullptr);
   ASSERT_EQ(selection->GetNumberOfTuples(), 1);
   EXPECT_EQ(selection->GetValue(0), 5);
+}
+
+TEST(ChartXY, EmptyAndNonFiniteTablesRenderQuietly)
+{
+  testsupport::RenderedView rendered(300, 200);
+  vtkNew<ChartXY> chart;
+  rendered.view().GetScene()->AddItem(chart);
+  const double inf = std::numeric_limits<double>::infinity();
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  for (const std::vector<double>& values : { std::vector<double>{}, std::vector<double>{ nan, inf, -inf, 1.0 } })
+  {
+    auto table = vtkSmartPointer<vtkTable>::New();
+    for (const char* name : { "x", "y" })
+    {
+      auto column = vtkSmartPointer<vtkDoubleArray>::New();
+      column->SetName(name);
+      for (double v : values)
+        column->InsertNextValue(v);
+      table->AddColumn(column);
+    }
+    chart->ClearPlots();
+    chart->AddPlot(vtkChart::POINTS)->SetInputData(table, 0, 1);
+    rendered.render(); // any VTK warning or error fails the test
+    EXPECT_EQ(chart->GetNumberOfPlots(), 1);
+  }
 }
