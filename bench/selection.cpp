@@ -109,6 +109,20 @@ private:
   const Selection* current = nullptr;
 };
 
+// The rows the chart would report as picked for each selection (case id 1000 is row 0).
+std::vector<vtkSmartPointer<vtkIdTypeArray>> rowsOf(std::initializer_list<const Ids*> selections)
+{
+  std::vector<vtkSmartPointer<vtkIdTypeArray>> picks;
+  for (const Ids* ids : selections)
+  {
+    auto rows = vtkSmartPointer<vtkIdTypeArray>::New();
+    for (unsigned long long id : *ids)
+      rows->InsertNextValue(static_cast<vtkIdType>(id - 1000));
+    picks.push_back(rows);
+  }
+  return picks;
+}
+
 long long rowCount()
 {
   return bench::size(1000000, 2000);
@@ -155,14 +169,7 @@ void ChartToMaster_Library(benchmark::State& state)
   synchronizer.setPlotsToSynchronize({ scene.plot });
   master->setSelection({ 1000 });
   const auto [a, b] = scene.selections(0.1);
-  std::vector<vtkSmartPointer<vtkIdTypeArray>> picks;
-  for (const Ids* ids : { &a, &b })
-  {
-    auto rows = vtkSmartPointer<vtkIdTypeArray>::New();
-    for (unsigned long long id : *ids)
-      rows->InsertNextValue(static_cast<vtkIdType>(id - 1000));
-    picks.push_back(rows);
-  }
+  const auto picks = rowsOf({ &a, &b });
   bool flip = false;
   for (auto _ : state)
   {
@@ -179,14 +186,7 @@ void ChartToMaster_Reference(benchmark::State& state)
   auto echo = master.connectSignalSelectionChanged(
     [&](const Ids& ids) { referenceSetNewSelections(*scene.chart, ids); });
   const auto [a, b] = scene.selections(0.1);
-  std::vector<vtkSmartPointer<vtkIdTypeArray>> picks;
-  for (const Ids* ids : { &a, &b })
-  {
-    auto rows = vtkSmartPointer<vtkIdTypeArray>::New();
-    for (unsigned long long id : *ids)
-      rows->InsertNextValue(static_cast<vtkIdType>(id - 1000));
-    picks.push_back(rows);
-  }
+  const auto picks = rowsOf({ &a, &b });
   bool flip = false;
   for (auto _ : state)
   {
