@@ -32,7 +32,8 @@ std::vector<std::string> pictures()
       for (int k = 0; k < 60; ++k)
       {
         painter.setPen(QPen(QColor::fromRgb(random.generate()), 3));
-        painter.drawLine(random.bounded(1024), random.bounded(768), random.bounded(1024), random.bounded(768));
+        painter.drawLine(
+          random.bounded(1024), random.bounded(768), random.bounded(1024), random.bounded(768));
       }
       painter.end();
       image.save(QString::fromStdString(path));

@@ -94,8 +94,8 @@ void FilterInvalidPoints(benchmark::State& state)
 // The physical limit: the same bytes copied into buffers allocated for each pass.
 void MemcpyAnchor(benchmark::State& state)
 {
-  const std::size_t bytes =
-    static_cast<std::size_t>(bench::smoke() ? 1000 : state.range(0)) * (8 * sizeof(double) + sizeof(std::string) + 1);
+  const std::size_t bytes = static_cast<std::size_t>(bench::smoke() ? 1000 : state.range(0)) *
+                            (8 * sizeof(double) + sizeof(std::string) + 1);
   std::unique_ptr<char[]> source(new char[bytes]);
   std::memset(source.get(), 1, bytes);
   for (auto _ : state)
@@ -134,7 +134,11 @@ void WriteCsvForPandas(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(FilterInvalidPoints)->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(FilterInvalidPoints)
+  ->Arg(1000000)
+  ->Arg(10000000)
+  ->Unit(benchmark::kMillisecond)
+  ->Iterations(3);
 BENCHMARK(MemcpyAnchor)->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(WriteCsvForPandas)->Iterations(1)->Unit(benchmark::kMillisecond);
 

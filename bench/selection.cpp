@@ -84,7 +84,8 @@ void referenceSetNewSelections(vtkChart& chart, const Ids& ids)
     vtkAbstractArray* column = table->GetColumn(0);
     for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
     {
-      const auto id = static_cast<unsigned long long>(static_cast<long long>(column->GetVariantValue(row).ToInt()));
+      const auto id = static_cast<unsigned long long>(
+        static_cast<long long>(column->GetVariantValue(row).ToInt()));
       if (ids.count(id))
         selection->InsertNextValue(row);
     }

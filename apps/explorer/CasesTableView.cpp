@@ -72,7 +72,8 @@ public:
     if (auto* numbers = vtkDoubleArray::SafeDownCast(column))
     {
       const double value = numbers->GetValue(index.row());
-      return std::isnan(value) ? QString() : QString::fromStdString(variantDisplayText(Variant(value)));
+      return std::isnan(value) ? QString()
+                               : QString::fromStdString(variantDisplayText(Variant(value)));
     }
     return QString::fromStdString(column->GetVariantValue(index.row()).ToString());
   }
@@ -86,10 +87,7 @@ public:
     return section + 1;
   }
 
-  unsigned long long caseOfRow(int row) const
-  {
-    return RecordTableUtils::caseIDAtRow(*table, row);
-  }
+  unsigned long long caseOfRow(int row) const { return RecordTableUtils::caseIDAtRow(*table, row); }
   int rowOf(unsigned long long id) const
   {
     const auto found = rowOfCase.find(id);
@@ -111,7 +109,8 @@ public:
   {
   }
 
-  std::set<unsigned long long> caseIDsFromSelection(const QItemSelectionModel& selection) const override
+  std::set<unsigned long long> caseIDsFromSelection(
+    const QItemSelectionModel& selection) const override
   {
     std::set<unsigned long long> ids;
     for (const QModelIndex& index : selection.selectedRows())
@@ -146,8 +145,8 @@ struct CasesTableView::Impl
   SignalConnectionCollection connections;
 };
 
-CasesTableView::CasesTableView(
-  const DataPipelineManagerInterface& pipeline, boost::shared_ptr<SelectionModelInterface> selection)
+CasesTableView::CasesTableView(const DataPipelineManagerInterface& pipeline,
+                               boost::shared_ptr<SelectionModelInterface> selection)
   : ExplorerView(std::make_unique<Serializer>("CasesTable"), selection)
   , d(std::make_unique<Impl>())
 {
@@ -161,13 +160,15 @@ CasesTableView::CasesTableView(
   d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
     selection, *d->table, boost::make_shared<RowConverter>(*d->model));
   Impl* impl = d.get();
-  d->connections.add(pipeline.connectSignalPipelineChanged([impl] {
-    impl->model->reload();
-    // The reload cleared the rows' selection; show the master's again without sending it back.
-    impl->synchronizer->endLocalSelectionMonitoring();
-    impl->synchronizer->updateLocalSelections();
-    impl->synchronizer->beginLocalSelectionMonitoring();
-  }));
+  d->connections.add(pipeline.connectSignalPipelineChanged(
+    [impl]
+    {
+      impl->model->reload();
+      // The reload cleared the rows' selection; show the master's again without sending it back.
+      impl->synchronizer->endLocalSelectionMonitoring();
+      impl->synchronizer->updateLocalSelections();
+      impl->synchronizer->beginLocalSelectionMonitoring();
+    }));
 }
 
 CasesTableView::~CasesTableView()

@@ -19,7 +19,7 @@ class CasesTableView
 {
 public:
   CasesTableView(const DataPipelineManagerInterface& pipeline,
-    boost::shared_ptr<SelectionModelInterface> selection);
+                 boost::shared_ptr<SelectionModelInterface> selection);
   ~CasesTableView() override;
 
   QWidget* widget() const override;

@@ -15,8 +15,8 @@
 #include "export/SurrogateModelCSVExporter.h"
 #include "images/ImageCache.h"
 
-#include <QImage>
 #include "properties/PropertyAbstract.h"
+#include <QImage>
 
 #include <QActionGroup>
 #include <QApplication>
@@ -117,16 +117,20 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
   d->progress->hide();
   statusBar()->addPermanentWidget(d->progress);
   createActions();
-  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
-    for (ExplorerView* view : views())
-    {
-      if (now && (now == view->widget() || view->widget()->isAncestorOf(now)))
-      {
-        d->current = view;
-        updateActionsForCurrentView();
-      }
-    }
-  });
+  connect(qApp,
+          &QApplication::focusChanged,
+          this,
+          [this](QWidget*, QWidget* now)
+          {
+            for (ExplorerView* view : views())
+            {
+              if (now && (now == view->widget() || view->widget()->isAncestorOf(now)))
+              {
+                d->current = view;
+                updateActionsForCurrentView();
+              }
+            }
+          });
   showStudy(Project::project());
 }
 
@@ -162,25 +166,35 @@ void ExplorerWindow::createActions()
   tools->setObjectName("chartTools");
   d->mouseModes = new QActionGroup(this);
   const std::pair<const char*, DataViewInterface::MouseMode> modes[] = {
-    { "Select", DataViewInterface::Select }, { "Pan", DataViewInterface::Pan },
-    { "Zoom", DataViewInterface::Zoom } };
+    { "Select", DataViewInterface::Select },
+    { "Pan", DataViewInterface::Pan },
+    { "Zoom", DataViewInterface::Zoom }
+  };
   for (const auto& [name, mode] : modes)
   {
     QAction* action = d->mouseModes->addAction(name);
     action->setCheckable(true);
     action->setChecked(mode == DataViewInterface::Select);
-    connect(action, &QAction::triggered, this, [this, mode = mode] {
-      if (d->scatter)
-        d->scatter->mouseMode()->setValue(mode);
-    });
+    connect(action,
+            &QAction::triggered,
+            this,
+            [this, mode = mode]
+            {
+              if (d->scatter)
+                d->scatter->mouseMode()->setValue(mode);
+            });
     viewMenu->addAction(action);
     tools->addAction(action);
   }
   d->fitAction = new QAction("Fit to Data", this);
-  connect(d->fitAction, &QAction::triggered, this, [this] {
-    if (d->scatter)
-      d->scatter->fitToData();
-  });
+  connect(d->fitAction,
+          &QAction::triggered,
+          this,
+          [this]
+          {
+            if (d->scatter)
+              d->scatter->fitToData();
+          });
   viewMenu->addSeparator();
   viewMenu->addAction(d->fitAction);
   tools->addAction(d->fitAction);
@@ -206,7 +220,8 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->pipeline = std::make_shared<DataPipelineManager>(d->project);
   d->scatter = boost::make_shared<ScatterPlotView>(d->project, *d->pipeline, d->selection);
   d->table = boost::make_shared<CasesTableView>(*d->pipeline, d->selection);
-  d->images = boost::make_shared<ImageMatrixView>(d->project, d->pipeline, d->selection, d->cache.imageLoader());
+  d->images = boost::make_shared<ImageMatrixView>(
+    d->project, d->pipeline, d->selection, d->cache.imageLoader());
 
   auto* right = new QSplitter(Qt::Vertical);
   right->addWidget(d->table->widget());
@@ -221,8 +236,11 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->splitter->setSizes({ 650, 600 });
   right->setSizes({ 230, 600 });
 
-  auto* panel = new SettingsPanel(d->project, *d->pipeline, *d->scatter, *d->images,
-    [this](const QString& message) { report(message); });
+  auto* panel = new SettingsPanel(d->project,
+                                  *d->pipeline,
+                                  *d->scatter,
+                                  *d->images,
+                                  [this](const QString& message) { report(message); });
   auto* scroll = new QScrollArea();
   scroll->setWidget(panel);
   scroll->setWidgetResizable(true);
@@ -234,13 +252,17 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->current = d->scatter.get();
   updateActionsForCurrentView();
   // Once the window is on screen the chart can fit itself to the data.
-  QTimer::singleShot(0, this, [this] {
-    if (d->scatter)
-      d->scatter->refresh();
-  });
+  QTimer::singleShot(0,
+                     this,
+                     [this]
+                     {
+                       if (d->scatter)
+                         d->scatter->refresh();
+                     });
   const QString folder = QString::fromStdString(d->project->folder());
   setWindowTitle(folder.isEmpty() ? "Explorer" : "Explorer - " + QFileInfo(folder).fileName());
-  statusBar()->showMessage(QString("%1 cases, %2 variables").arg(d->project->numberOfRecords())
+  statusBar()->showMessage(QString("%1 cases, %2 variables")
+                             .arg(d->project->numberOfRecords())
                              .arg(d->project->variables().size()));
 }
 
@@ -259,7 +281,8 @@ bool ExplorerWindow::loadSettings(const QString& path, QString& error)
   }
   try
   {
-    SettingsFile::load(QString::fromUtf8(file.readAll()), path.toStdString(), views(), *d->pipeline, *d->project);
+    SettingsFile::load(
+      QString::fromUtf8(file.readAll()), path.toStdString(), views(), *d->pipeline, *d->project);
   }
   catch (const std::exception& e)
   {
@@ -362,17 +385,20 @@ void ExplorerWindow::preloadImages()
   auto loader = d->preloaded;
   auto stop = d->stopPreloading;
   QProgressBar* bar = d->progress;
-  d->preloader = QThread::create([paths, loader, stop, bar] {
-    // Decoded images stay in memory while the client holds them: a study of many images is
-    // preloaded only up to a budget, the rest load when shown.
-    constexpr qint64 budget = 512LL * 1024 * 1024;
-    qint64 held = 0;
-    for (std::size_t i = 0; i < paths.size() && !stop->load() && held < budget; ++i)
+  d->preloader = QThread::create(
+    [paths, loader, stop, bar]
     {
-      held += loader->image(paths[i])->sizeInBytes();
-      QMetaObject::invokeMethod(bar, "setValue", Qt::QueuedConnection, Q_ARG(int, static_cast<int>(i + 1)));
-    }
-  });
+      // Decoded images stay in memory while the client holds them: a study of many images is
+      // preloaded only up to a budget, the rest load when shown.
+      constexpr qint64 budget = 512LL * 1024 * 1024;
+      qint64 held = 0;
+      for (std::size_t i = 0; i < paths.size() && !stop->load() && held < budget; ++i)
+      {
+        held += loader->image(paths[i])->sizeInBytes();
+        QMetaObject::invokeMethod(
+          bar, "setValue", Qt::QueuedConnection, Q_ARG(int, static_cast<int>(i + 1)));
+      }
+    });
   connect(d->preloader, &QThread::finished, d->progress, &QWidget::hide);
   d->preloader->start();
 }
@@ -408,7 +434,8 @@ void ExplorerWindow::openSettings()
 
 void ExplorerWindow::saveSettingsAs()
 {
-  const QString path = QFileDialog::getSaveFileName(this, "Save Settings", "settings.xml", "Settings (*.xml)");
+  const QString path =
+    QFileDialog::getSaveFileName(this, "Save Settings", "settings.xml", "Settings (*.xml)");
   QString error;
   if (!path.isEmpty() && !saveSettings(path, error))
     QMessageBox::critical(this, "Cannot save the settings", error);
@@ -416,7 +443,8 @@ void ExplorerWindow::saveSettingsAs()
 
 void ExplorerWindow::exportCasesAs(bool fullPrecision)
 {
-  const QString path = QFileDialog::getSaveFileName(this, "Export Cases", "cases.csv", "CSV (*.csv)");
+  const QString path =
+    QFileDialog::getSaveFileName(this, "Export Cases", "cases.csv", "CSV (*.csv)");
   QString error;
   if (path.isEmpty())
     return;
@@ -430,17 +458,20 @@ std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder, 
 {
   std::shared_ptr<const Project> project;
   std::exception_ptr failure;
-  QThread* reader = QThread::create([&] {
-    try
+  QThread* reader = QThread::create(
+    [&]
     {
-      project = readStudy(folder);
-    }
-    catch (...)
-    {
-      failure = std::current_exception();
-    }
-  });
-  QProgressDialog progress("Reading " + QString::fromStdString(folder) + "...", QString(), 0, 0, parent);
+      try
+      {
+        project = readStudy(folder);
+      }
+      catch (...)
+      {
+        failure = std::current_exception();
+      }
+    });
+  QProgressDialog progress(
+    "Reading " + QString::fromStdString(folder) + "...", QString(), 0, 0, parent);
   progress.setWindowModality(Qt::WindowModal);
   progress.setMinimumDuration(300);
   QObject::connect(reader, &QThread::finished, &progress, &QProgressDialog::reset);

@@ -31,7 +31,8 @@ namespace
 class VariantTextSerializer : public Serializer
 {
 public:
-  VariantTextSerializer(const std::string& name, boost::shared_ptr<plexa::PropertyAbstract<Variant>> property)
+  VariantTextSerializer(const std::string& name,
+                        boost::shared_ptr<plexa::PropertyAbstract<Variant>> property)
     : Serializer(name)
     , property(std::move(property))
   {
@@ -42,7 +43,8 @@ private:
   {
     const Variant value = property->value();
     element.setAttribute("type", value.isString() ? "text" : value.isEmpty() ? "empty" : "number");
-    element.appendChild(element.ownerDocument().createTextNode(QString::fromStdString(value.toString())));
+    element.appendChild(
+      element.ownerDocument().createTextNode(QString::fromStdString(value.toString())));
   }
 
   void deserializeSelf(QDomElement& element) const override
@@ -80,8 +82,9 @@ struct ImageMatrixView::Impl
 };
 
 ImageMatrixView::ImageMatrixView(std::shared_ptr<const Project> project,
-  std::shared_ptr<const DataPipelineManagerInterface> pipeline,
-  boost::shared_ptr<SelectionModelInterface> selection, std::shared_ptr<ImageFileLoaderInterface> loader)
+                                 std::shared_ptr<const DataPipelineManagerInterface> pipeline,
+                                 boost::shared_ptr<SelectionModelInterface> selection,
+                                 std::shared_ptr<ImageFileLoaderInterface> loader)
   : ExplorerView(std::make_unique<Serializer>("ImageMatrix"), selection)
   , d(std::make_unique<Impl>())
 {
@@ -91,7 +94,8 @@ ImageMatrixView::ImageMatrixView(std::shared_ptr<const Project> project,
   layout->setContentsMargins(0, 0, 0, 0);
   d->properties = std::make_shared<ImageMatrixViewProperties>();
   d->properties->zoom()->setValue(12);
-  d->table = new ImageTableView(*d->container, std::move(pipeline), selection, std::move(loader), d->properties);
+  d->table = new ImageTableView(
+    *d->container, std::move(pipeline), selection, std::move(loader), d->properties);
   layout->addWidget(d->table);
 
   using Matrix = ImageMatrixViewProperties;
@@ -106,18 +110,27 @@ ImageMatrixView::ImageMatrixView(std::shared_ptr<const Project> project,
   const auto& p = d->properties;
   const std::set<std::string> knownTags(project->tags().begin(), project->tags().end());
   SerializerInterface& settings = serializer();
-  settings.addSubElement(boost::make_shared<VariableInfoSerializer>("RowVariable", p->rowVar(), variables));
-  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::RowColumnDimensionBy>>("DimensionRowsBy", p->dimensionRowsBy(), axes));
-  settings.addSubElement(boost::make_shared<VariableInfoSerializer>("ColumnVariable", p->columnVar(), variables));
-  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::RowColumnDimensionBy>>("DimensionColumnsBy", p->dimensionColumnsBy(), axes));
-  settings.addSubElement(boost::make_shared<VariableInfoSerializer>("PageVariable", p->pageVar(), variables));
+  settings.addSubElement(
+    boost::make_shared<VariableInfoSerializer>("RowVariable", p->rowVar(), variables));
+  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::RowColumnDimensionBy>>(
+    "DimensionRowsBy", p->dimensionRowsBy(), axes));
+  settings.addSubElement(
+    boost::make_shared<VariableInfoSerializer>("ColumnVariable", p->columnVar(), variables));
+  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::RowColumnDimensionBy>>(
+    "DimensionColumnsBy", p->dimensionColumnsBy(), axes));
+  settings.addSubElement(
+    boost::make_shared<VariableInfoSerializer>("PageVariable", p->pageVar(), variables));
   settings.addSubElement(boost::make_shared<VariantTextSerializer>("PageValue", p->pageValue()));
-  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::PageDimensionBy>>("DimensionPagesBy", p->dimensionPagesBy(), pages));
-  settings.addSubElement(boost::make_shared<GenericSerializer<bool>>("ShowLabels", p->showLabels()));
-  settings.addSubElement(boost::make_shared<VariableListSerializer>("VariablesInLabel", p->variablesInLabel(), variables));
+  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::PageDimensionBy>>(
+    "DimensionPagesBy", p->dimensionPagesBy(), pages));
+  settings.addSubElement(
+    boost::make_shared<GenericSerializer<bool>>("ShowLabels", p->showLabels()));
+  settings.addSubElement(boost::make_shared<VariableListSerializer>(
+    "VariablesInLabel", p->variablesInLabel(), variables));
   settings.addSubElement(boost::make_shared<TagGroupsToShowSerializer>(p->tagGroupsToShow()));
   settings.addSubElement(boost::make_shared<TagsToShowSerializer>(p->tagsToShow(), knownTags));
-  settings.addSubElement(boost::make_shared<GenericSerializer<unsigned long long>>("Zoom", p->zoom()));
+  settings.addSubElement(
+    boost::make_shared<GenericSerializer<unsigned long long>>("Zoom", p->zoom()));
 }
 
 ImageMatrixView::~ImageMatrixView()

@@ -22,9 +22,9 @@ class ImageMatrixView
 {
 public:
   ImageMatrixView(std::shared_ptr<const Project> project,
-    std::shared_ptr<const DataPipelineManagerInterface> pipeline,
-    boost::shared_ptr<SelectionModelInterface> selection,
-    std::shared_ptr<ImageFileLoaderInterface> loader);
+                  std::shared_ptr<const DataPipelineManagerInterface> pipeline,
+                  boost::shared_ptr<SelectionModelInterface> selection,
+                  std::shared_ptr<ImageFileLoaderInterface> loader);
   ~ImageMatrixView() override;
 
   QWidget* widget() const override;

@@ -77,8 +77,13 @@ Flight fly(double angleDegrees, double launchSpeed, double drag, double mass)
   return flight;
 }
 
-void drawCurve(QImage& image, const std::vector<double>& xs, const std::vector<double>& ys,
-  double xMax, double yMax, const QColor& color, const QString& title)
+void drawCurve(QImage& image,
+               const std::vector<double>& xs,
+               const std::vector<double>& ys,
+               double xMax,
+               double yMax,
+               const QColor& color,
+               const QString& title)
 {
   image.fill(QColor(252, 252, 250));
   QPainter painter(&image);
@@ -97,7 +102,8 @@ void drawCurve(QImage& image, const std::vector<double>& xs, const std::vector<d
   painter.drawText(QRect(0, 2, image.width(), 16), Qt::AlignHCenter, title);
   painter.drawText(QRect(0, bottom - 6, left - 4, 12), Qt::AlignRight, "0");
   painter.drawText(QRect(0, top - 6, left - 4, 12), Qt::AlignRight, QString::number(yMax, 'g', 3));
-  painter.drawText(QRect(right - 60, bottom + 4, 60, 14), Qt::AlignRight, QString::number(xMax, 'g', 3));
+  painter.drawText(
+    QRect(right - 60, bottom + 4, 60, 14), Qt::AlignRight, QString::number(xMax, 'g', 3));
   QPainterPath path;
   for (std::size_t i = 0; i < xs.size(); ++i)
   {
@@ -161,22 +167,31 @@ int writeSampleStudy(const SampleStudyOptions& options)
           << '\n';
 
     QImage trajectory(options.imageWidth, options.imageHeight, QImage::Format_RGB32);
-    drawCurve(trajectory, flight.x, flight.y, std::max(1.0, flight.range),
-      std::max(1.0, flight.apex * 1.1), failed ? QColor(200, 40, 40) : QColor(30, 90, 200),
-      QString("case %1: %2 deg, %3 m/s").arg(id).arg(angle).arg(speed));
+    drawCurve(trajectory,
+              flight.x,
+              flight.y,
+              std::max(1.0, flight.range),
+              std::max(1.0, flight.apex * 1.1),
+              failed ? QColor(200, 40, 40) : QColor(30, 90, 200),
+              QString("case %1: %2 deg, %3 m/s").arg(id).arg(angle).arg(speed));
     QImage profile(options.imageWidth, options.imageHeight, QImage::Format_RGB32);
     double vMax = 1;
     for (double v : flight.speed)
       vMax = std::max(vMax, v);
-    drawCurve(profile, flight.t, flight.speed, std::max(0.1, flight.time), vMax * 1.1,
-      QColor(20, 150, 80), QString("speed, drag %1, mass %2").arg(drag).arg(mass));
+    drawCurve(profile,
+              flight.t,
+              flight.speed,
+              std::max(0.1, flight.time),
+              vMax * 1.1,
+              QColor(20, 150, 80),
+              QString("speed, drag %1, mass %2").arg(drag).arg(mass));
 
     const QString traj = QString("images/%1_trajectory.png").arg(id);
     const QString prof = QString("images/%1_speed.png").arg(id);
     if (!trajectory.save(folder.filePath(traj)) || !profile.save(folder.filePath(prof)))
       throw std::runtime_error("cannot write the images of case " + std::to_string(id));
-    files << id << ',' << traj.toStdString() << ",plot:trajectory" << (failed ? ";status:failed" : "")
-          << '\n';
+    files << id << ',' << traj.toStdString() << ",plot:trajectory"
+          << (failed ? ";status:failed" : "") << '\n';
     files << id << ',' << prof.toStdString() << ",plot:speed\n";
     ++written;
   }

@@ -134,7 +134,8 @@ struct ScatterPlotView::Impl
 };
 
 ScatterPlotView::ScatterPlotView(std::shared_ptr<const Project> project,
-  const DataPipelineManagerInterface& pipeline, boost::shared_ptr<SelectionModelInterface> selection)
+                                 const DataPipelineManagerInterface& pipeline,
+                                 boost::shared_ptr<SelectionModelInterface> selection)
   : ExplorerView(std::make_unique<Serializer>("ScatterPlot2D"), selection)
   , d(std::make_unique<Impl>(pipeline))
 {
@@ -180,8 +181,11 @@ ScatterPlotView::ScatterPlotView(std::shared_ptr<const Project> project,
     d->color, d->visible, pipeline, d->lookupTable, *d->widget->interactor(), widget);
   d->legend->show()->setValue(true);
 
-  d->validPoints = InvalidPointsFilter::New({ d->x, d->y,
-    boost::make_shared<InvalidPointsFilter::RelevanceDependentVariableProperty>(d->color, d->legend->show()) });
+  d->validPoints = InvalidPointsFilter::New(
+    { d->x,
+      d->y,
+      boost::make_shared<InvalidPointsFilter::RelevanceDependentVariableProperty>(
+        d->color, d->legend->show()) });
   d->plottable = vtkSmartPointer<vtkPlottableCaseIds>::New();
   d->plottable->SetInputConnection(pipeline.output()->GetOutputPort());
   d->validPoints->SetInputConnection(d->plottable->GetOutputPort());
@@ -199,48 +203,55 @@ ScatterPlotView::ScatterPlotView(std::shared_ptr<const Project> project,
     [impl](const MouseMode& mode) { impl->chartMouseMode->setValue(mode); }));
 
   d->plotSelection = boost::make_shared<PlotSelectionModel>(d->widget->interactor(), selection);
-  d->synchronizer =
-    std::make_unique<DataView2DSelectionSynchronizer>(d->chart, d->widget->interactor(), d->plotSelection);
+  d->synchronizer = std::make_unique<DataView2DSelectionSynchronizer>(
+    d->chart, d->widget->interactor(), d->plotSelection);
   d->synchronizer->setPlotsToSynchronize({ d->points });
   d->connections.add(d->synchronizer->connectSignalSelectionsUpdated([impl] { impl->render(); }));
 
   // A click without a drag outside Select mode picks the case under the mouse; in Select mode
   // the chart's own click selection does it.
-  d->pressObserver = vtkPxCommandProxy::New([this] {
-    d->widget->interactor()->GetEventPosition(d->pressPosition);
-  });
-  d->releaseObserver = vtkPxCommandProxy::New([this] {
-    int* at = d->widget->interactor()->GetEventPosition();
-    const bool click = std::abs(at[0] - d->pressPosition[0]) < 3 && std::abs(at[1] - d->pressPosition[1]) < 3;
-    if (click && mouseMode()->value() != Select)
+  d->pressObserver =
+    vtkPxCommandProxy::New([this] { d->widget->interactor()->GetEventPosition(d->pressPosition); });
+  d->releaseObserver = vtkPxCommandProxy::New(
+    [this]
     {
-      d->clickPosition[0] = at[0];
-      d->clickPosition[1] = at[1];
-      adjustSelectionForMouseClickAtPoint();
-    }
-  });
+      int* at = d->widget->interactor()->GetEventPosition();
+      const bool click =
+        std::abs(at[0] - d->pressPosition[0]) < 3 && std::abs(at[1] - d->pressPosition[1]) < 3;
+      if (click && mouseMode()->value() != Select)
+      {
+        d->clickPosition[0] = at[0];
+        d->clickPosition[1] = at[1];
+        adjustSelectionForMouseClickAtPoint();
+      }
+    });
   d->widget->interactor()->AddObserver(vtkCommand::LeftButtonPressEvent, d->pressObserver, 1.0);
   d->widget->interactor()->AddObserver(vtkCommand::LeftButtonReleaseEvent, d->releaseObserver, 1.0);
 
-  const auto replot = [this] {
+  const auto replot = [this]
+  {
     d->updatePoints();
     refresh();
   };
-  const auto refit = [this](const WeakPtr<Variable>&) {
+  const auto refit = [this](const WeakPtr<Variable>&)
+  {
     d->updatePoints();
     fitToData();
   };
   d->connections.add(pipeline.connectSignalPipelineChanged(replot));
   d->connections.add(d->x->connectSignalValueChanged(refit));
   d->connections.add(d->y->connectSignalValueChanged(refit));
-  d->connections.add(d->color->connectSignalValueChanged([replot](const WeakPtr<Variable>&) { replot(); }));
-  d->connections.add(d->legend->show()->connectSignalValueChanged([replot](const bool&) { replot(); }));
+  d->connections.add(
+    d->color->connectSignalValueChanged([replot](const WeakPtr<Variable>&) { replot(); }));
+  d->connections.add(
+    d->legend->show()->connectSignalValueChanged([replot](const bool&) { replot(); }));
 
   SerializerInterface& settings = serializer();
   const auto variables = d->project->variables();
   settings.addSubElement(boost::make_shared<VariableInfoSerializer>("XVariable", d->x, variables));
   settings.addSubElement(boost::make_shared<VariableInfoSerializer>("YVariable", d->y, variables));
-  settings.addSubElement(boost::make_shared<VariableInfoSerializer>("ColorVariable", d->color, variables));
+  settings.addSubElement(
+    boost::make_shared<VariableInfoSerializer>("ColorVariable", d->color, variables));
   settings.addSubElement(d->legend->serializer());
   settings.addSubElement(boost::make_shared<GenericSerializer<double>>("XMin", d->xAxis->min()));
   settings.addSubElement(boost::make_shared<GenericSerializer<double>>("XMax", d->xAxis->max()));
@@ -372,9 +383,10 @@ bool ScatterPlotView::caseIDAtPoint(unsigned long long& caseID)
   const vtkVector2f high = transformer.getWorldCoordinatesFromPixelLocation(
     { d->clickPosition[0] + tolerance, d->clickPosition[1] + tolerance });
   const vtkRectd shiftScale = d->points->GetShiftScale();
-  const auto scaled = [&](const vtkVector2f& p) {
+  const auto scaled = [&](const vtkVector2f& p)
+  {
     return vtkVector2f(static_cast<float>((p.GetX() + shiftScale.GetX()) * shiftScale.GetWidth()),
-      static_cast<float>((p.GetY() + shiftScale.GetY()) * shiftScale.GetHeight()));
+                       static_cast<float>((p.GetY() + shiftScale.GetY()) * shiftScale.GetHeight()));
   };
   return vtkChartUtils::caseIDAtPoint(
     *d->points, *table->GetColumn(0), scaled(low), scaled(high), caseID);

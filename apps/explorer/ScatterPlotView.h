@@ -15,7 +15,7 @@ class vtkPlotPoints;
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class PropertyAbstract;
 }
 
@@ -30,8 +30,9 @@ class ScatterPlotView
   , public ExplorerView
 {
 public:
-  ScatterPlotView(std::shared_ptr<const Project> project, const DataPipelineManagerInterface& pipeline,
-    boost::shared_ptr<SelectionModelInterface> selection);
+  ScatterPlotView(std::shared_ptr<const Project> project,
+                  const DataPipelineManagerInterface& pipeline,
+                  boost::shared_ptr<SelectionModelInterface> selection);
   ~ScatterPlotView() override;
 
   QWidget* widget() const override;

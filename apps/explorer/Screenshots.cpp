@@ -32,7 +32,10 @@ void settle()
 
 } // namespace
 
-bool writeScreenshots(ExplorerWindow& window, const QString& folder, std::ostream& summary, QString& error)
+bool writeScreenshots(ExplorerWindow& window,
+                      const QString& folder,
+                      std::ostream& summary,
+                      QString& error)
 {
   QDir dir(folder);
   if (!dir.mkpath("."))
@@ -48,7 +51,8 @@ bool writeScreenshots(ExplorerWindow& window, const QString& folder, std::ostrea
   settle();
 
   std::vector<QString> written;
-  const auto save = [&](const QPixmap& picture, const QString& name) {
+  const auto save = [&](const QPixmap& picture, const QString& name)
+  {
     const QString path = dir.filePath(name);
     if (!picture.save(path, "PNG"))
     {
@@ -65,7 +69,8 @@ bool writeScreenshots(ExplorerWindow& window, const QString& folder, std::ostrea
     if (!save(view->widget()->grab(), QString::fromStdString(view->shortName()) + ".png"))
       return false;
   }
-  for (const auto& [name, fullPrecision] : { std::make_pair("cases.csv", true), std::make_pair("cases-6digits.csv", false) })
+  for (const auto& [name, fullPrecision] :
+       { std::make_pair("cases.csv", true), std::make_pair("cases-6digits.csv", false) })
   {
     if (!window.exportCases(dir.filePath(name), fullPrecision, error))
       return false;
@@ -78,8 +83,8 @@ bool writeScreenshots(ExplorerWindow& window, const QString& folder, std::ostrea
   const auto project = window.project();
   const auto selected = window.selection().getSelections();
   summary << "study: " << (project->folder().empty() ? "(none)" : project->folder()) << " ("
-          << project->numberOfRecords() << " cases, " << project->variables().size() << " variables, "
-          << project->auxFiles().size() << " images)\n";
+          << project->numberOfRecords() << " cases, " << project->variables().size()
+          << " variables, " << project->auxFiles().size() << " images)\n";
   summary << "shown: " << window.shownCases() << " cases\n";
   summary << "selection: " << selected.size() << " cases";
   if (!selected.empty())

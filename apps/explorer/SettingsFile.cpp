@@ -19,8 +19,8 @@ namespace explorer
 namespace
 {
 
-const char* const variableElements[] = { "XVariable", "YVariable", "ColorVariable", "RowVariable",
-  "ColumnVariable", "PageVariable" };
+const char* const variableElements[] = { "XVariable",   "YVariable",      "ColorVariable",
+                                         "RowVariable", "ColumnVariable", "PageVariable" };
 
 // Every variable name the document refers to, to check them all before applying anything.
 void collectVariableNames(const QDomElement& element, std::set<std::string>& names)
@@ -31,11 +31,13 @@ void collectVariableNames(const QDomElement& element, std::set<std::string>& nam
       names.insert(element.text().toStdString());
   }
   if ((element.tagName() == "Variable" || element.tagName() == "Filter") &&
-    element.hasAttribute(element.tagName() == "Variable" ? "name" : "variable"))
+      element.hasAttribute(element.tagName() == "Variable" ? "name" : "variable"))
   {
-    names.insert(element.attribute(element.tagName() == "Variable" ? "name" : "variable").toStdString());
+    names.insert(
+      element.attribute(element.tagName() == "Variable" ? "name" : "variable").toStdString());
   }
-  for (QDomElement child = element.firstChildElement(); !child.isNull(); child = child.nextSiblingElement())
+  for (QDomElement child = element.firstChildElement(); !child.isNull();
+       child = child.nextSiblingElement())
     collectVariableNames(child, names);
 }
 
@@ -45,12 +47,14 @@ double number(const QDomElement& filter, const char* attribute, const std::strin
   const double value = filter.attribute(attribute).toDouble(&ok);
   if (!ok)
     throw SettingsError(source + ": the filter on \"" + filter.attribute("variable").toStdString() +
-      "\" has no number as " + attribute);
+                        "\" has no number as " + attribute);
   return value;
 }
 
-void applyFilters(const QDomElement& root, DataPipelineManager& pipeline, const Project& project,
-  const std::string& source)
+void applyFilters(const QDomElement& root,
+                  DataPipelineManager& pipeline,
+                  const Project& project,
+                  const std::string& source)
 {
   const QDomElement filters = root.firstChildElement("Filters");
   if (filters.isNull())
@@ -64,15 +68,19 @@ void applyFilters(const QDomElement& root, DataPipelineManager& pipeline, const 
     const double min = number(filter, "min", source);
     const double max = number(filter, "max", source);
     if (min > max)
-      throw SettingsError(source + ": the filter on \"" + filter.attribute("variable").toStdString() +
-        "\" has its minimum above its maximum");
+      throw SettingsError(source + ": the filter on \"" +
+                          filter.attribute("variable").toStdString() +
+                          "\" has its minimum above its maximum");
     pipeline.setRangeFilter(variable, min, max);
     pipeline.setFilterEnabled(variable, filter.attribute("enabled", "1") != "0");
   }
 }
 
-void applyAll(const QDomElement& root, const std::vector<ExplorerView*>& views,
-  DataPipelineManager& pipeline, const Project& project, const std::string& source)
+void applyAll(const QDomElement& root,
+              const std::vector<ExplorerView*>& views,
+              DataPipelineManager& pipeline,
+              const Project& project,
+              const std::string& source)
 {
   applyFilters(root, pipeline, project, source);
   for (ExplorerView* view : views)
@@ -85,10 +93,12 @@ void applyAll(const QDomElement& root, const std::vector<ExplorerView*>& views,
 
 } // namespace
 
-QString SettingsFile::write(const std::vector<ExplorerView*>& views, const DataPipelineManager& pipeline)
+QString SettingsFile::write(const std::vector<ExplorerView*>& views,
+                            const DataPipelineManager& pipeline)
 {
   QDomDocument document;
-  document.appendChild(document.createProcessingInstruction("xml", "version=\"1.0\" encoding=\"UTF-8\""));
+  document.appendChild(
+    document.createProcessingInstruction("xml", "version=\"1.0\" encoding=\"UTF-8\""));
   QDomElement root = document.createElement("ExplorerSettings");
   root.setAttribute("version", 1);
   document.appendChild(root);
@@ -102,8 +112,10 @@ QString SettingsFile::write(const std::vector<ExplorerView*>& views, const DataP
       continue;
     QDomElement element = document.createElement("Filter");
     element.setAttribute("variable", QString::fromStdString(filter->variable().lock().name()));
-    element.setAttribute("min", QString::fromStdString(boost::lexical_cast<std::string>(range->range().first)));
-    element.setAttribute("max", QString::fromStdString(boost::lexical_cast<std::string>(range->range().second)));
+    element.setAttribute(
+      "min", QString::fromStdString(boost::lexical_cast<std::string>(range->range().first)));
+    element.setAttribute(
+      "max", QString::fromStdString(boost::lexical_cast<std::string>(range->range().second)));
     element.setAttribute("enabled", pipeline.isFilterEnabled(filter->variable()) ? 1 : 0);
     filters.appendChild(element);
   }
@@ -111,8 +123,11 @@ QString SettingsFile::write(const std::vector<ExplorerView*>& views, const DataP
   return document.toString(2);
 }
 
-void SettingsFile::load(const QString& xml, const std::string& source,
-  const std::vector<ExplorerView*>& views, DataPipelineManager& pipeline, const Project& project)
+void SettingsFile::load(const QString& xml,
+                        const std::string& source,
+                        const std::vector<ExplorerView*>& views,
+                        DataPipelineManager& pipeline,
+                        const Project& project)
 {
   QDomDocument document;
   QString error;
@@ -120,11 +135,11 @@ void SettingsFile::load(const QString& xml, const std::string& source,
   int column = 0;
   if (!document.setContent(xml, &error, &line, &column))
     throw SettingsError(source + ":" + std::to_string(line) + ":" + std::to_string(column) +
-      ": the settings are not well-formed XML: " + error.toStdString());
+                        ": the settings are not well-formed XML: " + error.toStdString());
   const QDomElement root = document.documentElement();
   if (root.tagName() != "ExplorerSettings")
     throw SettingsError(source + ": these are not explorer settings (the root element is \"" +
-      root.tagName().toStdString() + "\", not \"ExplorerSettings\")");
+                        root.tagName().toStdString() + "\", not \"ExplorerSettings\")");
 
   std::set<std::string> names;
   collectVariableNames(root, names);
@@ -135,7 +150,8 @@ void SettingsFile::load(const QString& xml, const std::string& source,
       unknown += (unknown.empty() ? "\"" : ", \"") + name + "\"";
   }
   if (!unknown.empty())
-    throw SettingsError(source + ": the settings name variables this study does not have: " + unknown);
+    throw SettingsError(source +
+                        ": the settings name variables this study does not have: " + unknown);
 
   QDomDocument before;
   before.setContent(write(views, pipeline));

@@ -27,15 +27,19 @@ public:
 class SettingsFile
 {
 public:
-  static QString write(const std::vector<ExplorerView*>& views, const DataPipelineManager& pipeline);
+  static QString write(const std::vector<ExplorerView*>& views,
+                       const DataPipelineManager& pipeline);
 
   /// Reads settings and applies them. A document that is not well-formed, is not explorer
   /// settings, or names variables the study does not have is refused before anything changes;
   /// a value a setting refuses while applying puts every setting back as it was. Throws
   /// SettingsError; `source` names the document in messages. Loading is not recorded as an undo
   /// step: the undo history starts afresh from the loaded settings.
-  static void load(const QString& xml, const std::string& source,
-    const std::vector<ExplorerView*>& views, DataPipelineManager& pipeline, const Project& project);
+  static void load(const QString& xml,
+                   const std::string& source,
+                   const std::vector<ExplorerView*>& views,
+                   DataPipelineManager& pipeline,
+                   const Project& project);
 };
 
 } // namespace explorer

@@ -24,8 +24,12 @@ class SettingsPanel : public QWidget
 public:
   using Report = std::function<void(const QString&)>;
 
-  SettingsPanel(std::shared_ptr<const Project> project, DataPipelineManager& pipeline,
-    ScatterPlotView& scatter, ImageMatrixView& images, Report report, QWidget* parent = nullptr);
+  SettingsPanel(std::shared_ptr<const Project> project,
+                DataPipelineManager& pipeline,
+                ScatterPlotView& scatter,
+                ImageMatrixView& images,
+                Report report,
+                QWidget* parent = nullptr);
   ~SettingsPanel() override;
 
 private:

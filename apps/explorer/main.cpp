@@ -48,9 +48,12 @@ bool parseIds(const QString& text, std::set<unsigned long long>& ids)
 int main(int argc, char** argv)
 {
   // Writing the sample study needs no display: draw offscreen when there is none.
-  const bool generating = std::any_of(argv + 1, argv + argc,
+  const bool generating = std::any_of(
+    argv + 1,
+    argv + argc,
     [](const char* argument) { return std::strncmp(argument, "--generate-sample", 17) == 0; });
-  if (generating && qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+  if (generating && qEnvironmentVariableIsEmpty("DISPLAY") &&
+      qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
   {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
@@ -62,13 +65,17 @@ int main(int argc, char** argv)
   QCommandLineParser parser;
   parser.setApplicationDescription("Explores the runs of a study in linked views.");
   parser.addHelpOption();
-  parser.addPositionalArgument("study", "The study folder (cases.csv, auxfiles.csv, images).", "[STUDY_DIR]");
+  parser.addPositionalArgument(
+    "study", "The study folder (cases.csv, auxfiles.csv, images).", "[STUDY_DIR]");
   const QCommandLineOption settings("settings", "Load the view settings from FILE.", "FILE");
-  const QCommandLineOption select("select", "Select the cases with these ids, e.g. 1003,1007.", "IDS");
+  const QCommandLineOption select(
+    "select", "Select the cases with these ids, e.g. 1003,1007.", "IDS");
   const QCommandLineOption screenshots("screenshots",
-    "Render the window and each view to PNG files in DIR, with the settings and the shown cases, then exit.",
-    "DIR");
-  const QCommandLineOption generate("generate-sample", "Write the sample study into DIR and exit.", "DIR");
+                                       "Render the window and each view to PNG files in DIR, with "
+                                       "the settings and the shown cases, then exit.",
+                                       "DIR");
+  const QCommandLineOption generate(
+    "generate-sample", "Write the sample study into DIR and exit.", "DIR");
   const QCommandLineOption runs("runs", "Runs of the sample study.", "N", "288");
   const QCommandLineOption seed("seed", "Seed of the sample study.", "SEED", "20261121");
   parser.addOptions({ settings, select, screenshots, generate, runs, seed });
@@ -83,7 +90,8 @@ int main(int argc, char** argv)
     try
     {
       const int written = explorer::writeSampleStudy(options);
-      std::cout << "wrote a sample study of " << written << " runs to " << options.folder << std::endl;
+      std::cout << "wrote a sample study of " << written << " runs to " << options.folder
+                << std::endl;
       return Ok;
     }
     catch (const std::exception& e)
@@ -94,7 +102,8 @@ int main(int argc, char** argv)
   }
 
   const bool headless = parser.isSet(screenshots);
-  const auto fail = [&](const QString& title, const QString& message, int code) {
+  const auto fail = [&](const QString& title, const QString& message, int code)
+  {
     std::cerr << "explorer: " << message.toStdString() << std::endl;
     if (!headless)
       QMessageBox::critical(nullptr, title, message);

@@ -11,13 +11,15 @@ namespace explorer
 
 vtkStandardNewMacro(vtkPlottableCaseIds);
 
-int vtkPlottableCaseIds::RequestData(
-  vtkInformation*, vtkInformationVector** inputVector, vtkInformationVector* outputVector)
+int vtkPlottableCaseIds::RequestData(vtkInformation*,
+                                     vtkInformationVector** inputVector,
+                                     vtkInformationVector* outputVector)
 {
   vtkTable* input = vtkTable::GetData(inputVector[0], 0);
   vtkTable* output = vtkTable::GetData(outputVector, 0);
   output->ShallowCopy(input);
-  auto* ids = input->GetNumberOfColumns() > 0 ? vtkDataArray::SafeDownCast(input->GetColumn(0)) : nullptr;
+  auto* ids =
+    input->GetNumberOfColumns() > 0 ? vtkDataArray::SafeDownCast(input->GetColumn(0)) : nullptr;
   if (!ids || ids->GetDataType() == VTK_DOUBLE)
   {
     return 1;

@@ -18,8 +18,9 @@ public:
 protected:
   vtkPlottableCaseIds() = default;
   ~vtkPlottableCaseIds() override = default;
-  int RequestData(vtkInformation* request, vtkInformationVector** inputVector,
-    vtkInformationVector* outputVector) override;
+  int RequestData(vtkInformation* request,
+                  vtkInformationVector** inputVector,
+                  vtkInformationVector* outputVector) override;
 
 private:
   vtkPlottableCaseIds(const vtkPlottableCaseIds&) = delete;

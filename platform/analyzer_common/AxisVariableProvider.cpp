@@ -11,7 +11,7 @@ WeakPtr<Variable> AxisVariableProvider::next(int nature)
   {
     const Variable variable = candidate.lock();
     if (variable && static_cast<int>(variable.nature()) == nature &&
-      handedOut.insert(candidate.id()).second)
+        handedOut.insert(candidate.id()).second)
     {
       return candidate;
     }

@@ -4,8 +4,11 @@
 #include "analyzer_common/UndoStack.h"
 
 GenericUndoCommand::GenericUndoCommand(boost::function<void()> redoFunction,
-  boost::function<void()> undoFunction, const DeleteSignaler& owner, const QString& text, int id,
-  QUndoCommand* parent)
+                                       boost::function<void()> undoFunction,
+                                       const DeleteSignaler& owner,
+                                       const QString& text,
+                                       int id,
+                                       QUndoCommand* parent)
   : QUndoCommand(text, parent)
   , redoFunction(std::move(redoFunction))
   , undoFunction(std::move(undoFunction))

@@ -16,8 +16,12 @@ class DeleteSignaler;
 class QUEN_ANALYZER_COMMON_EXPORT GenericUndoCommand : public QUndoCommand
 {
 public:
-  GenericUndoCommand(boost::function<void()> redoFunction, boost::function<void()> undoFunction,
-    const DeleteSignaler& owner, const QString& text, int id, QUndoCommand* parent);
+  GenericUndoCommand(boost::function<void()> redoFunction,
+                     boost::function<void()> undoFunction,
+                     const DeleteSignaler& owner,
+                     const QString& text,
+                     int id,
+                     QUndoCommand* parent);
   ~GenericUndoCommand() override;
 
   void redo() override;

@@ -29,8 +29,8 @@ Rank rankOf(Variant::Type type)
 
 // A 64-bit integer or a double widened to long double keeps its exact value (x86-64's long double
 // has a 64-bit mantissa), so mixed comparisons need no special cases.
-long double exactNumber(const std::variant<std::monostate, bool, std::int64_t, std::uint64_t,
-  double, std::string>& value)
+long double exactNumber(
+  const std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string>& value)
 {
   if (auto b = std::get_if<bool>(&value))
     return *b ? 1.0L : 0.0L;

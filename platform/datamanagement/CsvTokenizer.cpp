@@ -83,8 +83,10 @@ bool CsvTokenizer::next(std::vector<Field>& fields)
       }
       if (offset < size && text[offset] != ',' && text[offset] != '\n' && text[offset] != '\r')
       {
-        throw StudyFormatError(fileName, currentLine, offset - lineStart + 1,
-          "unexpected character after a closing quote");
+        throw StudyFormatError(fileName,
+                               currentLine,
+                               offset - lineStart + 1,
+                               "unexpected character after a closing quote");
       }
       unescaped.push_back(std::move(value));
       field.text = unescaped.back();
@@ -192,7 +194,7 @@ std::pair<std::size_t, std::size_t> firstInvalidUtf8(std::string_view text)
     }
     // Overlong forms, UTF-16 surrogates and values past U+10FFFF are not UTF-8.
     if (!valid || codePoint < minimum || codePoint > 0x10FFFF ||
-      (codePoint >= 0xD800 && codePoint <= 0xDFFF))
+        (codePoint >= 0xD800 && codePoint <= 0xDFFF))
     {
       return { line, i - lineStart + 1 };
     }

@@ -117,7 +117,7 @@ const std::vector<double>* Project::numericValues(const Variable& variable) cons
 {
   const auto& v = variable.sharedData();
   if (!v || v->project != this || v->column == VariableData::caseIdColumn ||
-    d->columns[v->column].isText)
+      d->columns[v->column].isText)
   {
     return nullptr;
   }
@@ -128,7 +128,7 @@ const std::vector<std::string>* Project::textValues(const Variable& variable) co
 {
   const auto& v = variable.sharedData();
   if (!v || v->project != this || v->column == VariableData::caseIdColumn ||
-    !d->columns[v->column].isText)
+      !d->columns[v->column].isText)
   {
     return nullptr;
   }

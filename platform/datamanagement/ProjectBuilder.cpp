@@ -99,8 +99,9 @@ void ProjectBuilder::addNumericVariable(std::string name, std::vector<double> va
   addNumericVariable(std::move(name), std::move(values), nature);
 }
 
-void ProjectBuilder::addNumericVariable(
-  std::string name, std::vector<double> values, Variable::Nature nature)
+void ProjectBuilder::addNumericVariable(std::string name,
+                                        std::vector<double> values,
+                                        Variable::Nature nature)
 {
   Pending::Column column;
   column.name = std::move(name);
@@ -119,8 +120,9 @@ void ProjectBuilder::addTextVariable(std::string name, std::vector<std::string> 
   pending->columns.push_back(std::move(column));
 }
 
-void ProjectBuilder::addAuxFile(
-  unsigned long long caseId, std::string relativePath, std::vector<std::string> tags)
+void ProjectBuilder::addAuxFile(unsigned long long caseId,
+                                std::string relativePath,
+                                std::vector<std::string> tags)
 {
   pending->files.push_back({ caseId, std::move(relativePath), withoutRepeats(std::move(tags)) });
 }
@@ -175,8 +177,8 @@ std::shared_ptr<const Project> ProjectBuilder::build()
 
   data->caseIdVariable.id = nextId++;
   data->caseIdVariable.name = caseIdName;
-  data->caseIdVariable.range = finiteRange(
-    std::vector<double>(input.caseIds.begin(), input.caseIds.end()));
+  data->caseIdVariable.range =
+    finiteRange(std::vector<double>(input.caseIds.begin(), input.caseIds.end()));
 
   data->variables.resize(input.columns.size());
   data->columns.reserve(input.columns.size());
@@ -192,8 +194,8 @@ std::shared_ptr<const Project> ProjectBuilder::build()
     const std::size_t length =
       column.values.isText ? column.values.texts.size() : column.values.numbers.size();
     if (length != rows)
-      throw std::invalid_argument("variable \"" + column.name + "\" has " +
-        std::to_string(length) + " values for " + std::to_string(rows) + " cases");
+      throw std::invalid_argument("variable \"" + column.name + "\" has " + std::to_string(length) +
+                                  " values for " + std::to_string(rows) + " cases");
 
     VariableData& variable = data->variables[c];
     variable.id = nextId++;
@@ -212,14 +214,14 @@ std::shared_ptr<const Project> ProjectBuilder::build()
   {
     const auto owner = data->recordByCaseId.find(file.caseId);
     if (owner == data->recordByCaseId.end())
-      throw std::invalid_argument(
-        "auxiliary file \"" + file.relativePath + "\" names unknown case id " +
-        std::to_string(file.caseId));
+      throw std::invalid_argument("auxiliary file \"" + file.relativePath +
+                                  "\" names unknown case id " + std::to_string(file.caseId));
     AuxFileData aux;
     aux.id = nextId++;
-    aux.filePath = input.folder.empty()
-      ? file.relativePath
-      : (std::filesystem::path(input.folder) / file.relativePath).lexically_normal().string();
+    aux.filePath =
+      input.folder.empty()
+        ? file.relativePath
+        : (std::filesystem::path(input.folder) / file.relativePath).lexically_normal().string();
     aux.relativePath = std::move(file.relativePath);
     aux.record = owner->second;
     for (const auto& tag : file.tags)

@@ -32,8 +32,9 @@ public:
   void addNumericVariable(std::string name, std::vector<double> values, Variable::Nature nature);
   void addTextVariable(std::string name, std::vector<std::string> values);
   /// An auxiliary file of a case, with a path relative to the folder. Repeated tags are dropped.
-  void addAuxFile(unsigned long long caseId, std::string relativePath,
-    std::vector<std::string> tags);
+  void addAuxFile(unsigned long long caseId,
+                  std::string relativePath,
+                  std::vector<std::string> tags);
 
   /// The project; the builder is empty afterwards.
   std::shared_ptr<const Project> build();

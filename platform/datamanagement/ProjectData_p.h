@@ -78,7 +78,7 @@ struct ProjectData
 };
 
 /// A handle sharing the ownership of whatever `owner` shares (the project), pointing at `item`.
-template <typename Handle, typename Owner>
+template<typename Handle, typename Owner>
 Handle aliasHandle(const std::shared_ptr<Owner>& owner, const typename Handle::Data& item)
 {
   return Handle(std::shared_ptr<const typename Handle::Data>(owner, &item));

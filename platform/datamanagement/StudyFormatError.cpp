@@ -3,8 +3,10 @@
 namespace
 {
 
-std::string format(
-  const std::string& file, std::size_t line, std::size_t column, const std::string& problem)
+std::string format(const std::string& file,
+                   std::size_t line,
+                   std::size_t column,
+                   const std::string& problem)
 {
   if (line == 0)
   {
@@ -15,8 +17,10 @@ std::string format(
 
 } // namespace
 
-StudyFormatError::StudyFormatError(
-  const std::string& file, std::size_t line, std::size_t column, const std::string& problem)
+StudyFormatError::StudyFormatError(const std::string& file,
+                                   std::size_t line,
+                                   std::size_t column,
+                                   const std::string& problem)
   : std::runtime_error(format(file, line, column, problem))
   , fileName(file)
   , lineNumber(line)

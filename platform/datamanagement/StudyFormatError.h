@@ -12,8 +12,10 @@
 class QUEN_DATAMANAGEMENT_LIB2_EXPORT StudyFormatError : public std::runtime_error
 {
 public:
-  StudyFormatError(
-    const std::string& file, std::size_t line, std::size_t column, const std::string& problem);
+  StudyFormatError(const std::string& file,
+                   std::size_t line,
+                   std::size_t column,
+                   const std::string& problem);
   ~StudyFormatError() override;
 
   const std::string& file() const { return fileName; }

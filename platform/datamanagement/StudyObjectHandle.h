@@ -5,7 +5,7 @@
 /// Common base of the study handles (Variable, Record, AuxFile, TagGroup): a light, copyable
 /// reference to data owned by a Project. An empty handle is valid; its accessors answer neutral
 /// values (an empty name, no tags, an empty value).
-template <typename DataT>
+template<typename DataT>
 class StudyObjectHandle
 {
 public:

@@ -5,10 +5,10 @@
 #include "datamanagement/ProjectBuilder.h"
 #include "datamanagement/StudyFormatError.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <filesystem>
-#include <algorithm>
 #include <fstream>
 #include <limits>
 #include <sstream>
@@ -37,7 +37,7 @@ std::string inQuotes(std::string_view text)
 bool isNanText(std::string_view text)
 {
   return text.size() == 3 && (text[0] == 'n' || text[0] == 'N') &&
-    (text[1] == 'a' || text[1] == 'A') && (text[2] == 'n' || text[2] == 'N');
+         (text[1] == 'a' || text[1] == 'A') && (text[2] == 'n' || text[2] == 'N');
 }
 
 // A numeric field: an empty field or "nan" is NaN. False when the field is not a number.
@@ -97,22 +97,31 @@ unsigned long long parseCaseId(const CsvTokenizer& csv, const CsvTokenizer::Fiel
   unsigned long long id = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), id);
   if (result.ec == std::errc::result_out_of_range && result.ptr == text.data() + text.size())
-    throw StudyFormatError(csv.file(), csv.recordLine(), field.column,
-      "case id " + inQuotes(text) + " is beyond the largest case id, 18446744073709551615");
+    throw StudyFormatError(csv.file(),
+                           csv.recordLine(),
+                           field.column,
+                           "case id " + inQuotes(text) +
+                             " is beyond the largest case id, 18446744073709551615");
   if (result.ec != std::errc() || result.ptr != text.data() + text.size())
-    throw StudyFormatError(csv.file(), csv.recordLine(), field.column,
-      "case id " + inQuotes(text) + " is not a non-negative integer");
+    throw StudyFormatError(csv.file(),
+                           csv.recordLine(),
+                           field.column,
+                           "case id " + inQuotes(text) + " is not a non-negative integer");
   return id;
 }
 
-void checkFieldCount(
-  const CsvTokenizer& csv, const std::vector<CsvTokenizer::Field>& fields, std::size_t expected)
+void checkFieldCount(const CsvTokenizer& csv,
+                     const std::vector<CsvTokenizer::Field>& fields,
+                     std::size_t expected)
 {
   if (fields.size() != expected)
   {
     const std::size_t column = fields.size() > expected ? fields[expected].column : 1;
-    throw StudyFormatError(csv.file(), csv.recordLine(), column,
-      "expected " + std::to_string(expected) + " fields, found " + std::to_string(fields.size()));
+    throw StudyFormatError(csv.file(),
+                           csv.recordLine(),
+                           column,
+                           "expected " + std::to_string(expected) + " fields, found " +
+                             std::to_string(fields.size()));
   }
 }
 
@@ -124,8 +133,9 @@ struct ParsedColumn
   std::vector<std::string> texts;
 };
 
-void readCases(const fs::path& path, ProjectBuilder& builder,
-  std::unordered_map<unsigned long long, std::size_t>& lineOfCase)
+void readCases(const fs::path& path,
+               ProjectBuilder& builder,
+               std::unordered_map<unsigned long long, std::size_t>& lineOfCase)
 {
   const std::string contents = readFile(path);
   const std::string file = path.string();
@@ -136,8 +146,11 @@ void readCases(const fs::path& path, ProjectBuilder& builder,
   if (!csv.next(fields))
     throw StudyFormatError(file, 1, 1, "the file is empty; it needs a header line");
   if (trimmed(fields[0].text) != ProjectBuilder::caseIdName)
-    throw StudyFormatError(file, csv.recordLine(), fields[0].column,
-      "the first column must be \"case_id\", found " + inQuotes(trimmed(fields[0].text)));
+    throw StudyFormatError(file,
+                           csv.recordLine(),
+                           fields[0].column,
+                           "the first column must be \"case_id\", found " +
+                             inQuotes(trimmed(fields[0].text)));
   std::vector<ParsedColumn> columns(fields.size() - 1);
   std::unordered_map<std::string, std::size_t> columnOfName;
   lineOfCase.reserve(text.size() / 32);
@@ -145,8 +158,10 @@ void readCases(const fs::path& path, ProjectBuilder& builder,
   {
     const std::string name(trimmed(fields[c].text));
     if (name.empty())
-      throw StudyFormatError(file, csv.recordLine(), fields[c].column,
-        "column " + std::to_string(c + 1) + " has no name");
+      throw StudyFormatError(file,
+                             csv.recordLine(),
+                             fields[c].column,
+                             "column " + std::to_string(c + 1) + " has no name");
     if (name == ProjectBuilder::caseIdName || !columnOfName.emplace(name, c).second)
       throw StudyFormatError(
         file, csv.recordLine(), fields[c].column, "column name " + inQuotes(name) + " is repeated");
@@ -167,9 +182,11 @@ void readCases(const fs::path& path, ProjectBuilder& builder,
     const unsigned long long id = parseCaseId(csv, fields[0]);
     const auto [previous, inserted] = lineOfCase.emplace(id, csv.recordLine());
     if (!inserted)
-      throw StudyFormatError(file, csv.recordLine(), fields[0].column,
-        "case id " + std::to_string(id) + " is repeated (first on line " +
-          std::to_string(previous->second) + ")");
+      throw StudyFormatError(file,
+                             csv.recordLine(),
+                             fields[0].column,
+                             "case id " + std::to_string(id) + " is repeated (first on line " +
+                               std::to_string(previous->second) + ")");
     caseIds.push_back(id);
     const std::size_t row = caseIds.size() - 1;
 
@@ -231,8 +248,9 @@ std::vector<std::string> splitTags(std::string_view text)
   }
 }
 
-void readAuxFiles(const fs::path& path, ProjectBuilder& builder,
-  const std::unordered_map<unsigned long long, std::size_t>& lineOfCase)
+void readAuxFiles(const fs::path& path,
+                  ProjectBuilder& builder,
+                  const std::unordered_map<unsigned long long, std::size_t>& lineOfCase)
 {
   const std::string contents = readFile(path);
   const std::string file = path.string();
@@ -245,28 +263,36 @@ void readAuxFiles(const fs::path& path, ProjectBuilder& builder,
   for (std::size_t c = 0; c < 3; ++c)
   {
     if (trimmed(fields[c].text) != expected[c])
-      throw StudyFormatError(file, csv.recordLine(), fields[c].column,
-        "the header must be \"case_id,path,tags\"; column " + std::to_string(c + 1) +
-          " is " + inQuotes(trimmed(fields[c].text)));
+      throw StudyFormatError(file,
+                             csv.recordLine(),
+                             fields[c].column,
+                             "the header must be \"case_id,path,tags\"; column " +
+                               std::to_string(c + 1) + " is " + inQuotes(trimmed(fields[c].text)));
   }
   while (csv.next(fields))
   {
     checkFieldCount(csv, fields, 3);
     const unsigned long long id = parseCaseId(csv, fields[0]);
     if (lineOfCase.count(id) == 0)
-      throw StudyFormatError(file, csv.recordLine(), fields[0].column,
-        "case id " + std::to_string(id) + " is not in cases.csv");
+      throw StudyFormatError(file,
+                             csv.recordLine(),
+                             fields[0].column,
+                             "case id " + std::to_string(id) + " is not in cases.csv");
     const std::string_view text = trimmed(fields[1].text);
     if (text.empty())
       throw StudyFormatError(file, csv.recordLine(), fields[1].column, "the path is empty");
     const fs::path relative(text);
     if (relative.has_root_path())
-      throw StudyFormatError(file, csv.recordLine(), fields[1].column,
-        "path " + inQuotes(text) + " must be relative to the study folder");
+      throw StudyFormatError(file,
+                             csv.recordLine(),
+                             fields[1].column,
+                             "path " + inQuotes(text) + " must be relative to the study folder");
     const fs::path normal = relative.lexically_normal();
     if (!normal.empty() && *normal.begin() == "..")
-      throw StudyFormatError(file, csv.recordLine(), fields[1].column,
-        "path " + inQuotes(text) + " leads out of the study folder");
+      throw StudyFormatError(file,
+                             csv.recordLine(),
+                             fields[1].column,
+                             "path " + inQuotes(text) + " leads out of the study folder");
     builder.addAuxFile(id, std::string(text), splitTags(fields[2].text));
   }
 }

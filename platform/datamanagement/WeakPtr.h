@@ -6,7 +6,7 @@
 /// object's 64-bit id. Handles compare by id only, so a handle keeps its place in ordered
 /// containers after its object is gone; lock() then yields an empty handle. The default handle
 /// has id 0, which no object carries.
-template <typename T, typename Id = unsigned long long>
+template<typename T, typename Id = unsigned long long>
 class WeakPtr
 {
 public:

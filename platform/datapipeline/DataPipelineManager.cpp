@@ -74,8 +74,9 @@ struct DataPipelineManager::Impl
 
   std::vector<Entry>::iterator find(const WeakPtr<Variable>& variable)
   {
-    return std::find_if(entries.begin(), entries.end(),
-      [&](const Entry& entry) { return entry.filter->variable() == variable; });
+    return std::find_if(entries.begin(),
+                        entries.end(),
+                        [&](const Entry& entry) { return entry.filter->variable() == variable; });
   }
 
   std::vector<boost::shared_ptr<FilterInterface>> active() const
@@ -178,8 +179,8 @@ void DataPipelineManager::setFilter(const boost::shared_ptr<FilterInterface>& fi
   d->changed();
 }
 
-boost::shared_ptr<RangeFilter> DataPipelineManager::setRangeFilter(
-  const WeakPtr<Variable>& variable, double min, double max)
+boost::shared_ptr<RangeFilter>
+DataPipelineManager::setRangeFilter(const WeakPtr<Variable>& variable, double min, double max)
 {
   const auto found = d->find(variable);
   if (found != d->entries.end())

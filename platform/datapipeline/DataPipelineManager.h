@@ -32,8 +32,9 @@ public:
   void setFilter(const boost::shared_ptr<FilterInterface>& filter);
   /// The range filter of the variable with the new range, in effect; made when the variable has
   /// no filter or a filter of another kind.
-  boost::shared_ptr<RangeFilter> setRangeFilter(
-    const WeakPtr<Variable>& variable, double min, double max);
+  boost::shared_ptr<RangeFilter> setRangeFilter(const WeakPtr<Variable>& variable,
+                                                double min,
+                                                double max);
   void removeFilter(const WeakPtr<Variable>& variable);
   /// Switches a variable's filter on or off; does nothing for a variable without a filter.
   void setFilterEnabled(const WeakPtr<Variable>& variable, bool enabled);

@@ -10,13 +10,15 @@
 FilterFactoryInterface::~FilterFactoryInterface() = default;
 
 boost::shared_ptr<FilterInterface> FilterFactory::createFilter(
-  FilterType type, const WeakPtr<Variable>& variable) const
+  FilterType type,
+  const WeakPtr<Variable>& variable) const
 {
   switch (type)
   {
     case Range:
       return boost::make_shared<RangeFilter>(variable,
-        -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity());
+                                             -std::numeric_limits<double>::infinity(),
+                                             std::numeric_limits<double>::infinity());
     case ValueSet:
       return boost::make_shared<ValueSetFilter>(variable, std::set<Variant>());
   }

@@ -24,13 +24,14 @@ public:
   /// A new filter of that kind on the variable: a range from -inf to +inf (every number
   /// passes), or an empty value set (nothing passes until values are chosen).
   virtual boost::shared_ptr<FilterInterface> createFilter(
-    FilterType type, const WeakPtr<Variable>& variable) const = 0;
+    FilterType type,
+    const WeakPtr<Variable>& variable) const = 0;
 };
 
 /// The factory of the filters of this library.
 class QUEN_ANALYZER_DATAPIPELINE_EXPORT FilterFactory : public FilterFactoryInterface
 {
 public:
-  boost::shared_ptr<FilterInterface> createFilter(
-    FilterType type, const WeakPtr<Variable>& variable) const override;
+  boost::shared_ptr<FilterInterface> createFilter(FilterType type,
+                                                  const WeakPtr<Variable>& variable) const override;
 };

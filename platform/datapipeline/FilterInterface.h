@@ -26,7 +26,8 @@ public:
   virtual void apply(vtkAbstractArray& column, std::vector<unsigned char>& keep) const = 0;
 
   /// Reports every change of the condition.
-  boost::signals2::connection connectSignalFilterChanged(const ChangedSignal::slot_type& slot) const;
+  boost::signals2::connection connectSignalFilterChanged(
+    const ChangedSignal::slot_type& slot) const;
 
 protected:
   void emitSignalFilterChanged() const;

@@ -44,8 +44,9 @@ void vtkFilteredCasesAlgorithm::SetFilters(
   this->Modified();
 }
 
-int vtkFilteredCasesAlgorithm::RequestData(
-  vtkInformation*, vtkInformationVector**, vtkInformationVector* outputVector)
+int vtkFilteredCasesAlgorithm::RequestData(vtkInformation*,
+                                           vtkInformationVector**,
+                                           vtkInformationVector* outputVector)
 {
   vtkTable* output = vtkTable::GetData(outputVector, 0);
   output->Initialize();

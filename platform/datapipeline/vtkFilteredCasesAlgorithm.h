@@ -31,8 +31,9 @@ protected:
   vtkFilteredCasesAlgorithm();
   ~vtkFilteredCasesAlgorithm() override;
 
-  int RequestData(vtkInformation* request, vtkInformationVector** inputVector,
-    vtkInformationVector* outputVector) override;
+  int RequestData(vtkInformation* request,
+                  vtkInformationVector** inputVector,
+                  vtkInformationVector* outputVector) override;
 
 private:
   vtkFilteredCasesAlgorithm(const vtkFilteredCasesAlgorithm&) = delete;

@@ -6,7 +6,7 @@ namespace plexa
 {
 
 /// Decides whether a value of type T is acceptable for a property.
-template <typename T>
+template<typename T>
 class ValidatorInterface
 {
 public:

@@ -106,7 +106,7 @@ QSize QxtLabel::minimumSizeHint() const
 {
   const QFontMetrics metrics = fontMetrics();
   const QSize text(metrics.horizontalAdvance(QLatin1String("...")) + 2 * margin,
-    metrics.height() + 2 * margin);
+                   metrics.height() + 2 * margin);
   const QSize size = isVertical() ? text.transposed() : text;
   const int frame = 2 * frameWidth();
   return size + QSize(frame, frame);
@@ -151,6 +151,11 @@ void QxtLabel::paintEvent(QPaintEvent* event)
   }
   area.moveCenter(QPoint(0, 0));
   const QString shown = fontMetrics().elidedText(d->text, d->elideMode, area.width());
-  style()->drawItemText(&painter, area, static_cast<int>(d->alignment), palette(), isEnabled(),
-    shown, foregroundRole());
+  style()->drawItemText(&painter,
+                        area,
+                        static_cast<int>(d->alignment),
+                        palette(),
+                        isEnabled(),
+                        shown,
+                        foregroundRole());
 }

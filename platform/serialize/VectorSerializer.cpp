@@ -5,7 +5,10 @@
 #include <boost/tokenizer.hpp>
 
 VectorSerializer<std::string, boost::function<bool(const std::string&)>>::VectorSerializer(
-  const std::string& name, Getter getter, Setter setter, Predicate accept)
+  const std::string& name,
+  Getter getter,
+  Setter setter,
+  Predicate accept)
   : Serializer(name)
   , getter(std::move(getter))
   , setter(std::move(setter))
@@ -39,8 +42,9 @@ std::string VectorSerializer<std::string, boost::function<bool(const std::string
   return field;
 }
 
-std::vector<std::string> VectorSerializer<std::string,
-  boost::function<bool(const std::string&)>>::split(const std::string& text)
+std::vector<std::string>
+VectorSerializer<std::string, boost::function<bool(const std::string&)>>::split(
+  const std::string& text)
 {
   using Separator = boost::escaped_list_separator<char>;
   const boost::tokenizer<Separator> tokens(text, Separator('\\', ',', '"'));

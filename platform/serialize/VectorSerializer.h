@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-template <typename T, typename Predicate = boost::function<bool(const T&)>>
+template<typename T, typename Predicate = boost::function<bool(const T&)>>
 class VectorSerializer;
 
 /// Saves a list of strings as the text of one element, the fields joined by commas, and reads it
@@ -17,9 +17,9 @@ class VectorSerializer;
 /// fields the predicate accepts. The list is reached through a getter and a setter, or through
 /// a property offering value() and setValue(). A malformed escape in the saved text lets
 /// boost::escaped_list_error escape from deserialize().
-template <>
-class QUEN_ANALYZER_SERIALIZE_EXPORT VectorSerializer<std::string,
-  boost::function<bool(const std::string&)>> : public Serializer
+template<>
+class QUEN_ANALYZER_SERIALIZE_EXPORT
+  VectorSerializer<std::string, boost::function<bool(const std::string&)>> : public Serializer
 {
 public:
   using Getter = std::function<std::vector<std::string>()>;
@@ -28,10 +28,11 @@ public:
 
   VectorSerializer(const std::string& name, Getter getter, Setter setter, Predicate accept);
 
-  template <typename Property>
+  template<typename Property>
   VectorSerializer(const std::string& name, boost::shared_ptr<Property> property, Predicate accept)
     : VectorSerializer(
-        name, [property] { return std::vector<std::string>(property->value()); },
+        name,
+        [property] { return std::vector<std::string>(property->value()); },
         [property](const std::vector<std::string>& list) { property->setValue(list); },
         std::move(accept))
   {

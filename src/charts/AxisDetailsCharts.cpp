@@ -64,8 +64,9 @@ private:
 
 } // namespace
 
-AxisRangePropertyAbstract::AxisRangePropertyAbstract(
-  vtkSmartPointer<vtkObject> object, RangeType type, const AxisDetailsInterface& axisDetails)
+AxisRangePropertyAbstract::AxisRangePropertyAbstract(vtkSmartPointer<vtkObject> object,
+                                                     RangeType type,
+                                                     const AxisDetailsInterface& axisDetails)
   : VTKPropertyAbstract<double>(std::move(object))
   , type(type)
   , axisDetails(axisDetails)
@@ -113,8 +114,9 @@ namespace
 class AxisRangeProperty : public AxisRangePropertyAbstract
 {
 public:
-  AxisRangeProperty(
-    vtkSmartPointer<vtkAxis> axis, RangeType type, const AxisDetailsInterface& axisDetails)
+  AxisRangeProperty(vtkSmartPointer<vtkAxis> axis,
+                    RangeType type,
+                    const AxisDetailsInterface& axisDetails)
     : AxisRangePropertyAbstract(axis, type, axisDetails)
     , axis(std::move(axis))
   {
@@ -179,8 +181,8 @@ private:
 class GridSpacingValidator : public plexa::ValidatorInterface<double>
 {
 public:
-  GridSpacingValidator(
-    vtkSmartPointer<vtkAxis> axis, boost::shared_ptr<const UseCustomGridSpacingProperty> custom)
+  GridSpacingValidator(vtkSmartPointer<vtkAxis> axis,
+                       boost::shared_ptr<const UseCustomGridSpacingProperty> custom)
     : axis(std::move(axis))
     , custom(std::move(custom))
   {
@@ -217,8 +219,8 @@ private:
 class GridSpacingProperty : public VTKPropertyAbstract<double>
 {
 public:
-  GridSpacingProperty(
-    vtkSmartPointer<vtkAxis> axis, boost::shared_ptr<const UseCustomGridSpacingProperty> custom)
+  GridSpacingProperty(vtkSmartPointer<vtkAxis> axis,
+                      boost::shared_ptr<const UseCustomGridSpacingProperty> custom)
     : VTKPropertyAbstract<double>(axis, boost::make_shared<GridSpacingValidator>(axis, custom))
     , axis(std::move(axis))
     , custom(std::move(custom))
@@ -228,7 +230,7 @@ public:
 
   /// Lays the custom ticks out again whenever the range changes.
   void followRange(const plexa::PropertyAbstract<double>& min,
-    const plexa::PropertyAbstract<double>& max)
+                   const plexa::PropertyAbstract<double>& max)
   {
     const auto restore = [this](const double&) { storeValueInVTK(spacing); };
     connections.add(min.connectSignalValueChanged(restore));
@@ -311,14 +313,15 @@ struct AxisDetailsCharts::Impl
   void switchOffIfSpacingInvalid()
   {
     if (customTarget->value() &&
-      !spacingTarget->validator()->validate(gridSpacing->value()).isValid())
+        !spacingTarget->validator()->validate(gridSpacing->value()).isValid())
     {
       switchCustomSpacingOff();
     }
   }
 };
 
-AxisDetailsCharts::AxisDetailsCharts(const std::string& axisName,
+AxisDetailsCharts::AxisDetailsCharts(
+  const std::string& axisName,
   const plexa::PropertyAbstract<WeakPtr<Variable, unsigned long long>>& variableProperty,
   vtkSmartPointer<vtkAxis> axis)
   : d(std::make_unique<Impl>())
@@ -347,10 +350,10 @@ AxisDetailsCharts::AxisDetailsCharts(const std::string& axisName,
     d->gridSpacing->connectSignalValueChanged([changed](const double&) { changed(); }));
 
   Impl* impl = d.get();
-  d->connections.add(
-    d->min->connectSignalValueChanged([impl](const double&) { impl->switchOffIfSpacingInvalid(); }));
-  d->connections.add(
-    d->max->connectSignalValueChanged([impl](const double&) { impl->switchOffIfSpacingInvalid(); }));
+  d->connections.add(d->min->connectSignalValueChanged([impl](const double&)
+                                                       { impl->switchOffIfSpacingInvalid(); }));
+  d->connections.add(d->max->connectSignalValueChanged([impl](const double&)
+                                                       { impl->switchOffIfSpacingInvalid(); }));
   d->connections.add(variableProperty.connectSignalValueChanged(
     [impl](const WeakPtr<Variable, unsigned long long>&) { impl->switchCustomSpacingOff(); }));
 

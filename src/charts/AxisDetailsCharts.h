@@ -26,7 +26,8 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT AxisDetailsCharts : public virtual A
 {
 public:
   /// variableProperty is the variable shown on the axis; it is only observed.
-  AxisDetailsCharts(const std::string& axisName,
+  AxisDetailsCharts(
+    const std::string& axisName,
     const plexa::PropertyAbstract<WeakPtr<Variable, unsigned long long>>& variableProperty,
     vtkSmartPointer<vtkAxis> axis);
   ~AxisDetailsCharts() override;

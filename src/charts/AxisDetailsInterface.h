@@ -7,7 +7,7 @@
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class PropertyAbstract;
 }
 

@@ -17,8 +17,9 @@ public:
     Max = 1
   };
 
-  AxisRangePropertyAbstract(vtkSmartPointer<vtkObject> object, RangeType type,
-    const AxisDetailsInterface& axisDetails);
+  AxisRangePropertyAbstract(vtkSmartPointer<vtkObject> object,
+                            RangeType type,
+                            const AxisDetailsInterface& axisDetails);
   ~AxisRangePropertyAbstract() override;
 
   RangeType rangeType() const { return type; }

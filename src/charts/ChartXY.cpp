@@ -116,7 +116,8 @@ float ChartXY::findNextAvaialableLegendRightEdge()
     {
       continue;
     }
-    const float candidate = entry.rightEdge - entry.legend->GetBoundingRect(this->Painter).GetWidth();
+    const float candidate =
+      entry.rightEdge - entry.legend->GetBoundingRect(this->Painter).GetWidth();
     if (candidate < edge)
     {
       edge = candidate;
@@ -125,8 +126,9 @@ float ChartXY::findNextAvaialableLegendRightEdge()
   return edge - static_cast<float>(this->GetHiddenAxisBorder());
 }
 
-void ChartXY::anchorTopRightCornerWhenLegendIsResized(
-  vtkChartLegend& legend, const std::pair<float, float>& oldDimensions, vtkRectf& rect)
+void ChartXY::anchorTopRightCornerWhenLegendIsResized(vtkChartLegend& legend,
+                                                      const std::pair<float, float>& oldDimensions,
+                                                      vtkRectf& rect)
 {
   if (rect.GetWidth() == oldDimensions.first && rect.GetHeight() == oldDimensions.second)
   {
@@ -134,7 +136,7 @@ void ChartXY::anchorTopRightCornerWhenLegendIsResized(
   }
   const float* point = legend.GetPoint();
   legend.SetPoint(point[0] + oldDimensions.first - rect.GetWidth(),
-    point[1] + oldDimensions.second - rect.GetHeight());
+                  point[1] + oldDimensions.second - rect.GetHeight());
   rect.SetX(legend.GetPoint()[0]);
   rect.SetY(legend.GetPoint()[1]);
 }
@@ -181,7 +183,7 @@ bool ChartXY::MouseButtonReleaseEvent(const vtkContextMouseEvent& mouse)
 {
   vtkContextMouseEvent event = mouse;
   if (std::fabs(this->MouseBox.GetWidth()) < clickThreshold ||
-    std::fabs(this->MouseBox.GetHeight()) < clickThreshold)
+      std::fabs(this->MouseBox.GetHeight()) < clickThreshold)
   {
     const float x = this->MouseBox.GetX();
     const float y = this->MouseBox.GetY();

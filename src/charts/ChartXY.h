@@ -71,8 +71,9 @@ private:
 
   void registerLegend(const vtkSmartPointer<vtkChartLegend>& legend);
   void ensureLegendIsWithinChartViewport(vtkChartLegend& legend, const vtkRectf& rect);
-  void anchorTopRightCornerWhenLegendIsResized(
-    vtkChartLegend& legend, const std::pair<float, float>& oldDimensions, vtkRectf& rect);
+  void anchorTopRightCornerWhenLegendIsResized(vtkChartLegend& legend,
+                                               const std::pair<float, float>& oldDimensions,
+                                               vtkRectf& rect);
   // The misspelling is the name the operation is known by.
   float findNextAvaialableLegendRightEdge();
   void detectIfLegendWasMoved(LegendAndItsDimensions& entry);

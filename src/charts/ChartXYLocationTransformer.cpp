@@ -14,11 +14,12 @@ vtkVector2f ChartXYLocationTransformer::getWorldCoordinatesFromPixelLocation(
   const vtkVector2i& pixel) const
 {
   return vtkVector2f(transformPixelLocation(vtkAxis::BOTTOM, 0, pixel.GetX()),
-    transformPixelLocation(vtkAxis::LEFT, 1, pixel.GetY()));
+                     transformPixelLocation(vtkAxis::LEFT, 1, pixel.GetY()));
 }
 
-float ChartXYLocationTransformer::transformPixelLocation(
-  int axisIndex, int component, int pixel) const
+float ChartXYLocationTransformer::transformPixelLocation(int axisIndex,
+                                                         int component,
+                                                         int pixel) const
 {
   vtkAxis* axis = chart->GetAxis(axisIndex);
   const float start = axis->GetPoint1()[component];
@@ -32,5 +33,5 @@ float ChartXYLocationTransformer::getAxisUnitsPerPixel(int axisIndex, int compon
   const float start = axis->GetPoint1()[component];
   const float end = axis->GetPoint2()[component];
   return (static_cast<float>(axis->GetMaximum()) - static_cast<float>(axis->GetMinimum())) /
-    (end - start);
+         (end - start);
 }

@@ -18,8 +18,9 @@
 struct ConstraintsRegionPlot::Impl
 {
   Impl(const DataPipelineManagerInterface& pipeline,
-    boost::shared_ptr<const VariableProperty> xVariable,
-    boost::shared_ptr<const VariableProperty> yVariable, vtkSmartPointer<vtkPlot> referencePlot)
+       boost::shared_ptr<const VariableProperty> xVariable,
+       boost::shared_ptr<const VariableProperty> yVariable,
+       vtkSmartPointer<vtkPlot> referencePlot)
     : pipeline(pipeline)
     , xVariable(std::move(xVariable))
     , yVariable(std::move(yVariable))
@@ -29,13 +30,14 @@ struct ConstraintsRegionPlot::Impl
 
   // A range filter on the variable that is in effect sets the constraint; otherwise there is
   // none, and the last range is kept.
-  void readConstraint(const VariableProperty& variable, bool& hasConstraint,
-    std::pair<double, double>& range) const
+  void readConstraint(const VariableProperty& variable,
+                      bool& hasConstraint,
+                      std::pair<double, double>& range) const
   {
     const boost::shared_ptr<FilterInterface> filter = pipeline.filter(variable.value());
     const auto active = pipeline.activeFilters();
     if (filter && getFilterType(*filter) == FilterFactoryInterface::Range &&
-      std::find(active.begin(), active.end(), filter) != active.end())
+        std::find(active.begin(), active.end(), filter) != active.end())
     {
       hasConstraint = true;
       range = FilterRangeFinder(*filter).range();
@@ -75,16 +77,16 @@ vtkSmartPointer<ConstraintsRegionPlot> ConstraintsRegionPlot::New(
   return plot;
 }
 
-ConstraintsRegionPlot::ConstraintsRegionPlot(const DataPipelineManagerInterface& pipeline,
+ConstraintsRegionPlot::ConstraintsRegionPlot(
+  const DataPipelineManagerInterface& pipeline,
   const boost::shared_ptr<const VariableProperty>& xVariable,
   const boost::shared_ptr<const VariableProperty>& yVariable,
   vtkSmartPointer<vtkPlot> referencePlot)
   : d(std::make_unique<Impl>(pipeline, xVariable, yVariable, std::move(referencePlot)))
 {
   Impl* impl = d.get();
-  const auto update = [impl](const WeakPtr<Variable, unsigned long long>&) {
-    impl->updateConstraints();
-  };
+  const auto update = [impl](const WeakPtr<Variable, unsigned long long>&)
+  { impl->updateConstraints(); };
   d->connections.add(d->xVariable->connectSignalValueChanged(update));
   d->connections.add(d->yVariable->connectSignalValueChanged(update));
   d->connections.add(pipeline.connectSignalPipelineChanged([impl] { impl->updateConstraints(); }));
@@ -141,11 +143,12 @@ bool ConstraintsRegionPlot::Paint(vtkContext2D* painter)
 
   const vtkRectd shiftScale =
     d->referencePlot ? d->referencePlot->GetShiftScale() : vtkRectd(0.0, 0.0, 1.0, 1.0);
-  const auto drawRect = [&](double x, double y, double width, double height) {
+  const auto drawRect = [&](double x, double y, double width, double height)
+  {
     painter->DrawRect(static_cast<float>((x + shiftScale.GetX()) * shiftScale.GetWidth()),
-      static_cast<float>((y + shiftScale.GetY()) * shiftScale.GetHeight()),
-      static_cast<float>(width * shiftScale.GetWidth()),
-      static_cast<float>(height * shiftScale.GetHeight()));
+                      static_cast<float>((y + shiftScale.GetY()) * shiftScale.GetHeight()),
+                      static_cast<float>(width * shiftScale.GetWidth()),
+                      static_cast<float>(height * shiftScale.GetHeight()));
   };
 
   // Each band spans the whole visible range of the other axis; where an x and a y band meet the

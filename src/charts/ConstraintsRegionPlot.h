@@ -14,7 +14,7 @@ class DataPipelineManagerInterface;
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class PropertyAbstract;
 }
 
@@ -33,7 +33,8 @@ public:
   using VariableProperty = plexa::PropertyAbstract<WeakPtr<Variable, unsigned long long>>;
 
   vtkAbstractTypeMacro(ConstraintsRegionPlot, vtkPlot);
-  static vtkSmartPointer<ConstraintsRegionPlot> New(const DataPipelineManagerInterface& pipeline,
+  static vtkSmartPointer<ConstraintsRegionPlot> New(
+    const DataPipelineManagerInterface& pipeline,
     const boost::shared_ptr<const VariableProperty>& xVariable,
     const boost::shared_ptr<const VariableProperty>& yVariable,
     vtkSmartPointer<vtkPlot> referencePlot);
@@ -50,9 +51,9 @@ protected:
 
 private:
   ConstraintsRegionPlot(const DataPipelineManagerInterface& pipeline,
-    const boost::shared_ptr<const VariableProperty>& xVariable,
-    const boost::shared_ptr<const VariableProperty>& yVariable,
-    vtkSmartPointer<vtkPlot> referencePlot);
+                        const boost::shared_ptr<const VariableProperty>& xVariable,
+                        const boost::shared_ptr<const VariableProperty>& yVariable,
+                        vtkSmartPointer<vtkPlot> referencePlot);
   ConstraintsRegionPlot(const ConstraintsRegionPlot&) = delete;
   void operator=(const ConstraintsRegionPlot&) = delete;
 

@@ -2,8 +2,8 @@
 
 #include <vtkBitArray.h>
 #include <vtkCharArray.h>
-#include <vtkDataSetAttributes.h>
 #include <vtkDataArray.h>
+#include <vtkDataSetAttributes.h>
 #include <vtkDoubleArray.h>
 #include <vtkInformation.h>
 #include <vtkInformationVector.h>
@@ -63,7 +63,7 @@ inline bool isNaN(double value)
 }
 
 // Gathers the kept rows of one column into the output column, per column type.
-template <typename ArrayT>
+template<typename ArrayT>
 void gather(ArrayT& input, ArrayT& output, const std::vector<vtkIdType>& rows)
 {
   for (std::size_t out = 0; out < rows.size(); ++out)
@@ -72,7 +72,7 @@ void gather(ArrayT& input, ArrayT& output, const std::vector<vtkIdType>& rows)
   }
 }
 
-template <typename ArrayT>
+template<typename ArrayT>
 void gatherAs(vtkAbstractArray* input, vtkAbstractArray* output, const std::vector<vtkIdType>& rows)
 {
   auto* in = ArrayT::SafeDownCast(input);
@@ -84,9 +84,10 @@ void gatherAs(vtkAbstractArray* input, vtkAbstractArray* output, const std::vect
 }
 
 // Numbers are copied as a row's single value; a column of several components is not copied.
-template <typename ArrayT>
-void gatherSingleComponent(
-  vtkAbstractArray* input, vtkAbstractArray* output, const std::vector<vtkIdType>& rows)
+template<typename ArrayT>
+void gatherSingleComponent(vtkAbstractArray* input,
+                           vtkAbstractArray* output,
+                           const std::vector<vtkIdType>& rows)
 {
   auto* in = ArrayT::SafeDownCast(input);
   auto* out = ArrayT::SafeDownCast(output);
@@ -142,8 +143,9 @@ void InvalidPointsFilter::PrintSelf(ostream& os, vtkIndent indent)
   os << indent << "VariableProperties: " << variableProperties.size() << "\n";
 }
 
-int InvalidPointsFilter::RequestData(
-  vtkInformation*, vtkInformationVector** inputVector, vtkInformationVector* outputVector)
+int InvalidPointsFilter::RequestData(vtkInformation*,
+                                     vtkInformationVector** inputVector,
+                                     vtkInformationVector* outputVector)
 {
   vtkTable* input = vtkTable::GetData(inputVector[0], 0);
   vtkTable* output = vtkTable::GetData(outputVector, 0);

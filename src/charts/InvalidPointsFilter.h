@@ -35,7 +35,7 @@ public:
   {
   public:
     RelevanceDependentVariableProperty(boost::shared_ptr<VariableProperty> variable,
-      boost::shared_ptr<plexa::PropertyAbstract<bool>> relevant);
+                                       boost::shared_ptr<plexa::PropertyAbstract<bool>> relevant);
     ~RelevanceDependentVariableProperty() override;
 
   protected:
@@ -62,8 +62,9 @@ protected:
   /// A filter over the same variable properties.
   vtkObjectBase* NewInstanceInternal() const override;
 
-  int RequestData(vtkInformation* request, vtkInformationVector** inputVector,
-    vtkInformationVector* outputVector) override;
+  int RequestData(vtkInformation* request,
+                  vtkInformationVector** inputVector,
+                  vtkInformationVector* outputVector) override;
 
 private:
   explicit InvalidPointsFilter(

@@ -61,8 +61,11 @@ void resetAxisRange(vtkChart& chart, vtkAxis& axis, DataViewInterface& view)
   view.refresh();
 }
 
-bool caseIDAtPoint(vtkPlot& plot, vtkAbstractArray& idArray, const vtkVector2f& minCorner,
-  const vtkVector2f& maxCorner, unsigned long long& caseId)
+bool caseIDAtPoint(vtkPlot& plot,
+                   vtkAbstractArray& idArray,
+                   const vtkVector2f& minCorner,
+                   const vtkVector2f& maxCorner,
+                   unsigned long long& caseId)
 {
   auto saved = vtkSmartPointer<vtkIdTypeArray>::New();
   if (vtkIdTypeArray* current = plot.GetSelection())

@@ -133,8 +133,8 @@ NiceLabelRange computeNiceLabelRange(double a, double b, int N)
   result.count = truncatedCount((b - result.start) / major);
   const int altCount = truncatedCount((b - altStart) / minor);
   // The minor step wins only when strictly closer to the requested count.
-  if (altCount <= 400 &&
-    std::fabs(static_cast<double>(altCount) - N) < std::fabs(static_cast<double>(result.count) - N))
+  if (altCount <= 400 && std::fabs(static_cast<double>(altCount) - N) <
+                           std::fabs(static_cast<double>(result.count) - N))
   {
     result.start = altStart;
     result.step = minor;
@@ -162,8 +162,8 @@ namespace
 class ColorLegendTitleUpdater
 {
 public:
-  ColorLegendTitleUpdater(
-    vtkSmartPointer<vtkScalarBarActor> actor, const ColorLegend::VariableProperty& colorVariable)
+  ColorLegendTitleUpdater(vtkSmartPointer<vtkScalarBarActor> actor,
+                          const ColorLegend::VariableProperty& colorVariable)
     : actor(std::move(actor))
   {
     connections.add(colorVariable.connectSignalValueChanged(
@@ -190,8 +190,9 @@ class ColorLegendVisibilityUpdater
 {
 public:
   ColorLegendVisibilityUpdater(boost::shared_ptr<const plexa::PropertyAbstract<bool>> viewVisible,
-    boost::shared_ptr<const plexa::PropertyAbstract<bool>> show,
-    vtkSmartPointer<vtkScalarBarWidget> widget, vtkRenderWindowInteractor& interactor)
+                               boost::shared_ptr<const plexa::PropertyAbstract<bool>> show,
+                               vtkSmartPointer<vtkScalarBarWidget> widget,
+                               vtkRenderWindowInteractor& interactor)
     : visible(boost::make_shared<plexa::Property<bool>>(false))
     , viewVisible(std::move(viewVisible))
     , show(std::move(show))
@@ -240,9 +241,11 @@ struct ColorLegend::Impl
 };
 
 ColorLegend::ColorLegend(boost::shared_ptr<const VariableProperty> colorVariable,
-  boost::shared_ptr<const plexa::PropertyAbstract<bool>> viewVisible,
-  const DataPipelineManagerInterface& pipeline, vtkSmartPointer<vtkLookupTable> lookupTable,
-  vtkRenderWindowInteractor& interactor, vtkSmartPointer<vtkScalarBarWidget> widget)
+                         boost::shared_ptr<const plexa::PropertyAbstract<bool>> viewVisible,
+                         const DataPipelineManagerInterface& pipeline,
+                         vtkSmartPointer<vtkLookupTable> lookupTable,
+                         vtkRenderWindowInteractor& interactor,
+                         vtkSmartPointer<vtkScalarBarWidget> widget)
   : d(std::make_unique<Impl>())
 {
   using plexa::Property;
@@ -253,13 +256,17 @@ ColorLegend::ColorLegend(boost::shared_ptr<const VariableProperty> colorVariable
   d->rangeType = boost::make_shared<UndoablePropertyProxy<RangeType>>(
     "Color Legend Range Type", boost::make_shared<Property<RangeType>>(Auto));
   const auto [min, max] = colorVariableRange();
-  d->range = boost::make_shared<UndoablePropertyProxy<ValueRange_s<double>>>("Color Legend Range",
-    boost::make_shared<Property<ValueRange_s<double>>>(ValueRange_s<double>{ min, max },
-      boost::make_shared<plexa::ValueRangeValidator<double>>()));
+  d->range = boost::make_shared<UndoablePropertyProxy<ValueRange_s<double>>>(
+    "Color Legend Range",
+    boost::make_shared<Property<ValueRange_s<double>>>(
+      ValueRange_s<double>{ min, max }, boost::make_shared<plexa::ValueRangeValidator<double>>()));
   using Bounded = plexa::BoundedValueValidator<short>;
-  d->numLabels = boost::make_shared<UndoablePropertyProxy<short>>("Number of Labels",
-    boost::make_shared<Property<short>>(DEFAULT_NUMLABELS,
-      boost::make_shared<Bounded>(NUMLABELS_MIN, Bounded::Inclusive, NUMLABELS_MAX, Bounded::Inclusive)));
+  d->numLabels = boost::make_shared<UndoablePropertyProxy<short>>(
+    "Number of Labels",
+    boost::make_shared<Property<short>>(
+      DEFAULT_NUMLABELS,
+      boost::make_shared<Bounded>(
+        NUMLABELS_MIN, Bounded::Inclusive, NUMLABELS_MAX, Bounded::Inclusive)));
   d->lookupTable = std::move(lookupTable);
   d->widget = std::move(widget);
 
@@ -347,14 +354,15 @@ void ColorLegend::initializeRangeAndNumLabelsProperties()
 
 void ColorLegend::connectToProperties()
 {
-  d->connections.add(d->colorVariable->connectSignalValueChanged(
-    [this](const WeakPtr<Variable, unsigned long long>&) { initializeRangeAndNumLabelsProperties(); }));
+  d->connections.add(
+    d->colorVariable->connectSignalValueChanged([this](const WeakPtr<Variable, unsigned long long>&)
+                                                { initializeRangeAndNumLabelsProperties(); }));
   d->connections.add(d->colorVariable->connectSignalValueChanged(
     [this](const WeakPtr<Variable, unsigned long long>&) { updateColorLegend(); }));
   d->connections.add(
     d->rangeType->connectSignalValueChanged([this](const RangeType&) { updateColorLegend(); }));
-  d->connections.add(d->range->connectSignalValueChanged(
-    [this](const ValueRange_s<double>&) { updateColorLegend(); }));
+  d->connections.add(d->range->connectSignalValueChanged([this](const ValueRange_s<double>&)
+                                                         { updateColorLegend(); }));
   d->connections.add(
     d->numLabels->connectSignalValueChanged([this](const short&) { updateColorLegend(); }));
 }

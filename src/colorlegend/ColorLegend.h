@@ -20,7 +20,7 @@ class vtkScalarBarWidget;
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class PropertyAbstract;
 }
 
@@ -37,8 +37,9 @@ struct NiceLabelRange
 /// b - a from N down whose nice step (1, 2, 5 or 10 times a power of ten) gives at most N steps,
 /// then the candidate (that step or the next smaller nice one) whose step count is closer to N,
 /// with the last step reaching b. The span b - a must be finite.
-QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT NiceLabelRange computeNiceLabelRange(
-  double a, double b, int N);
+QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT NiceLabelRange computeNiceLabelRange(double a,
+                                                                           double b,
+                                                                           int N);
 
 /// The colour legend of a view whose points are coloured by a variable: a scalar bar (drawn with
 /// nice labels) over the view's lookup table, with four undoable settings: whether it is shown,
@@ -74,9 +75,11 @@ public:
   /// `viewVisible` tells whether the owning view is shown. The widget gets the interactor; the
   /// pipeline's changes recompute the legend.
   ColorLegend(boost::shared_ptr<const VariableProperty> colorVariable,
-    boost::shared_ptr<const plexa::PropertyAbstract<bool>> viewVisible,
-    const DataPipelineManagerInterface& pipeline, vtkSmartPointer<vtkLookupTable> lookupTable,
-    vtkRenderWindowInteractor& interactor, vtkSmartPointer<vtkScalarBarWidget> widget);
+              boost::shared_ptr<const plexa::PropertyAbstract<bool>> viewVisible,
+              const DataPipelineManagerInterface& pipeline,
+              vtkSmartPointer<vtkLookupTable> lookupTable,
+              vtkRenderWindowInteractor& interactor,
+              vtkSmartPointer<vtkScalarBarWidget> widget);
   ~ColorLegend() override;
   ColorLegend(const ColorLegend&) = delete;
   ColorLegend& operator=(const ColorLegend&) = delete;

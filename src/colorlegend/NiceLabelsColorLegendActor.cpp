@@ -86,11 +86,11 @@ void NiceLabelsColorLegendActor::LayoutTicks()
       const int pad = n <= 17 ? this->TextPad + 2 : this->TextPad;
       this->P->TickBox.Size[0] = this->P->Frame.Size[0] - this->P->ScalarBarBox.Size[0] - pad * 3;
       this->P->TickBox.Size[1] = this->P->Frame.Size[1] - this->P->TitleBox.Size[1] - 3 * pad -
-        this->VerticalTitleSeparation;
+                                 this->VerticalTitleSeparation;
       if (this->DrawNanAnnotation)
       {
-        this->P->TickBox.Size[1] = static_cast<int>(
-          this->P->TickBox.Size[1] - (this->P->NanBox.Size[1] + this->P->SwatchPad));
+        this->P->TickBox.Size[1] = static_cast<int>(this->P->TickBox.Size[1] -
+                                                    (this->P->NanBox.Size[1] + this->P->SwatchPad));
       }
       if (this->DrawBelowRangeSwatch)
       {
@@ -117,7 +117,7 @@ void NiceLabelsColorLegendActor::LayoutTicks()
     {
       this->P->TickBox.Size[1] = this->P->ScalarBarBox.Size[1];
       this->P->TickBox.Size[0] = this->P->Frame.Size[0] - this->P->ScalarBarBox.Size[0] -
-        4 * this->TextPad - this->P->TitleBox.Size[0];
+                                 4 * this->TextPad - this->P->TitleBox.Size[0];
       if (this->TextPosition == vtkScalarBarActor::PrecedeScalarBar)
       {
         this->P->TickBox.Posn[1] =
@@ -133,8 +133,12 @@ void NiceLabelsColorLegendActor::LayoutTicks()
 
     if (!this->UnconstrainedFontSize)
     {
-      vtkTextActor::SetMultipleConstrainedFontSize(this->P->Viewport, targetWidth, targetHeight,
-        this->P->TextActors.PointerArray(), n, labelSize);
+      vtkTextActor::SetMultipleConstrainedFontSize(this->P->Viewport,
+                                                   targetWidth,
+                                                   targetHeight,
+                                                   this->P->TextActors.PointerArray(),
+                                                   n,
+                                                   labelSize);
     }
 
     // The first and last labels are centred on the ends of the bar.

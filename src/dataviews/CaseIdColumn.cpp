@@ -25,7 +25,7 @@ unsigned long long widen(int value)
 // low 32 bits. For floating values outside the int range (and NaN) the cast is undefined in
 // C++; x86-64 gives INT_MIN, which is what VTK's own conversion yields on this platform, so the
 // typed path answers that without running the undefined cast.
-template <typename T>
+template<typename T>
 int toInt(T value)
 {
   if constexpr (std::is_floating_point_v<T>)
@@ -43,7 +43,7 @@ int toInt(T value)
   }
 }
 
-template <typename T>
+template<typename T>
 void convert(const T* values, vtkIdType count, int components, std::vector<unsigned long long>& out)
 {
   out.resize(static_cast<std::size_t>(count));
@@ -63,7 +63,8 @@ unsigned long long caseIdAt(vtkAbstractArray& column, vtkIdType index)
     const vtkIdType value = index * data->GetNumberOfComponents();
     switch (data->GetDataType())
     {
-      vtkTemplateMacro(return widen(toInt(static_cast<const VTK_TT*>(data->GetVoidPointer(0))[value])));
+      vtkTemplateMacro(
+        return widen(toInt(static_cast<const VTK_TT*>(data->GetVoidPointer(0))[value])));
     }
   }
   return widen(column.GetVariantValue(index).ToInt());
@@ -78,9 +79,11 @@ std::vector<unsigned long long> allCaseIds(vtkAbstractArray& column)
   {
     switch (data->GetDataType())
     {
-      vtkTemplateMacro(convert(static_cast<const VTK_TT*>(data->GetVoidPointer(0)), count,
-        data->GetNumberOfComponents(), ids);
-        return ids);
+      vtkTemplateMacro(convert(static_cast<const VTK_TT*>(data->GetVoidPointer(0)),
+                               count,
+                               data->GetNumberOfComponents(),
+                               ids);
+                       return ids);
     }
   }
   ids.reserve(static_cast<std::size_t>(count));
@@ -104,7 +107,8 @@ void RowIndex::refresh(vtkTable& table)
   indexedTime = time;
   idOfRow = column ? allCaseIds(*column) : std::vector<unsigned long long>();
   // A column may be longer than the table says; only the table's rows count.
-  idOfRow.resize(std::min<std::size_t>(idOfRow.size(), static_cast<std::size_t>(table.GetNumberOfRows())));
+  idOfRow.resize(
+    std::min<std::size_t>(idOfRow.size(), static_cast<std::size_t>(table.GetNumberOfRows())));
   rowsById.resize(idOfRow.size());
   for (std::size_t row = 0; row < idOfRow.size(); ++row)
   {
@@ -121,7 +125,8 @@ void RowIndex::refresh(vtkTable& table)
     {
       denseIndex.assign(static_cast<std::size_t>(span) + 1, -1);
       for (std::size_t i = rowsById.size(); i-- > 0;)
-        denseIndex[static_cast<std::size_t>(rowsById[i].first - firstId)] = static_cast<std::int64_t>(i);
+        denseIndex[static_cast<std::size_t>(rowsById[i].first - firstId)] =
+          static_cast<std::int64_t>(i);
     }
   }
 }
@@ -144,7 +149,8 @@ std::vector<vtkIdType> RowIndex::rowsOf(vtkTable& table, const std::set<unsigned
   // id, and then that is row order already; otherwise the rows are marked and collected in row
   // order in one pass, rather than sorted.
   rows.reserve(std::min(ids.size(), rowsById.size()));
-  const auto collectFrom = [&](std::size_t position, unsigned long long id) {
+  const auto collectFrom = [&](std::size_t position, unsigned long long id)
+  {
     for (; position < rowsById.size() && rowsById[position].first == id; ++position)
       rows.push_back(rowsById[position].second);
   };

@@ -24,7 +24,8 @@ struct DataView2DSelectionSynchronizer::Indexes
   caseids::RowIndex& of(vtkPlot* plot) { return byPlot[plot]; }
 };
 
-DataView2DSelectionSynchronizer::DataView2DSelectionSynchronizer(vtkSmartPointer<vtkChart> chart,
+DataView2DSelectionSynchronizer::DataView2DSelectionSynchronizer(
+  vtkSmartPointer<vtkChart> chart,
   vtkSmartPointer<vtkRenderWindowInteractor> interactor,
   boost::shared_ptr<PlotSelectionModel> model)
   : chart(std::move(chart))
@@ -66,7 +67,7 @@ void DataView2DSelectionSynchronizer::setPlotsToSynchronize(
 bool DataView2DSelectionSynchronizer::plotShouldBeSynchronized(vtkSmartPointer<vtkPlot> plot) const
 {
   return std::find(plotsToSynchronize.begin(), plotsToSynchronize.end(), plot) !=
-    plotsToSynchronize.end();
+         plotsToSynchronize.end();
 }
 
 void DataView2DSelectionSynchronizer::updateChartSelections()

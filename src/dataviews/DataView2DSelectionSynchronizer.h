@@ -40,8 +40,8 @@ public:
 
   /// Starts live: observes the chart and the model, and selects the master's cases at once.
   DataView2DSelectionSynchronizer(vtkSmartPointer<vtkChart> chart,
-    vtkSmartPointer<vtkRenderWindowInteractor> interactor,
-    boost::shared_ptr<PlotSelectionModel> model);
+                                  vtkSmartPointer<vtkRenderWindowInteractor> interactor,
+                                  boost::shared_ptr<PlotSelectionModel> model);
   ~DataView2DSelectionSynchronizer() override;
   DataView2DSelectionSynchronizer(const DataView2DSelectionSynchronizer&) = delete;
   DataView2DSelectionSynchronizer& operator=(const DataView2DSelectionSynchronizer&) = delete;

@@ -9,7 +9,7 @@
 #include <stdexcept>
 
 DataViewAbstract::DataViewAbstract(std::unique_ptr<SerializerInterface> serializer,
-  boost::shared_ptr<SelectionModelInterface> selectionModel)
+                                   boost::shared_ptr<SelectionModelInterface> selectionModel)
   : ownedSerializer(std::move(serializer))
   , selectionModel(std::move(selectionModel))
   , mouseModeProperty(boost::make_shared<plexa::Property<MouseMode>>())

@@ -8,7 +8,7 @@ class SelectionModelInterface;
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class Property;
 }
 
@@ -23,7 +23,7 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT DataViewAbstract : public virtual Da
 {
 public:
   DataViewAbstract(std::unique_ptr<SerializerInterface> serializer,
-    boost::shared_ptr<SelectionModelInterface> selectionModel);
+                   boost::shared_ptr<SelectionModelInterface> selectionModel);
   DataViewAbstract(DataViewAbstract& other);
   DataViewAbstract& operator=(DataViewAbstract& other);
   ~DataViewAbstract() override;

@@ -12,7 +12,7 @@ class SerializerInterface;
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class PropertyAbstract;
 }
 

@@ -3,7 +3,7 @@
 #include <vtkRenderWindowInteractor.h>
 
 PlotSelectionModel::PlotSelectionModel(vtkSmartPointer<vtkRenderWindowInteractor> interactor,
-  boost::shared_ptr<SelectionModelInterface> master)
+                                       boost::shared_ptr<SelectionModelInterface> master)
   : interactor(std::move(interactor))
   , masterSelectionModel(std::move(master))
 {

@@ -14,11 +14,12 @@ class vtkRenderWindowInteractor;
 /// interactor. Without it the selection replaces the master's; with it, a single case toggles
 /// and several cases are added. The model keeps no selection of its own, and relays every
 /// change of the master as its own selection-changed signal.
-class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT PlotSelectionModel : public virtual SelectionModelInterface
+class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT PlotSelectionModel
+  : public virtual SelectionModelInterface
 {
 public:
   PlotSelectionModel(vtkSmartPointer<vtkRenderWindowInteractor> interactor,
-    boost::shared_ptr<SelectionModelInterface> master);
+                     boost::shared_ptr<SelectionModelInterface> master);
   ~PlotSelectionModel() override;
 
   /// The master's selection.

@@ -10,7 +10,8 @@
 SelectionConverterInterface::~SelectionConverterInterface() = default;
 
 TableViewSelectionSynchronizer::TableViewSelectionSynchronizer(
-  boost::shared_ptr<SelectionModelInterface> master, QTableView& view,
+  boost::shared_ptr<SelectionModelInterface> master,
+  QTableView& view,
   boost::shared_ptr<SelectionConverterInterface> converter)
   : QObject(nullptr)
   , masterSelectionModel(std::move(master))
@@ -18,14 +19,14 @@ TableViewSelectionSynchronizer::TableViewSelectionSynchronizer(
   , converter(std::move(converter))
 {
   QPalette palette = tableView->palette();
-  palette.setColor(QPalette::Inactive, QPalette::Highlight,
-    palette.color(QPalette::Active, QPalette::Highlight));
+  palette.setColor(
+    QPalette::Inactive, QPalette::Highlight, palette.color(QPalette::Active, QPalette::Highlight));
   tableView->setPalette(palette);
 
   if (QItemSelectionModel* selection = tableView->selectionModel())
   {
     selection->select(this->converter->selectionFromCaseIDs(masterSelectionModel->getSelections()),
-      QItemSelectionModel::ClearAndSelect);
+                      QItemSelectionModel::ClearAndSelect);
   }
   beginLocalSelectionMonitoring();
   beginMasterSelectionMonitoring();
@@ -48,8 +49,10 @@ void TableViewSelectionSynchronizer::beginLocalSelectionMonitoring()
 {
   if (QItemSelectionModel* selection = tableView->selectionModel())
   {
-    connect(selection, &QItemSelectionModel::selectionChanged, this,
-      &TableViewSelectionSynchronizer::onLocalSelectionChanged);
+    connect(selection,
+            &QItemSelectionModel::selectionChanged,
+            this,
+            &TableViewSelectionSynchronizer::onLocalSelectionChanged);
   }
 }
 
@@ -112,14 +115,18 @@ SelectionBroadcaster::SelectionBroadcaster(const QItemSelectionModel& model)
   , lastSelection(model.selectedIndexes())
   , itemSelectionModel(&model)
 {
-  connect(&model, &QItemSelectionModel::selectionChanged, this,
-    &SelectionBroadcaster::selectionChanged);
+  connect(
+    &model, &QItemSelectionModel::selectionChanged, this, &SelectionBroadcaster::selectionChanged);
   if (const QAbstractItemModel* items = model.model())
   {
-    connect(items, &QAbstractItemModel::modelReset, this,
-      &SelectionBroadcaster::signalIfSelectionChanged);
-    connect(items, &QAbstractItemModel::layoutChanged, this,
-      &SelectionBroadcaster::signalIfSelectionChanged);
+    connect(items,
+            &QAbstractItemModel::modelReset,
+            this,
+            &SelectionBroadcaster::signalIfSelectionChanged);
+    connect(items,
+            &QAbstractItemModel::layoutChanged,
+            this,
+            &SelectionBroadcaster::signalIfSelectionChanged);
   }
 }
 

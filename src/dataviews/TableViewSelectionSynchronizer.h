@@ -31,7 +31,8 @@ public:
   /// Shows the master's selection in the view at once (replacing the view's own), and keeps the
   /// selection's highlight colour while the view has no focus.
   TableViewSelectionSynchronizer(boost::shared_ptr<SelectionModelInterface> master,
-    QTableView& view, boost::shared_ptr<SelectionConverterInterface> converter);
+                                 QTableView& view,
+                                 boost::shared_ptr<SelectionConverterInterface> converter);
   ~TableViewSelectionSynchronizer() override;
 
   void suspend() override;

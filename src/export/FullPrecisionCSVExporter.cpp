@@ -14,8 +14,8 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <future>
 #include <memory>
@@ -70,7 +70,7 @@ private:
   std::size_t used = 0;
 };
 
-template <typename T>
+template<typename T>
 void appendNumber(OutputBuffer& out, T value)
 {
   if constexpr (std::is_floating_point_v<T>)
@@ -110,7 +110,7 @@ public:
   virtual void append(OutputBuffer& out, vtkIdType row) const = 0;
 };
 
-template <typename T>
+template<typename T>
 class NumberColumn : public ColumnWriter
 {
 public:
@@ -241,7 +241,7 @@ public:
   {
     static std::atomic<unsigned> counter{ 0 };
     const std::string name = "." + destination.filename().string() + ".tmp-" +
-      std::to_string(::getpid()) + "-" + std::to_string(counter++);
+                             std::to_string(::getpid()) + "-" + std::to_string(counter++);
     path = destination.parent_path() / name;
   }
   ~TemporaryFile()
@@ -274,7 +274,7 @@ namespace
 {
 
 // Runs a formatting step into a string.
-template <typename F>
+template<typename F>
 std::string formatted(F&& write)
 {
   std::string text;
@@ -306,10 +306,12 @@ void FullPrecisionCSVExporter::writeCSVFile(vtkTable& table, const std::string& 
   if (!file)
     throw CSVExportError("cannot export to \"" + path + "\": " + errnoText());
 
-  OutputBuffer out([&](const char* data, std::size_t size) {
-    if (std::fwrite(data, 1, size, file.get()) != size)
-      throw CSVExportError("cannot export to \"" + path + "\": " + errnoText());
-  });
+  OutputBuffer out(
+    [&](const char* data, std::size_t size)
+    {
+      if (std::fwrite(data, 1, size, file.get()) != size)
+        throw CSVExportError("cannot export to \"" + path + "\": " + errnoText());
+    });
 
   std::vector<std::unique_ptr<ColumnWriter>> writers;
   // A column shorter than the table (which a hand-made table can have) gets empty fields for
@@ -340,7 +342,8 @@ void FullPrecisionCSVExporter::writeCSVFile(vtkTable& table, const std::string& 
   // written in order as they complete; at most a few blocks are held at once.
   const vtkIdType rows = table.GetNumberOfRows();
   const vtkIdType blockRows = 1 << 15;
-  const auto formatBlock = [&](vtkIdType first, vtkIdType last) {
+  const auto formatBlock = [&](vtkIdType first, vtkIdType last)
+  {
     std::string text;
     OutputBuffer block([&](const char* data, std::size_t size) { text.append(data, size); });
     for (vtkIdType row = first; row < last; ++row)
@@ -361,14 +364,16 @@ void FullPrecisionCSVExporter::writeCSVFile(vtkTable& table, const std::string& 
     block.drain();
     return text;
   };
-  const auto write = [&](const std::string& text) {
+  const auto write = [&](const std::string& text)
+  {
     if (!text.empty() && std::fwrite(text.data(), 1, text.size(), file.get()) != text.size())
       throw CSVExportError("cannot export to \"" + path + "\": " + errnoText());
   };
   std::deque<std::future<std::string>> pending;
   for (vtkIdType first = 0; first < rows; first += blockRows)
   {
-    pending.push_back(std::async(std::launch::async, formatBlock, first, std::min(rows, first + blockRows)));
+    pending.push_back(
+      std::async(std::launch::async, formatBlock, first, std::min(rows, first + blockRows)));
     if (pending.size() > 2)
     {
       write(pending.front().get());

@@ -6,8 +6,8 @@
 
 #include <fstream>
 
-bool SurrogateModelCSVExporter::writeCSVFile(
-  vtkSmartPointer<vtkTableAlgorithm> algorithm, const std::string& path) const
+bool SurrogateModelCSVExporter::writeCSVFile(vtkSmartPointer<vtkTableAlgorithm> algorithm,
+                                             const std::string& path) const
 {
   {
     std::ofstream probe(path);

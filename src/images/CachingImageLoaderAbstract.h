@@ -18,7 +18,7 @@
 /// image() holds the loader's mutex for the whole request, production included, so concurrent
 /// requests to one loader are served one after another and a produceImage must never call back
 /// into the same loader. File names are compared as exact byte strings.
-template <typename EntryT>
+template<typename EntryT>
 class CachingImageLoaderAbstract : public virtual ImageFileLoaderInterface
 {
 public:
@@ -51,7 +51,7 @@ protected:
   }
 
   /// Runs f with the loader's mutex held, for state that production reads.
-  template <typename F>
+  template<typename F>
   auto withLock(F&& f) const
   {
     std::lock_guard<std::mutex> lock(mutex);

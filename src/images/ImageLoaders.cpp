@@ -71,8 +71,7 @@ std::shared_ptr<QImage> ImageCache::Impl::produceImage(const std::string& fileNa
   QImageReader reader(path);
   const QSize declared = reader.size();
   const long long budget = pixelBudget();
-  if (declared.isValid() &&
-    static_cast<long long>(declared.width()) * declared.height() > budget)
+  if (declared.isValid() && static_cast<long long>(declared.width()) * declared.height() > budget)
   {
     return image;
   }
@@ -103,8 +102,8 @@ std::shared_ptr<QImage> ImageCacheClient::produceImage(const std::string& fileNa
 // ---------------------------------------------------------------------------------------------
 // ScalingImageLoader
 
-ScalingImageLoader::ScalingImageLoader(
-  std::shared_ptr<ImageFileLoaderInterface> source, const QSize& size)
+ScalingImageLoader::ScalingImageLoader(std::shared_ptr<ImageFileLoaderInterface> source,
+                                       const QSize& size)
   : source(std::move(source))
   , targetSize(-1, -1)
 {
@@ -115,13 +114,15 @@ ScalingImageLoader::~ScalingImageLoader() = default;
 
 void ScalingImageLoader::setSize(const QSize& size)
 {
-  withLock([&] {
-    if (size != targetSize)
+  withLock(
+    [&]
     {
-      targetSize = size;
-      clearWhileLocked();
-    }
-  });
+      if (size != targetSize)
+      {
+        targetSize = size;
+        clearWhileLocked();
+      }
+    });
 }
 
 QSize ScalingImageLoader::size() const
@@ -155,7 +156,7 @@ QImage ImageDecorator::decorate(QImage image) const
   }
   // QPainter cannot paint on indexed or monochrome images.
   if (image.format() == QImage::Format_Indexed8 || image.format() == QImage::Format_Mono ||
-    image.format() == QImage::Format_MonoLSB)
+      image.format() == QImage::Format_MonoLSB)
   {
     image = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
   }

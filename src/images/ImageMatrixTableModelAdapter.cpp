@@ -9,7 +9,8 @@
 #include <QImage>
 #include <boost/format.hpp>
 
-ImageMatrixTableModelAdapter::ImageMatrixTableModelAdapter(std::shared_ptr<ImageTableModel> grid,
+ImageMatrixTableModelAdapter::ImageMatrixTableModelAdapter(
+  std::shared_ptr<ImageTableModel> grid,
   std::shared_ptr<ImageFileLoaderInterface> loader,
   std::shared_ptr<ImageMatrixViewProperties> properties)
   : imageGrid(std::move(grid))
@@ -17,19 +18,24 @@ ImageMatrixTableModelAdapter::ImageMatrixTableModelAdapter(std::shared_ptr<Image
   , properties(std::move(properties))
 {
   // The grid has changed by the time it signals; the reset only tells the views to read again.
-  connections.add(imageGrid->connectSignalModelReset([this] {
-    beginResetModel();
-    endResetModel();
-  }));
-  const auto labelsChanged = [this] {
+  connections.add(imageGrid->connectSignalModelReset(
+    [this]
+    {
+      beginResetModel();
+      endResetModel();
+    }));
+  const auto labelsChanged = [this]
+  {
     if (rowCount() > 0 && columnCount() > 0)
     {
-      Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1),
-        { Qt::DisplayRole, Qt::ToolTipRole });
+      Q_EMIT dataChanged(index(0, 0),
+                         index(rowCount() - 1, columnCount() - 1),
+                         { Qt::DisplayRole, Qt::ToolTipRole });
     }
   };
   connections.add(this->properties->showLabels()->connectSignalPropertyChanged(labelsChanged));
-  connections.add(this->properties->variablesInLabel()->connectSignalPropertyChanged(labelsChanged));
+  connections.add(
+    this->properties->variablesInLabel()->connectSignalPropertyChanged(labelsChanged));
 }
 
 ImageMatrixTableModelAdapter::~ImageMatrixTableModelAdapter()
@@ -96,7 +102,8 @@ QString ImageMatrixTableModelAdapter::toolTip(const QModelIndex& index) const
       .str();
   if (files.size() > 1)
   {
-    text += (boost::format("\n%1% additional image(s) at this location.") % (files.size() - 1)).str();
+    text +=
+      (boost::format("\n%1% additional image(s) at this location.") % (files.size() - 1)).str();
   }
   return QString::fromStdString(text);
 }
@@ -126,8 +133,9 @@ QVariant ImageMatrixTableModelAdapter::data(const QModelIndex& index, int role) 
   }
 }
 
-QVariant ImageMatrixTableModelAdapter::headerData(
-  int section, Qt::Orientation orientation, int role) const
+QVariant ImageMatrixTableModelAdapter::headerData(int section,
+                                                  Qt::Orientation orientation,
+                                                  int role) const
 {
   if (role != Qt::DisplayRole || section < 0)
   {

@@ -18,14 +18,15 @@ class ImageTableModel;
 /// label when labels are shown, and a tool tip naming the case, the file and the further images
 /// of the cell. Header texts are the axis values. The model resets whenever the grid rebuilds;
 /// label settings change captions and tool tips in place.
-class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT ImageMatrixTableModelAdapter : public QAbstractTableModel
+class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT ImageMatrixTableModelAdapter
+  : public QAbstractTableModel
 {
   Q_OBJECT
 
 public:
   ImageMatrixTableModelAdapter(std::shared_ptr<ImageTableModel> grid,
-    std::shared_ptr<ImageFileLoaderInterface> loader,
-    std::shared_ptr<ImageMatrixViewProperties> properties);
+                               std::shared_ptr<ImageFileLoaderInterface> loader,
+                               std::shared_ptr<ImageMatrixViewProperties> properties);
   ~ImageMatrixTableModelAdapter() override;
 
   int rowCount(const QModelIndex& parent = QModelIndex()) const override;

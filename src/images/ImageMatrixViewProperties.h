@@ -36,8 +36,8 @@ public:
   virtual boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> rowVar() const;
   virtual boost::shared_ptr<plexa::PropertyAbstract<RowColumnDimensionBy>> dimensionRowsBy() const;
   virtual boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> columnVar() const;
-  virtual boost::shared_ptr<plexa::PropertyAbstract<RowColumnDimensionBy>>
-  dimensionColumnsBy() const;
+  virtual boost::shared_ptr<plexa::PropertyAbstract<RowColumnDimensionBy>> dimensionColumnsBy()
+    const;
   virtual boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> pageVar() const;
   virtual boost::shared_ptr<plexa::PropertyAbstract<Variant>> pageValue() const;
   virtual boost::shared_ptr<plexa::PropertyAbstract<PageDimensionBy>> dimensionPagesBy() const;

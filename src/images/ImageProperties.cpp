@@ -37,7 +37,10 @@ public:
   }
 
 protected:
-  void storeValue(const TagGroups& groups) override { Property::storeValue(withoutRepeats(groups)); }
+  void storeValue(const TagGroups& groups) override
+  {
+    Property::storeValue(withoutRepeats(groups));
+  }
 
 private:
   static TagGroups withoutRepeats(const TagGroups& groups)
@@ -53,9 +56,10 @@ private:
   }
 };
 
-template <typename T>
+template<typename T>
 boost::shared_ptr<plexa::UndoablePropertyProxy<T>> undoable(
-  const std::string& name, boost::shared_ptr<plexa::PropertyAbstract<T>> target)
+  const std::string& name,
+  boost::shared_ptr<plexa::PropertyAbstract<T>> target)
 {
   return boost::make_shared<plexa::UndoablePropertyProxy<T>>(name, std::move(target));
 }
@@ -114,22 +118,23 @@ ImageViewProperties::ImageViewProperties()
   const auto project = Project::project();
   d->showLabels = undoable<bool>("Show Labels", boost::make_shared<Property<bool>>(false));
   // Captions are off at first; when switched on they show the inputs the study varied.
-  d->variablesInLabel = undoable<std::vector<WeakPtr<Variable>>>("Variables In Label",
+  d->variablesInLabel = undoable<std::vector<WeakPtr<Variable>>>(
+    "Variables In Label",
     boost::make_shared<Property<std::vector<WeakPtr<Variable>>>>(discreteVariables(*project, 3)));
   // Every tag group is of interest at first, so tag-dimensioned axes show every image kind.
   d->tagGroupsToShow = undoable<TagGroups>(
     "Tag Groups to Show", boost::make_shared<TagGroupsToShowProperty>(project->tagGroups()));
   d->tagsToShow = undoable<std::vector<std::string>>(
     "Tags to Show", boost::make_shared<Property<std::vector<std::string>>>());
-  d->zoom = undoable<unsigned long long>(
-    "Zoom", boost::make_shared<Property<unsigned long long>>(25ULL));
+  d->zoom =
+    undoable<unsigned long long>("Zoom", boost::make_shared<Property<unsigned long long>>(25ULL));
   d->zoom->setMergeId(UndoStack().nextUndoID());
   d->allTagsToShow = boost::make_shared<Property<std::vector<std::string>>>();
   d->updateAllTagsToShow();
 
   Impl* impl = d.get();
-  d->connections.add(
-    d->tagGroupsToShow->connectSignalValueChanged([impl](const TagGroups&) { impl->updateAllTagsToShow(); }));
+  d->connections.add(d->tagGroupsToShow->connectSignalValueChanged(
+    [impl](const TagGroups&) { impl->updateAllTagsToShow(); }));
   d->connections.add(d->tagsToShow->connectSignalValueChanged(
     [impl](const std::vector<std::string>&) { impl->updateAllTagsToShow(); }));
 }
@@ -209,8 +214,10 @@ ImageMatrixViewProperties::ImageMatrixViewProperties()
 {
   using plexa::Property;
   AxisVariableProvider provider(Project::project()->variables());
-  const auto variable = [](const std::string& name, const WeakPtr<Variable>& initial) {
-    return undoable<WeakPtr<Variable>>(name, boost::make_shared<Property<WeakPtr<Variable>>>(initial));
+  const auto variable = [](const std::string& name, const WeakPtr<Variable>& initial)
+  {
+    return undoable<WeakPtr<Variable>>(name,
+                                       boost::make_shared<Property<WeakPtr<Variable>>>(initial));
   };
   d->columnVar = variable("Column Variable", provider.next(Variable::Discrete));
   d->dimensionColumnsBy = undoable<RowColumnDimensionBy>(
@@ -226,7 +233,8 @@ ImageMatrixViewProperties::ImageMatrixViewProperties()
 
 ImageMatrixViewProperties::~ImageMatrixViewProperties() = default;
 
-boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ImageMatrixViewProperties::rowVar() const
+boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ImageMatrixViewProperties::rowVar()
+  const
 {
   return d->rowVar;
 }
@@ -237,8 +245,8 @@ ImageMatrixViewProperties::dimensionRowsBy() const
   return d->dimensionRowsBy;
 }
 
-boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>>
-ImageMatrixViewProperties::columnVar() const
+boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ImageMatrixViewProperties::columnVar()
+  const
 {
   return d->columnVar;
 }
@@ -249,8 +257,8 @@ ImageMatrixViewProperties::dimensionColumnsBy() const
   return d->dimensionColumnsBy;
 }
 
-boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>>
-ImageMatrixViewProperties::pageVar() const
+boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ImageMatrixViewProperties::pageVar()
+  const
 {
   return d->pageVar;
 }
@@ -272,7 +280,8 @@ ImageMatrixViewProperties::dimensionPagesBy() const
 LabelMaker::~LabelMaker() = default;
 
 std::string LabelMaker::label(const std::vector<WeakPtr<Variable>>& variables,
-  const Record& record, const std::string& separator) const
+                              const Record& record,
+                              const std::string& separator) const
 {
   std::string text;
   for (std::size_t i = 0; i < variables.size(); ++i)

@@ -62,9 +62,11 @@ std::vector<Variant> valuesOf(const Variable& variable, const std::vector<Record
   return values;
 }
 
-Axis layoutAxis(Dimension dimension, const WeakPtr<Variable>& handle,
-  const std::vector<std::string>& tags, const std::vector<Record>& records,
-  std::vector<Variant>& recordValues)
+Axis layoutAxis(Dimension dimension,
+                const WeakPtr<Variable>& handle,
+                const std::vector<std::string>& tags,
+                const std::vector<Record>& records,
+                std::vector<Variant>& recordValues)
 {
   Axis axis;
   if (dimension == ImageMatrixViewProperties::ByTag)
@@ -110,7 +112,6 @@ void entriesOf(const Axis& axis, const Variant& value, std::vector<int>& entries
   }
 }
 
-
 const std::set<unsigned long long> noCases;
 
 } // namespace
@@ -136,7 +137,7 @@ struct ImageTableModel::Impl
   std::size_t cellIndex(int row, int column) const
   {
     return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns.size()) +
-      static_cast<std::size_t>(column);
+           static_cast<std::size_t>(column);
   }
 
   void build()
@@ -166,7 +167,8 @@ struct ImageTableModel::Impl
     if (pages == ImageMatrixViewProperties::PageByTag)
       pageTag = pageValue.toString();
 
-    cells.assign(static_cast<std::size_t>(rows.size()) * static_cast<std::size_t>(columns.size()), {});
+    cells.assign(static_cast<std::size_t>(rows.size()) * static_cast<std::size_t>(columns.size()),
+                 {});
     files.assign(cells.size(), std::nullopt);
     // One pass over the cases, each put into its cells; the cases come in ascending order, so
     // each set is filled at its end.
@@ -175,7 +177,8 @@ struct ImageTableModel::Impl
     for (std::size_t i = 0; i < records.size(); ++i)
     {
       const Record& record = records[i];
-      if (pages == ImageMatrixViewProperties::PageByVariable && record.data(pageVariable) != pageValue)
+      if (pages == ImageMatrixViewProperties::PageByVariable &&
+          record.data(pageVariable) != pageValue)
         continue;
       const unsigned long long id = record.caseId();
       if (rows.byTag && columns.byTag)
@@ -213,7 +216,7 @@ struct ImageTableModel::Impl
       {
         const AuxFile file = handle.lock();
         if ((rows.byTag && !file.hasTag(rowTagText)) ||
-          (columns.byTag && !file.hasTag(columnTagText)) || (pageTag && !file.hasTag(*pageTag)))
+            (columns.byTag && !file.hasTag(columnTagText)) || (pageTag && !file.hasTag(*pageTag)))
         {
           continue;
         }
@@ -224,8 +227,8 @@ struct ImageTableModel::Impl
   }
 };
 
-ImageTableModel::ImageTableModel(
-  vtkSmartPointer<vtkTableAlgorithm> input, std::shared_ptr<ImageMatrixViewProperties> properties)
+ImageTableModel::ImageTableModel(vtkSmartPointer<vtkTableAlgorithm> input,
+                                 std::shared_ptr<ImageMatrixViewProperties> properties)
   : d(std::make_unique<Impl>())
 {
   d->input = std::move(input);

@@ -37,7 +37,7 @@ public:
   using ModelResetSignal = boost::signals2::signal<void()>;
 
   ImageTableModel(vtkSmartPointer<vtkTableAlgorithm> input,
-    std::shared_ptr<ImageMatrixViewProperties> properties);
+                  std::shared_ptr<ImageMatrixViewProperties> properties);
   ~ImageTableModel() override;
   ImageTableModel(const ImageTableModel&) = delete;
   ImageTableModel& operator=(const ImageTableModel&) = delete;
@@ -64,7 +64,8 @@ public:
   std::string columnTitle(int i) const;
 
   /// Fires after every rebuild.
-  boost::signals2::connection connectSignalModelReset(const ModelResetSignal::slot_type& slot) const;
+  boost::signals2::connection connectSignalModelReset(
+    const ModelResetSignal::slot_type& slot) const;
 
   /// Rebuilds now (normally done by the notifications).
   void rebuild();

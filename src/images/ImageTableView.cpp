@@ -81,8 +81,8 @@ struct ImageTableView::Impl
   }
 
   // The axis titles: the variable's name, "Tags" for a tag axis, nothing for a single entry.
-  static QString axisTitle(
-    ImageMatrixViewProperties::RowColumnDimensionBy mode, const WeakPtr<Variable>& variable)
+  static QString axisTitle(ImageMatrixViewProperties::RowColumnDimensionBy mode,
+                           const WeakPtr<Variable>& variable)
   {
     if (mode == ImageMatrixViewProperties::ByTag)
       return "Tags";
@@ -91,7 +91,8 @@ struct ImageTableView::Impl
 
   void gridRebuilt()
   {
-    rowHeader->setText(axisTitle(properties->dimensionRowsBy()->value(), properties->rowVar()->value()));
+    rowHeader->setText(
+      axisTitle(properties->dimensionRowsBy()->value(), properties->rowVar()->value()));
     columnHeader->setText(
       axisTitle(properties->dimensionColumnsBy()->value(), properties->columnVar()->value()));
     resizeCells();
@@ -121,20 +122,24 @@ struct ImageTableView::Impl
 };
 
 ImageTableView::ImageTableView(QWidget& parent,
-  std::shared_ptr<const DataPipelineManagerInterface> pipeline,
-  boost::shared_ptr<SelectionModelInterface> selectionModel,
-  std::shared_ptr<ImageFileLoaderInterface> loader,
-  std::shared_ptr<ImageMatrixViewProperties> properties)
-  : ImageTableView(parent, pipeline->output(), std::move(selectionModel), std::move(loader),
-      std::move(properties))
+                               std::shared_ptr<const DataPipelineManagerInterface> pipeline,
+                               boost::shared_ptr<SelectionModelInterface> selectionModel,
+                               std::shared_ptr<ImageFileLoaderInterface> loader,
+                               std::shared_ptr<ImageMatrixViewProperties> properties)
+  : ImageTableView(parent,
+                   pipeline->output(),
+                   std::move(selectionModel),
+                   std::move(loader),
+                   std::move(properties))
 {
   d->pipeline = std::move(pipeline);
 }
 
-ImageTableView::ImageTableView(QWidget& parent, vtkSmartPointer<vtkTableAlgorithm> input,
-  boost::shared_ptr<SelectionModelInterface> selectionModel,
-  std::shared_ptr<ImageFileLoaderInterface> loader,
-  std::shared_ptr<ImageMatrixViewProperties> properties)
+ImageTableView::ImageTableView(QWidget& parent,
+                               vtkSmartPointer<vtkTableAlgorithm> input,
+                               boost::shared_ptr<SelectionModelInterface> selectionModel,
+                               std::shared_ptr<ImageFileLoaderInterface> loader,
+                               std::shared_ptr<ImageMatrixViewProperties> properties)
   : QWidget(&parent)
   , d(std::make_unique<Impl>())
 {
@@ -142,7 +147,8 @@ ImageTableView::ImageTableView(QWidget& parent, vtkSmartPointer<vtkTableAlgorith
   d->input = std::move(input);
   d->selectionModel = std::move(selectionModel);
   d->source = std::move(loader);
-  d->properties = properties ? std::move(properties) : std::make_shared<ImageMatrixViewProperties>();
+  d->properties =
+    properties ? std::move(properties) : std::make_shared<ImageMatrixViewProperties>();
   const QSize size = zoomLevelToImageSize(d->properties->zoom()->value());
   d->loader = std::make_shared<ScalingImageLoader>(d->source, size);
   d->grid = std::make_shared<ImageTableModel>(d->input, d->properties);
@@ -155,18 +161,21 @@ ImageTableView::ImageTableView(QWidget& parent, vtkSmartPointer<vtkTableAlgorith
   d->table->setImageDelegate(d->delegate);
   d->table->setModel(d->adapter.get());
 
-  d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(d->selectionModel, *d->table,
+  d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
+    d->selectionModel,
+    *d->table,
     boost::make_shared<ImageViewSelectionConverter>(d->grid, *d->adapter));
   d->broadcaster = std::make_unique<SelectionBroadcaster>(*d->table->selectionModel());
   Impl* impl = d.get();
-  d->connections.add(
-    d->broadcaster->connectSignalSelectedImagesChanged([impl] { impl->signalSelectedImagesChanged(); }));
+  d->connections.add(d->broadcaster->connectSignalSelectedImagesChanged(
+    [impl] { impl->signalSelectedImagesChanged(); }));
   d->connections.add(d->properties->zoom()->connectSignalValueChanged(
     [impl](const unsigned long long& zoom) { impl->applyZoom(zoom); }));
   d->connections.add(d->grid->connectSignalModelReset([impl] { impl->gridRebuilt(); }));
   const auto captionsChanged = [impl] { impl->resizeCells(); };
   d->connections.add(d->properties->showLabels()->connectSignalPropertyChanged(captionsChanged));
-  d->connections.add(d->properties->variablesInLabel()->connectSignalPropertyChanged(captionsChanged));
+  d->connections.add(
+    d->properties->variablesInLabel()->connectSignalPropertyChanged(captionsChanged));
   d->gridRebuilt();
 }
 
@@ -261,9 +270,8 @@ void ImageTableView::scrollPositions(int& horizontal, int& vertical) const
 
 void ImageTableView::setScrollPositions(int horizontal, int vertical)
 {
-  for (auto [bar, position] :
-    { std::make_pair(d->table->horizontalScrollBar(), horizontal),
-      std::make_pair(d->table->verticalScrollBar(), vertical) })
+  for (auto [bar, position] : { std::make_pair(d->table->horizontalScrollBar(), horizontal),
+                                std::make_pair(d->table->verticalScrollBar(), vertical) })
   {
     if (position > bar->maximum())
       bar->setMaximum(position);

@@ -45,15 +45,17 @@ public:
   using SelectedImagesChangedSignal = boost::signals2::signal<void()>;
 
   /// A view over the pipeline's output. `properties` may be null: the view makes its own.
-  ImageTableView(QWidget& parent, std::shared_ptr<const DataPipelineManagerInterface> pipeline,
-    boost::shared_ptr<SelectionModelInterface> selectionModel,
-    std::shared_ptr<ImageFileLoaderInterface> loader,
-    std::shared_ptr<ImageMatrixViewProperties> properties);
+  ImageTableView(QWidget& parent,
+                 std::shared_ptr<const DataPipelineManagerInterface> pipeline,
+                 boost::shared_ptr<SelectionModelInterface> selectionModel,
+                 std::shared_ptr<ImageFileLoaderInterface> loader,
+                 std::shared_ptr<ImageMatrixViewProperties> properties);
   /// A view over a given table algorithm.
-  ImageTableView(QWidget& parent, vtkSmartPointer<vtkTableAlgorithm> input,
-    boost::shared_ptr<SelectionModelInterface> selectionModel,
-    std::shared_ptr<ImageFileLoaderInterface> loader,
-    std::shared_ptr<ImageMatrixViewProperties> properties);
+  ImageTableView(QWidget& parent,
+                 vtkSmartPointer<vtkTableAlgorithm> input,
+                 boost::shared_ptr<SelectionModelInterface> selectionModel,
+                 std::shared_ptr<ImageFileLoaderInterface> loader,
+                 std::shared_ptr<ImageMatrixViewProperties> properties);
   ~ImageTableView() override;
 
   /// The full size of the grid in pixels: the total length of the horizontal header and of the

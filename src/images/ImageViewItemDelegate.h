@@ -29,8 +29,9 @@ public:
   /// Width: the larger of the caption (plus 2) and the image, plus 8; height: the image plus 8
   /// plus the caption's wrapped height and one line.
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-  void paint(
-    QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+  void paint(QPainter* painter,
+             const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override;
 
 private:
   QString captionOf(const QModelIndex& index) const;

@@ -15,7 +15,7 @@
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class PropertyAbstract;
 }
 
@@ -51,7 +51,8 @@ public:
   /// A percentage-like level; see zoomLevelToImageSize. Successive changes merge into one undo
   /// entry.
   virtual boost::shared_ptr<plexa::PropertyAbstract<unsigned long long>> zoom() const;
-  virtual boost::shared_ptr<plexa::PropertyAbstract<std::vector<std::string>>> allTagsToShow() const;
+  virtual boost::shared_ptr<plexa::PropertyAbstract<std::vector<std::string>>> allTagsToShow()
+    const;
 
 private:
   struct Impl;

@@ -15,7 +15,8 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT ImageViewSelectionConverter
 {
 public:
   /// `items` is the Qt model over the grid (for the indexes).
-  ImageViewSelectionConverter(std::shared_ptr<const ImageTableModel> grid, const QAbstractItemModel& items);
+  ImageViewSelectionConverter(std::shared_ptr<const ImageTableModel> grid,
+                              const QAbstractItemModel& items);
   ~ImageViewSelectionConverter() override;
 
   std::set<unsigned long long> caseIDsFromSelection(

@@ -65,7 +65,8 @@ QSize ImageViewItemDelegate::sizeHint(const QStyleOptionViewItem&, const QModelI
   if (!text.isEmpty())
   {
     const auto* widget = qobject_cast<const QWidget*>(parent());
-    const QFontMetrics metrics = widget ? widget->fontMetrics() : QFontMetrics(QApplication::font());
+    const QFontMetrics metrics =
+      widget ? widget->fontMetrics() : QFontMetrics(QApplication::font());
     const QRect measured =
       metrics.boundingRect(QRect(0, 0, size.width(), INT_MAX), captionFlags, text);
     textHeight = measured.height() + metrics.height();
@@ -74,8 +75,9 @@ QSize ImageViewItemDelegate::sizeHint(const QStyleOptionViewItem&, const QModelI
   return QSize(std::max(textWidth, size.width()) + 8, size.height() + 8 + textHeight);
 }
 
-void ImageViewItemDelegate::paint(
-  QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
+void ImageViewItemDelegate::paint(QPainter* painter,
+                                  const QStyleOptionViewItem& option,
+                                  const QModelIndex& index) const
 {
   painter->save();
   if (option.state & QStyle::State_Selected)
@@ -91,10 +93,13 @@ void ImageViewItemDelegate::paint(
   const QString text = index.data(Qt::DisplayRole).toString();
   if (!text.isEmpty())
   {
-    const QRect textArea(option.rect.x() + 4, option.rect.y() + 4 + size.height() + 4,
-      option.rect.width() - 8, option.rect.height() - size.height() - 12);
+    const QRect textArea(option.rect.x() + 4,
+                         option.rect.y() + 4 + size.height() + 4,
+                         option.rect.width() - 8,
+                         option.rect.height() - size.height() - 12);
     painter->setPen(option.palette.color(
-      QPalette::Active, option.state & QStyle::State_Selected ? QPalette::HighlightedText : QPalette::Text));
+      QPalette::Active,
+      option.state & QStyle::State_Selected ? QPalette::HighlightedText : QPalette::Text));
     painter->drawText(textArea, captionFlags, text);
   }
   painter->restore();
@@ -166,7 +171,8 @@ int QImageTableView::sizeHintForColumn(int column) const
 // ImageViewSelectionConverter
 
 ImageViewSelectionConverter::ImageViewSelectionConverter(
-  std::shared_ptr<const ImageTableModel> grid, const QAbstractItemModel& items)
+  std::shared_ptr<const ImageTableModel> grid,
+  const QAbstractItemModel& items)
   : grid(std::move(grid))
   , items(items)
 {
@@ -200,9 +206,13 @@ QItemSelection ImageViewSelectionConverter::selectionFromCaseIDs(
     {
       const auto& cases = grid->casesAt(row, column);
       // Look the smaller set up in the larger one.
-      const bool shown = ids.size() < cases.size()
-        ? std::any_of(ids.begin(), ids.end(), [&](unsigned long long id) { return cases.count(id) != 0; })
-        : std::any_of(cases.begin(), cases.end(), [&](unsigned long long id) { return ids.count(id) != 0; });
+      const bool shown =
+        ids.size() < cases.size()
+          ? std::any_of(
+              ids.begin(), ids.end(), [&](unsigned long long id) { return cases.count(id) != 0; })
+          : std::any_of(cases.begin(),
+                        cases.end(),
+                        [&](unsigned long long id) { return ids.count(id) != 0; });
       if (shown)
       {
         const QModelIndex index = items.index(row, column);

@@ -18,6 +18,7 @@ public:
   virtual ~LabelMaker();
 
   /// Values are shown as variantDisplayText shows them; an empty list gives an empty text.
-  std::string label(const std::vector<WeakPtr<Variable>>& variables, const Record& record,
-    const std::string& separator) const;
+  std::string label(const std::vector<WeakPtr<Variable>>& variables,
+                    const Record& record,
+                    const std::string& separator) const;
 };

@@ -6,7 +6,7 @@ namespace plexa
 {
 
 /// Accepts every value; the validator of a property built without one.
-template <typename T>
+template<typename T>
 class AllowAnyValueValidator : public ValidatorInterface<T>
 {
 public:

@@ -11,7 +11,7 @@ namespace plexa
 /// unbounded (any kind other than Inclusive and Exclusive counts as unbounded). A refused value
 /// gets one message for every case, naming both bounds even on an unbounded side, e.g.
 /// "The value must be greater than or equal to 1 and less than 10".
-template <typename T>
+template<typename T>
 class BoundedValueValidator : public ValidatorInterface<T>
 {
 public:

@@ -8,14 +8,14 @@
 
 #include <string>
 
-template <typename PlotT>
+template<typename PlotT>
 class ColorVariableProperty;
 
 class vtkPlotPoints;
 
 /// The variable that colours the points of a points plot: storing it selects the variable's
 /// column as the plot's colour array and switches scalar colouring on (off for no variable).
-template <>
+template<>
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT ColorVariableProperty<vtkPlotPoints>
   : public plexa::Property<WeakPtr<Variable>>
 {

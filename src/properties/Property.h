@@ -7,7 +7,7 @@ namespace plexa
 
 /// A property that keeps its value in a member. A default-constructed property holds T's
 /// value-initialised value (0 for numbers and enumerations).
-template <typename T>
+template<typename T>
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT Property : public PropertyAbstract<T>
 {
 public:

@@ -25,7 +25,7 @@ namespace plexa
 /// after storing, so that a subclass whose storage adjusts the value reports what it holds.
 /// Every typed change also fires the untyped signalPropertyChanged of PropertyItemInterface,
 /// when that signal has listeners.
-template <typename T>
+template<typename T>
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT PropertyAbstract : public PropertyItemInterface
 {
 public:

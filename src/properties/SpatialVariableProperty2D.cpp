@@ -3,8 +3,8 @@
 #include <vtkAxis.h>
 #include <vtkPlot.h>
 
-SpatialVariableProperty2D::SpatialVariableProperty2D(
-  vtkSmartPointer<vtkAxis> axis, int inputArrayIndex)
+SpatialVariableProperty2D::SpatialVariableProperty2D(vtkSmartPointer<vtkAxis> axis,
+                                                     int inputArrayIndex)
   : axis(std::move(axis))
   , inputArrayIndex(inputArrayIndex)
 {
@@ -23,8 +23,8 @@ void SpatialVariableProperty2D::clearPlots()
   plots.clear();
 }
 
-void SpatialVariableProperty2D::assignInputArrayToPlot(
-  vtkPlot& plot, const WeakPtr<Variable>& variable) const
+void SpatialVariableProperty2D::assignInputArrayToPlot(vtkPlot& plot,
+                                                       const WeakPtr<Variable>& variable) const
 {
   plot.SetInputArray(inputArrayIndex, variable.lock().name());
 }

@@ -22,7 +22,7 @@ namespace plexa
 /// A change made through the proxy, and each undo or redo of it, reaches the proxy's listeners
 /// twice in a row with the same value (once through the target, once from the proxy itself);
 /// listeners must tolerate the repeat.
-template <typename T>
+template<typename T>
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT UndoablePropertyProxy
   : public PropertyAbstract<T>
   , public DeleteSignaler
@@ -56,9 +56,13 @@ protected:
   {
     StoreGuard guard(storeDepth);
     const T oldValue = target->value();
-    std::unique_ptr<GenericUndoCommand> command(new GenericUndoCommand(
-      [this, newValue] { applyValue(newValue); }, [this, oldValue] { applyValue(oldValue); },
-      *this, undoText, mergeId, nullptr));
+    std::unique_ptr<GenericUndoCommand> command(
+      new GenericUndoCommand([this, newValue] { applyValue(newValue); },
+                             [this, oldValue] { applyValue(oldValue); },
+                             *this,
+                             undoText,
+                             mergeId,
+                             nullptr));
     UndoStack stack;
     if (mergeId == -1)
     {

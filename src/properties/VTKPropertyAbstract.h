@@ -16,12 +16,12 @@
 /// The property remembers the value it last stored or saw (cachedValue) and compares new values
 /// with it rather than reading the object again, so setting the remembered value does nothing
 /// even if the object was changed behind its back without a modified event.
-template <typename T>
+template<typename T>
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT VTKPropertyAbstract : public plexa::PropertyAbstract<T>
 {
 public:
-  VTKPropertyAbstract(
-    vtkSmartPointer<vtkObject> object, boost::shared_ptr<plexa::ValidatorInterface<T>> validator)
+  VTKPropertyAbstract(vtkSmartPointer<vtkObject> object,
+                      boost::shared_ptr<plexa::ValidatorInterface<T>> validator)
     : plexa::PropertyAbstract<T>(std::move(validator))
     , object(std::move(object))
   {

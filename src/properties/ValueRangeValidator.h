@@ -9,7 +9,7 @@ namespace plexa
 /// Refuses a range whose minimum is greater than its maximum, with the message "Minimum cannot
 /// be greater than maximum.". Equal ends pass, and so does a range holding a NaN, since the test
 /// is a plain "greater than".
-template <typename T>
+template<typename T>
 class ValueRangeValidator : public ValidatorInterface<ValueRange_s<T>>
 {
 public:

@@ -11,12 +11,13 @@
 /// Saves an enumeration property as the name its value has in a translator, as element text,
 /// and reads the name back. An unknown name raises std::out_of_range ("bimap<>: invalid key")
 /// and leaves the property as it was.
-template <typename T>
+template<typename T>
 class EnumSerializer : public Serializer
 {
 public:
-  EnumSerializer(const std::string& name, boost::shared_ptr<plexa::PropertyAbstract<T>> property,
-    NamedValueTranslator<T> translator)
+  EnumSerializer(const std::string& name,
+                 boost::shared_ptr<plexa::PropertyAbstract<T>> property,
+                 NamedValueTranslator<T> translator)
     : Serializer(name)
     , property(std::move(property))
     , translator(std::move(translator))

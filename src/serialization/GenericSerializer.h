@@ -20,7 +20,7 @@ namespace savedtext
 /// boost::bad_lexical_cast. Integers are parsed with std::from_chars first: Boost 1.74's cast to
 /// 16-bit integers overflows a signed int on ordinary texts such as "0.50000", which is
 /// undefined behaviour. A bool is "1" or "0".
-template <typename T>
+template<typename T>
 T parse(const std::string& text)
 {
   if constexpr (std::is_same_v<T, bool>)
@@ -55,7 +55,7 @@ T parse(const std::string& text)
 /// Saves a property's value as the text of an element, as boost::lexical_cast writes it (a bool
 /// as "1" or "0", a short in decimal), and reads it back, setting the property. A text that is
 /// not a value of the type raises boost::bad_lexical_cast and leaves the property as it was.
-template <typename T>
+template<typename T>
 class GenericSerializer : public Serializer
 {
 public:

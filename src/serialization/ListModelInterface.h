@@ -7,12 +7,12 @@
 #include <string>
 #include <utility>
 
-template <typename T>
+template<typename T>
 class ListModelInterface;
 
 /// An ordered list of entries, each a display string (what a chooser shows) and a data string
 /// (the value the program works with), with change signals for the choosers that show it.
-template <>
+template<>
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT ListModelInterface<std::string>
 {
 public:

@@ -29,8 +29,8 @@ void ListModelInterface<std::string>::emitSignalModelChanged() const
   signalModelChanged();
 }
 
-void ListModelInterface<std::string>::emitSignalDataChanged(
-  unsigned long long first, unsigned long long last) const
+void ListModelInterface<std::string>::emitSignalDataChanged(unsigned long long first,
+                                                            unsigned long long last) const
 {
   signalDataChanged(first, last);
 }
@@ -92,16 +92,16 @@ void StandardListModel<std::string>::clear()
   emitSignalModelChanged();
 }
 
-void StandardListModel<std::string>::push_back(
-  const std::string& displayString, const std::string& data)
+void StandardListModel<std::string>::push_back(const std::string& displayString,
+                                               const std::string& data)
 {
   displayStrings.push_back(displayString);
   dataStrings.push_back(data);
   emitSignalModelChanged();
 }
 
-void StandardListModel<std::string>::setDisplayName(
-  unsigned long long index, const std::string& displayString)
+void StandardListModel<std::string>::setDisplayName(unsigned long long index,
+                                                    const std::string& displayString)
 {
   displayStrings.at(index) = displayString;
 }

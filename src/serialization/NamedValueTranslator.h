@@ -7,7 +7,7 @@
 /// A two-way map between the values of an enumeration and the names they are saved under.
 /// Looking up a name or value the translator does not know throws std::out_of_range
 /// ("bimap<>: invalid key").
-template <typename T>
+template<typename T>
 class NamedValueTranslator
 {
 public:

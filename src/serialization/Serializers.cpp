@@ -10,7 +10,8 @@ namespace
 {
 
 WeakPtr<Variable, unsigned long long> findByName(
-  const std::vector<WeakPtr<Variable, unsigned long long>>& candidates, const std::string& name)
+  const std::vector<WeakPtr<Variable, unsigned long long>>& candidates,
+  const std::string& name)
 {
   for (const auto& candidate : candidates)
   {
@@ -24,7 +25,8 @@ WeakPtr<Variable, unsigned long long> findByName(
 
 } // namespace
 
-VariableInfoSerializer::VariableInfoSerializer(const std::string& name,
+VariableInfoSerializer::VariableInfoSerializer(
+  const std::string& name,
   boost::shared_ptr<VariableProperty> property,
   const std::vector<WeakPtr<Variable, unsigned long long>>& candidates)
   : Serializer(name)
@@ -59,7 +61,8 @@ void VariableInfoSerializer::deserializeSelf(QDomElement& element) const
   }
 }
 
-VariableListSerializer::VariableListSerializer(const std::string& name,
+VariableListSerializer::VariableListSerializer(
+  const std::string& name,
   boost::shared_ptr<VariableListProperty> property,
   const std::vector<WeakPtr<Variable, unsigned long long>>& candidates)
   : Serializer(name)
@@ -103,8 +106,10 @@ void VariableListSerializer::deserializeSelf(QDomElement& element) const
 TagsToShowSerializer::TagsToShowSerializer(
   boost::shared_ptr<plexa::PropertyAbstract<std::vector<std::string>>> property,
   const std::set<std::string>& knownTags)
-  : VectorSerializer<std::string>("TagsToShow", std::move(property),
-      [knownTags](const std::string& tag) { return knownTags.count(tag) != 0; })
+  : VectorSerializer<std::string>("TagsToShow",
+                                  std::move(property),
+                                  [knownTags](const std::string& tag)
+                                  { return knownTags.count(tag) != 0; })
 {
 }
 
@@ -113,7 +118,8 @@ TagsToShowSerializer::~TagsToShowSerializer() = default;
 TagGroupsToShowSerializer::TagGroupsToShowSerializer(
   boost::shared_ptr<TagGroupListProperty> property)
 {
-  auto getter = [property] {
+  auto getter = [property]
+  {
     std::vector<std::string> groupNames;
     for (const auto& handle : property->value())
     {
@@ -121,7 +127,8 @@ TagGroupsToShowSerializer::TagGroupsToShowSerializer(
     }
     return groupNames;
   };
-  auto setter = [property](const std::vector<std::string>& groupNames) {
+  auto setter = [property](const std::vector<std::string>& groupNames)
+  {
     const auto project = Project::project();
     std::vector<WeakPtr<TagGroup, unsigned long long>> groups;
     for (const auto& groupName : groupNames)

@@ -4,12 +4,12 @@
 
 #include <vector>
 
-template <typename T>
+template<typename T>
 class StandardListModel;
 
 /// A list model kept in two vectors of equal length: entry i is (display string i, data string
 /// i).
-template <>
+template<>
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT StandardListModel<std::string>
   : public ListModelInterface<std::string>
 {

@@ -12,7 +12,7 @@
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class PropertyAbstract;
 }
 
@@ -22,7 +22,8 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT TagsToShowSerializer
   : public VectorSerializer<std::string>
 {
 public:
-  TagsToShowSerializer(boost::shared_ptr<plexa::PropertyAbstract<std::vector<std::string>>> property,
+  TagsToShowSerializer(
+    boost::shared_ptr<plexa::PropertyAbstract<std::vector<std::string>>> property,
     const std::set<std::string>& knownTags);
   ~TagsToShowSerializer() override;
 };

@@ -14,12 +14,12 @@
 /// replaces each end whose attribute is present, converted as QString::toDouble converts (a text
 /// that is not a number gives 0, unchecked on purpose), then sets the property, whose validator
 /// may refuse the result.
-template <typename T>
+template<typename T>
 class ValueRangeSerializer : public Serializer
 {
 public:
-  ValueRangeSerializer(
-    const std::string& name, boost::shared_ptr<plexa::PropertyAbstract<ValueRange_s<T>>> property)
+  ValueRangeSerializer(const std::string& name,
+                       boost::shared_ptr<plexa::PropertyAbstract<ValueRange_s<T>>> property)
     : Serializer(name)
     , property(std::move(property))
   {
@@ -29,8 +29,10 @@ private:
   void serializeSelf(QDomElement& element) const override
   {
     const ValueRange_s<T> range = property->value();
-    element.setAttribute("Min", QString::fromStdString(boost::lexical_cast<std::string>(range.min)));
-    element.setAttribute("Max", QString::fromStdString(boost::lexical_cast<std::string>(range.max)));
+    element.setAttribute("Min",
+                         QString::fromStdString(boost::lexical_cast<std::string>(range.min)));
+    element.setAttribute("Max",
+                         QString::fromStdString(boost::lexical_cast<std::string>(range.max)));
   }
 
   void deserializeSelf(QDomElement& element) const override

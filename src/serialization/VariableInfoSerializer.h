@@ -10,7 +10,7 @@
 
 namespace plexa
 {
-template <typename T>
+template<typename T>
 class PropertyAbstract;
 }
 
@@ -22,8 +22,9 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT VariableInfoSerializer : public Seri
 public:
   using VariableProperty = plexa::PropertyAbstract<WeakPtr<Variable, unsigned long long>>;
 
-  VariableInfoSerializer(const std::string& name, boost::shared_ptr<VariableProperty> property,
-    const std::vector<WeakPtr<Variable, unsigned long long>>& candidates);
+  VariableInfoSerializer(const std::string& name,
+                         boost::shared_ptr<VariableProperty> property,
+                         const std::vector<WeakPtr<Variable, unsigned long long>>& candidates);
   ~VariableInfoSerializer() override;
 
 private:
@@ -43,8 +44,9 @@ public:
   using VariableListProperty =
     plexa::PropertyAbstract<std::vector<WeakPtr<Variable, unsigned long long>>>;
 
-  VariableListSerializer(const std::string& name, boost::shared_ptr<VariableListProperty> property,
-    const std::vector<WeakPtr<Variable, unsigned long long>>& candidates);
+  VariableListSerializer(const std::string& name,
+                         boost::shared_ptr<VariableListProperty> property,
+                         const std::vector<WeakPtr<Variable, unsigned long long>>& candidates);
   ~VariableListSerializer() override;
 
 private:

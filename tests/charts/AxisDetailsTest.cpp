@@ -1,10 +1,10 @@
 #include "analyzer_common/UndoStack.h"
 #include "charts/AxisDetailsCharts.h"
 #include "charts/ChartXY.h"
-#include "support/RenderedView.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
 #include "properties/Property.h"
+#include "support/RenderedView.h"
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
@@ -90,11 +90,9 @@ TEST_F(AxisDetails, MinimumAndMaximumNeverCrossAndKeepTheSpan)
     double value;
     std::pair<double, double> expected;
   } cases[] = {
-    { true, 12, { 12, 22 } },
-    { false, -3, { -13, -3 } },
+    { true, 12, { 12, 22 } }, { false, -3, { -13, -3 } },
     { true, 10, { 10, 20 } }, // equal counts as crossing
-    { true, 4, { 4, 10 } },
-    { false, 0.5, { 0, 0.5 } },
+    { true, 4, { 4, 10 } },   { false, 0.5, { 0, 0.5 } },
     { false, 0, { -10, 0 } },
   };
   for (const auto& c : cases)
@@ -173,8 +171,9 @@ TEST_F(AxisDetails, ARangeThatInvalidatesTheSpacingSwitchesCustomSpacingOff)
 {
   useCustomSpacing(2);
   int switchedOff = 0;
-  boost::signals2::scoped_connection connection = details->useCustomGridSpacing()
-    ->connectSignalValueChanged([&](const bool& custom) { switchedOff += custom ? 0 : 1; });
+  boost::signals2::scoped_connection connection =
+    details->useCustomGridSpacing()->connectSignalValueChanged([&](const bool& custom)
+                                                               { switchedOff += custom ? 0 : 1; });
   details->max()->setValue(200); // 2 is not within 4 and 2000
   EXPECT_FALSE(details->useCustomGridSpacing()->value());
   EXPECT_GE(switchedOff, 1);

@@ -37,8 +37,8 @@ float pixelOf(vtkAxis& axis, int component, double value)
   const float start = axis.GetPoint1()[component];
   const float end = axis.GetPoint2()[component];
   return start +
-    static_cast<float>((value - axis.GetMinimum()) / (axis.GetMaximum() - axis.GetMinimum())) *
-    (end - start);
+         static_cast<float>((value - axis.GetMinimum()) / (axis.GetMaximum() - axis.GetMinimum())) *
+           (end - start);
 }
 
 } // namespace
@@ -89,7 +89,8 @@ TEST(ChartXY, EmptyAndNonFiniteTablesRenderQuietly)
   rendered.view().GetScene()->AddItem(chart);
   const double inf = std::numeric_limits<double>::infinity();
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  for (const std::vector<double>& values : { std::vector<double>{}, std::vector<double>{ nan, inf, -inf, 1.0 } })
+  for (const std::vector<double>& values :
+       { std::vector<double>{}, std::vector<double>{ nan, inf, -inf, 1.0 } })
   {
     auto table = vtkSmartPointer<vtkTable>::New();
     for (const char* name : { "x", "y" })

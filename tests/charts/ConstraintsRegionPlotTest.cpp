@@ -1,5 +1,5 @@
-#include "charts/ChartXY.h"
 #include "charts/ConstraintsRegionPlot.h"
+#include "charts/ChartXY.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
 #include "datapipeline/DataPipelineManager.h"
@@ -59,7 +59,8 @@ protected:
   {
     if (HasFailure())
       ADD_FAILURE() << "rendered image: "
-                    << rendered.save(::testing::UnitTest::GetInstance()->current_test_info()->name());
+                    << rendered.save(
+                         ::testing::UnitTest::GetInstance()->current_test_info()->name());
   }
 
   // Adds the region (first, so that it is behind) and the points; x from 0 to 10 and y from 0
@@ -87,14 +88,15 @@ protected:
   // The colour at a point given in data units.
   Rgb colourAt(double x, double y)
   {
-    const auto pixel = [](vtkAxis* axis, int component, double value) {
+    const auto pixel = [](vtkAxis* axis, int component, double value)
+    {
       const float start = axis->GetPoint1()[component];
       const float end = axis->GetPoint2()[component];
-      return static_cast<int>(start +
-        (value - axis->GetMinimum()) / (axis->GetMaximum() - axis->GetMinimum()) * (end - start));
+      return static_cast<int>(start + (value - axis->GetMinimum()) /
+                                        (axis->GetMaximum() - axis->GetMinimum()) * (end - start));
     };
     return rendered.pixel(pixel(chart->GetAxis(vtkAxis::BOTTOM), 0, x),
-      pixel(chart->GetAxis(vtkAxis::LEFT), 1, y));
+                          pixel(chart->GetAxis(vtkAxis::LEFT), 1, y));
   }
 
   std::shared_ptr<const Project> project;
@@ -147,8 +149,9 @@ TEST_F(ConstraintsRegion, TheAutomaticAxisRangesAreTheSameWithAndWithoutThePlot)
   pipeline.setRangeFilter(project->variable("x"), 2, 5);
   buildChart(false, false);
   const double without[4] = { chart->GetAxis(vtkAxis::BOTTOM)->GetMinimum(),
-    chart->GetAxis(vtkAxis::BOTTOM)->GetMaximum(), chart->GetAxis(vtkAxis::LEFT)->GetMinimum(),
-    chart->GetAxis(vtkAxis::LEFT)->GetMaximum() };
+                              chart->GetAxis(vtkAxis::BOTTOM)->GetMaximum(),
+                              chart->GetAxis(vtkAxis::LEFT)->GetMinimum(),
+                              chart->GetAxis(vtkAxis::LEFT)->GetMaximum() };
 
   testsupport::RenderedView other(400, 300);
   vtkNew<ChartXY> withRegion;

@@ -33,7 +33,7 @@ std::shared_ptr<const Project> variables()
   return builder.build();
 }
 
-template <typename ArrayT, typename T>
+template<typename ArrayT, typename T>
 vtkSmartPointer<ArrayT> column(const char* name, std::initializer_list<T> values)
 {
   auto array = vtkSmartPointer<ArrayT>::New();
@@ -127,7 +127,8 @@ TEST_F(InvalidPoints, TheMaskColumnMarksRowsInvalidAndIsCopiedToo)
 TEST_F(InvalidPoints, OnlyDoubleColumnsAreChecked)
 {
   auto filter = InvalidPointsFilter::New({ property("count") });
-  vtkTable* output = run(*filter, fourRows({ notANumber, notANumber, notANumber, notANumber }, { 1, 2, 3, 4 }));
+  vtkTable* output =
+    run(*filter, fourRows({ notANumber, notANumber, notANumber, notANumber }, { 1, 2, 3, 4 }));
   EXPECT_EQ(caseIds(output).size(), 4u) << "an int variable is never NaN: nothing to check";
 }
 
@@ -170,12 +171,12 @@ TEST_F(InvalidPoints, ARelevanceDependentVariableCountsOnlyWhileRelevant)
 {
   auto colour = property("y");
   auto coloured = boost::make_shared<plexa::Property<bool>>(false);
-  auto relevant = boost::make_shared<InvalidPointsFilter::RelevanceDependentVariableProperty>(
-    colour, coloured);
+  auto relevant =
+    boost::make_shared<InvalidPointsFilter::RelevanceDependentVariableProperty>(colour, coloured);
   EXPECT_TRUE(relevant->value().lock().isNull());
   int changes = 0;
-  boost::signals2::scoped_connection connection = relevant->connectSignalValueChanged(
-    [&](const WeakPtr<Variable>&) { ++changes; });
+  boost::signals2::scoped_connection connection =
+    relevant->connectSignalValueChanged([&](const WeakPtr<Variable>&) { ++changes; });
 
   auto filter = InvalidPointsFilter::New({ property("x"), relevant });
   auto table = fourRows({ 1, 2, 3, 4 }, { 1, notANumber, 3, 4 });

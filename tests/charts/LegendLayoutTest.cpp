@@ -47,8 +47,9 @@ protected:
   void TearDown() override
   {
     if (HasFailure())
-      ADD_FAILURE() << "rendered image: " << rendered.save(
-        ::testing::UnitTest::GetInstance()->current_test_info()->name());
+      ADD_FAILURE() << "rendered image: "
+                    << rendered.save(
+                         ::testing::UnitTest::GetInstance()->current_test_info()->name());
   }
 
   vtkSmartPointer<vtkChartLegend> newLegend(int fontSize)
@@ -149,10 +150,10 @@ TEST_F(LegendLayout, LegendsAreClampedIntoTheViewport)
     float x, y;
     float expectedX, expectedY;
   } cases[] = {
-    { -100, 500, border, height - border - h },         // off the top left
-    { width + 50, 100, width - w - border, 100 },        // off the right
-    { 100, -50, 100, border - h },                       // top below B: only the top is kept in
-    { 100, -h + border + 5, 100, -h + border + 5 },      // hanging below, top still high enough
+    { -100, 500, border, height - border - h },     // off the top left
+    { width + 50, 100, width - w - border, 100 },   // off the right
+    { 100, -50, 100, border - h },                  // top below B: only the top is kept in
+    { 100, -h + border + 5, 100, -h + border + 5 }, // hanging below, top still high enough
   };
   for (const auto& c : cases)
   {

@@ -40,7 +40,8 @@ protected:
     window->AddRenderer(renderer);
     interactor->SetRenderWindow(window);
     colorVariable = boost::make_shared<plexa::UndoablePropertyProxy<WeakPtr<Variable>>>(
-      "Color Variable", boost::make_shared<plexa::Property<WeakPtr<Variable>>>(project->variable("range")));
+      "Color Variable",
+      boost::make_shared<plexa::Property<WeakPtr<Variable>>>(project->variable("range")));
     legend = std::make_unique<ColorLegend>(
       colorVariable, viewVisible, *pipeline, lookupTable, *interactor, widget.Get());
   }
@@ -62,7 +63,8 @@ protected:
   vtkNew<vtkLookupTable> lookupTable;
   vtkNew<NiceLabelsColorBarWidget> widget;
   boost::shared_ptr<plexa::UndoablePropertyProxy<WeakPtr<Variable>>> colorVariable;
-  boost::shared_ptr<plexa::Property<bool>> viewVisible = boost::make_shared<plexa::Property<bool>>(true);
+  boost::shared_ptr<plexa::Property<bool>> viewVisible =
+    boost::make_shared<plexa::Property<bool>>(true);
   std::unique_ptr<ColorLegend> legend;
   UndoStack stack;
 };

@@ -28,14 +28,17 @@ using ColorLegendSerializerTest = ColorLegendFixture;
 
 // The element as (tag, text) pairs in document order, the range as its two attribute texts.
 // (Qt writes the attributes of one element in hash order, so the text is not compared whole.)
-std::vector<std::pair<std::string, std::string>> children(const QString& xml, QString& min, QString& max)
+std::vector<std::pair<std::string, std::string>> children(const QString& xml,
+                                                          QString& min,
+                                                          QString& max)
 {
   QDomDocument document;
   EXPECT_TRUE(document.setContent(xml));
   const QDomElement root = document.documentElement();
   EXPECT_EQ(root.tagName(), "ColorLegend");
   std::vector<std::pair<std::string, std::string>> result;
-  for (QDomElement child = root.firstChildElement(); !child.isNull(); child = child.nextSiblingElement())
+  for (QDomElement child = root.firstChildElement(); !child.isNull();
+       child = child.nextSiblingElement())
   {
     result.emplace_back(child.tagName().toStdString(), child.text().toStdString());
     if (child.tagName() == "Range")
@@ -53,7 +56,8 @@ TEST_F(ColorLegendSerializerTest, WritesTheFourSettingsInOrder)
   using Children = std::vector<std::pair<std::string, std::string>>;
   QString min;
   QString max;
-  EXPECT_EQ(children(saved(*legend->serializer()), min, max),
+  EXPECT_EQ(
+    children(saved(*legend->serializer()), min, max),
     (Children{ { "Show", "0" }, { "NumLabels", "15" }, { "RangeType", "Auto" }, { "Range", "" } }));
   EXPECT_EQ(min, "0");
   EXPECT_EQ(max, "100");
@@ -61,8 +65,10 @@ TEST_F(ColorLegendSerializerTest, WritesTheFourSettingsInOrder)
   legend->range()->setValue({ 0.1, 2 });
   legend->show()->setValue(true);
   legend->rangeType()->setValue(ColorLegend::Custom);
-  EXPECT_EQ(children(saved(*legend->serializer()), min, max),
-    (Children{ { "Show", "1" }, { "NumLabels", "15" }, { "RangeType", "Custom" }, { "Range", "" } }));
+  EXPECT_EQ(
+    children(saved(*legend->serializer()), min, max),
+    (Children{
+      { "Show", "1" }, { "NumLabels", "15" }, { "RangeType", "Custom" }, { "Range", "" } }));
   EXPECT_EQ(min, "0.10000000000000001");
   EXPECT_EQ(max, "2");
 }
@@ -113,7 +119,8 @@ TEST_F(ColorLegendSerializerTest, MalformedSettingsRaiseTheirErrorAndChangeNothi
 {
   legend->show()->setValue(true);
   legend->numLabels()->setValue(9);
-  const auto check = [&](const char* xml, const char* message) {
+  const auto check = [&](const char* xml, const char* message)
+  {
     QDomDocument document;
     QDomElement element = parsed(document, xml);
     try
@@ -136,10 +143,10 @@ TEST_F(ColorLegendSerializerTest, MalformedSettingsRaiseTheirErrorAndChangeNothi
   check("<ColorLegend><Show>0</Show><NumLabels>70000</NumLabels></ColorLegend>", badCast);
   check("<ColorLegend><Show>true</Show></ColorLegend>", badCast);
   check("<ColorLegend><Show>0</Show><RangeType>Manual</RangeType></ColorLegend>",
-    "bimap<>: invalid key");
+        "bimap<>: invalid key");
   check("<ColorLegend><Show>0</Show><NumLabels>2</NumLabels></ColorLegend>",
-    "The value must be greater than or equal to 3 and less than or equal to 40");
+        "The value must be greater than or equal to 3 and less than or equal to 40");
   check("<ColorLegend><Show>0</Show><Range Min=\"5\" Max=\"1\"/></ColorLegend>",
-    "Minimum cannot be greater than maximum.");
+        "Minimum cannot be greater than maximum.");
   EXPECT_FALSE(Serializer::isInMiddleOfDeserialization);
 }

@@ -28,16 +28,24 @@ TEST_F(ColorLegendTest, TheTableFollowsTheVariableTheCustomRangeAndTheLabelCount
   } steps[] = {
     { "label count 3", [&] { legend->numLabels()->setValue(3); }, { 0, 100 }, 3 },
     { "a custom range is ignored while Auto",
-      [&] { legend->range()->setValue({ -1, 1 }); }, { 0, 100 }, 3 },
+      [&] {
+        legend->range()->setValue({ -1, 1 });
+      },
+      { 0, 100 },
+      3 },
     { "Custom", [&] { legend->rangeType()->setValue(ColorLegend::Custom); }, { -1, 1 }, 3 },
     { "a custom range of 0.05 to 0.95 in 5 labels",
-      [&] {
+      [&]
+      {
         legend->numLabels()->setValue(5);
         legend->range()->setValue({ 0.05, 0.95 });
       },
-      { 0, 1 }, 6 },
+      { 0, 1 },
+      6 },
     { "another colour variable resets to Auto with 15 labels",
-      [&] { colorVariable->setValue(project->variable("speed")); }, { 0, 1 }, 11 },
+      [&] { colorVariable->setValue(project->variable("speed")); },
+      { 0, 1 },
+      11 },
   };
   for (const auto& step : steps)
   {
@@ -89,7 +97,8 @@ TEST_F(ColorLegendTest, DrawnExactlyWhileTheViewIsVisibleAndShowIsOn)
   {
     bool view, show, visible;
   } cases[] = {
-    { true, true, true }, { false, true, false }, { true, false, false }, { true, true, true } };
+    { true, true, true }, { false, true, false }, { true, false, false }, { true, true, true }
+  };
   for (const auto& c : cases)
   {
     viewVisible->setValue(c.view);

@@ -24,11 +24,11 @@ TEST(computeNiceLabelRange, WholeNiceStepsCoverTheRange)
     { 0, 1, 3, 0, 0.5, 2 },
     { 7, 7, 15, 7, 1, 0 },
     { -1, 1, 3, -1, 1, 2 },
-    { 0.05, 0.95, 5, 0, 0.2, 5 },      // the last step reaches past the maximum
+    { 0.05, 0.95, 5, 0, 0.2, 5 }, // the last step reaches past the maximum
     { 3, 97, 10, 0, 10, 10 },
     { 1e9, 1e9 + 3, 3, 1e9, 1, 3 },
     { -250, -50, 4, -250, 50, 4 },
-    { 0, 1, 40, 0, 0.02, 50 },          // the minor candidate is closer to 40 than 20 steps
+    { 0, 1, 40, 0, 0.02, 50 },             // the minor candidate is closer to 40 than 20 steps
     { 1e12, 1e12 + 5e4, 5, 1e12, 1e4, 5 }, // a quotient past 1e7 keeps a as start
   };
   for (const auto& c : cases)
@@ -39,8 +39,10 @@ TEST(computeNiceLabelRange, WholeNiceStepsCoverTheRange)
     EXPECT_EQ(r.count, c.count) << c.a << ".." << c.b << " / " << c.N;
     EXPECT_GE(r.start + r.count * r.step, c.b);
   }
-  for (const auto& [a, b] : { std::make_pair(0.0, inf), std::make_pair(nan, 1.0),
-         std::make_pair(0.0, nan), std::make_pair(-inf, inf) })
+  for (const auto& [a, b] : { std::make_pair(0.0, inf),
+                              std::make_pair(nan, 1.0),
+                              std::make_pair(0.0, nan),
+                              std::make_pair(-inf, inf) })
   {
     const NiceLabelRange r = computeNiceLabelRange(a, b, 15);
     EXPECT_EQ(r.count, 1) << "a range without a finite span gets the neutral one";

@@ -125,8 +125,12 @@ TEST_F(ChartSelectionTest, ModifierKeyDecidesBetweenReplaceToggleAndUnion)
     { "a modified single new case is added", { 14 }, { 0 }, true, { 10, 14 }, true },
     { "a modified single selected case is removed", { 10, 14 }, { 0 }, true, { 14 }, true },
     { "a modified band adds", { 14 }, { 0, 1, 4 }, true, { 10, 11, 14 }, true },
-    { "a modified band of selected cases changes nothing", { 10, 11, 14 }, { 0, 1 }, true,
-      { 10, 11, 14 }, false },
+    { "a modified band of selected cases changes nothing",
+      { 10, 11, 14 },
+      { 0, 1 },
+      true,
+      { 10, 11, 14 },
+      false },
     { "a modified empty pick changes nothing", { 10 }, {}, true, { 10 }, false },
   };
   for (const auto& c : cases)

@@ -1,5 +1,5 @@
-#include "analyzer_common/SelectionModel.h"
 #include "dataviews/DataViewAbstract.h"
+#include "analyzer_common/SelectionModel.h"
 #include "properties/PropertyAbstract.h"
 #include "serialize/Serializer.h"
 
@@ -85,7 +85,10 @@ TEST(DataViewAbstract, AClickSelectsTheCaseUnderTheMouseAsTheMasterSelectionExpe
     { "on the only selected case changes nothing", { 7 }, 7, { 7 }, false },
     { "on empty space clears the selection", { 1, 7 }, std::nullopt, {}, true },
     { "on empty space with nothing selected changes nothing", {}, std::nullopt, {}, false },
-    { "on a case with a 64-bit id", {}, 18446744073709551615ULL, { 18446744073709551615ULL },
+    { "on a case with a 64-bit id",
+      {},
+      18446744073709551615ULL,
+      { 18446744073709551615ULL },
       true },
   };
   for (const auto& c : cases)

@@ -14,7 +14,7 @@
 namespace
 {
 
-template <typename Array, typename Value>
+template<typename Array, typename Value>
 vtkSmartPointer<vtkTable> tableOf(std::initializer_list<Value> ids)
 {
   auto column = vtkSmartPointer<Array>::New();
@@ -51,7 +51,7 @@ TEST(RecordTableUtils, ReadsIdsAsSignExtendedIntsWhateverTheColumnType)
   EXPECT_EQ(RecordTableUtils::caseIDAtRow(*empty, 0), 0u);
   EXPECT_TRUE(RecordTableUtils::caseIDs(*empty).empty());
   EXPECT_EQ(RecordTableUtils::caseIDs(*tableOf<vtkIntArray>({ 3, 1, 3 })),
-    (std::set<unsigned long long>{ 1, 3 }));
+            (std::set<unsigned long long>{ 1, 3 }));
 }
 
 TEST(RecordTableUtils, TypedReadsAgreeWithVtkVariantToInt)
@@ -62,16 +62,18 @@ TEST(RecordTableUtils, TypedReadsAgreeWithVtkVariantToInt)
   for (int i = 0; i < 2000; ++i)
   {
     wide->InsertNextValue(random());
-    doubles->InsertNextValue(static_cast<double>(static_cast<int>(random() % 2000001) - 1000000) / 7.0);
+    doubles->InsertNextValue(static_cast<double>(static_cast<int>(random() % 2000001) - 1000000) /
+                             7.0);
   }
-  for (vtkAbstractArray* column : { static_cast<vtkAbstractArray*>(wide), static_cast<vtkAbstractArray*>(doubles) })
+  for (vtkAbstractArray* column :
+       { static_cast<vtkAbstractArray*>(wide), static_cast<vtkAbstractArray*>(doubles) })
   {
     vtkNew<vtkTable> table;
     table->AddColumn(column);
     for (vtkIdType row = 0; row < column->GetNumberOfTuples(); ++row)
     {
-      const auto expected =
-        static_cast<unsigned long long>(static_cast<long long>(column->GetVariantValue(row).ToInt()));
+      const auto expected = static_cast<unsigned long long>(
+        static_cast<long long>(column->GetVariantValue(row).ToInt()));
       ASSERT_EQ(RecordTableUtils::caseIDAtRow(*table, row), expected) << "row " << row;
     }
   }

@@ -100,7 +100,7 @@ TEST_F(TableSelectionTest, StartsFromTheMastersSelectionAndKeepsTheHighlightWith
   TableViewSelectionSynchronizer synchronizer(master, view, converter);
   EXPECT_EQ(viewSelection(view), (Ids{ 101, 102 }));
   EXPECT_EQ(view.palette().color(QPalette::Inactive, QPalette::Highlight),
-    view.palette().color(QPalette::Active, QPalette::Highlight));
+            view.palette().color(QPalette::Active, QPalette::Highlight));
 }
 
 TEST_F(TableSelectionTest, BothDirectionsWithoutEcho)

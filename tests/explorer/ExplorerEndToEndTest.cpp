@@ -31,20 +31,23 @@ ExplorerRun explorer(const QStringList& arguments)
   // stays mapped to the end and its memory stays reachable.
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert("LD_PRELOAD", "/usr/lib/x86_64-linux-gnu/dri/swrast_dri.so");
-  environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":verify_asan_link_order=0");
+  environment.insert("ASAN_OPTIONS",
+                     environment.value("ASAN_OPTIONS") + ":verify_asan_link_order=0");
   process.setProcessEnvironment(environment);
 #endif
   process.start(EXPLORER_PATH, arguments);
   process.waitForFinished(120000);
   return { process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-    process.readAllStandardOutput().toStdString(), process.readAllStandardError().toStdString() };
+           process.readAllStandardOutput().toStdString(),
+           process.readAllStandardError().toStdString() };
 }
 
 // The value of a "key: value" line of the summary.
 std::string line(const std::string& text, const std::string& key)
 {
   const QRegularExpression pattern("^" + QRegularExpression::escape(QString::fromStdString(key)) +
-      ": (.*)$", QRegularExpression::MultilineOption);
+                                     ": (.*)$",
+                                   QRegularExpression::MultilineOption);
   const auto match = pattern.match(QString::fromStdString(text));
   return match.hasMatch() ? match.captured(1).toStdString() : "";
 }
@@ -84,14 +87,18 @@ std::map<std::string, std::string> flatten(const std::string& path)
   QDomDocument document;
   document.setContent(&file);
   std::map<std::string, std::string> values;
-  std::function<void(const QDomElement&, const std::string&)> walk = [&](const QDomElement& e, const std::string& at) {
+  std::function<void(const QDomElement&, const std::string&)> walk =
+    [&](const QDomElement& e, const std::string& at)
+  {
     const QDomNamedNodeMap attributes = e.attributes();
     for (int i = 0; i < attributes.count(); ++i)
-      values[at + "@" + attributes.item(i).nodeName().toStdString()] = attributes.item(i).nodeValue().toStdString();
+      values[at + "@" + attributes.item(i).nodeName().toStdString()] =
+        attributes.item(i).nodeValue().toStdString();
     if (e.firstChildElement().isNull())
       values[at] = e.text().toStdString();
     int index = 0;
-    for (QDomElement child = e.firstChildElement(); !child.isNull(); child = child.nextSiblingElement())
+    for (QDomElement child = e.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement())
       walk(child, at + "/" + child.tagName().toStdString() + "[" + std::to_string(index++) + "]");
   };
   walk(document.documentElement(), document.documentElement().tagName().toStdString());
@@ -104,7 +111,8 @@ protected:
   static void SetUpTestSuite()
   {
     study = new TemporaryFolder;
-    const ExplorerRun generated = explorer({ "--generate-sample", QString::fromStdString(study->path()), "--runs", "48" });
+    const ExplorerRun generated =
+      explorer({ "--generate-sample", QString::fromStdString(study->path()), "--runs", "48" });
     ASSERT_EQ(generated.exitCode, 0) << generated.err;
   }
   static void TearDownTestSuite()
@@ -124,7 +132,8 @@ TemporaryFolder* Explorer::study = nullptr;
 TEST_F(Explorer, RendersEveryViewWithTheSelectionShownEverywhere)
 {
   const QString shots = QString::fromStdString(output.filePath("shots"));
-  const ExplorerRun run = explorer({ QString::fromStdString(study->path()), "--select", "1003,1008", "--screenshots", shots });
+  const ExplorerRun run = explorer(
+    { QString::fromStdString(study->path()), "--select", "1003,1008", "--screenshots", shots });
   ASSERT_EQ(run.exitCode, 0) << run.err;
   EXPECT_EQ(line(run.out, "selection"), "2 cases (1003,1008)");
   EXPECT_EQ(line(run.out, "scatter"), "2 highlighted points");
@@ -161,8 +170,11 @@ TEST_F(Explorer, SavedSettingsLoadBackToTheSameState)
 </ExplorerSettings>
 )");
   const QString first = QString::fromStdString(output.filePath("first"));
-  const ExplorerRun run = explorer({ QString::fromStdString(study->path()), "--settings",
-    QString::fromStdString(settings), "--screenshots", first });
+  const ExplorerRun run = explorer({ QString::fromStdString(study->path()),
+                                     "--settings",
+                                     QString::fromStdString(settings),
+                                     "--screenshots",
+                                     first });
   ASSERT_EQ(run.exitCode, 0) << run.err;
   auto saved = flatten(output.filePath("first/settings.xml"));
   EXPECT_EQ(saved["ExplorerSettings/ScatterPlot2D[0]/XVariable[0]"], "speed");
@@ -177,8 +189,12 @@ TEST_F(Explorer, SavedSettingsLoadBackToTheSameState)
   EXPECT_EQ(csvRows(output.filePath("first/cases.csv")), 24 + 1);
 
   const QString second = QString::fromStdString(output.filePath("second"));
-  const ExplorerRun again = explorer({ QString::fromStdString(study->path()), "--settings",
-    QString::fromStdString(output.filePath("first/settings.xml")), "--screenshots", second });
+  const ExplorerRun again =
+    explorer({ QString::fromStdString(study->path()),
+               "--settings",
+               QString::fromStdString(output.filePath("first/settings.xml")),
+               "--screenshots",
+               second });
   ASSERT_EQ(again.exitCode, 0) << again.err;
   EXPECT_EQ(flatten(output.filePath("second/settings.xml")), saved)
     << "settings saved after loading saved settings are the same";
@@ -194,31 +210,49 @@ TEST_F(Explorer, BadInputGetsAClearMessageAndANonZeroExit)
     int exitCode;
     const char* message;
   } cases[] = {
-    { "a missing study", { QString::fromStdString(output.filePath("nowhere")), "--screenshots", shots }, 2,
+    { "a missing study",
+      { QString::fromStdString(output.filePath("nowhere")), "--screenshots", shots },
+      2,
       "the study folder does not exist" },
     { "malformed settings",
-      { QString::fromStdString(study->path()), "--settings",
-        QString::fromStdString(output.write("bad.xml", "<ExplorerSettings><ScatterPlot2D>")), "--screenshots", shots },
-      3, "not well-formed" },
+      { QString::fromStdString(study->path()),
+        "--settings",
+        QString::fromStdString(output.write("bad.xml", "<ExplorerSettings><ScatterPlot2D>")),
+        "--screenshots",
+        shots },
+      3,
+      "not well-formed" },
     { "settings naming an unknown variable",
-      { QString::fromStdString(study->path()), "--settings",
+      { QString::fromStdString(study->path()),
+        "--settings",
         QString::fromStdString(output.write("unknown.xml",
-          "<ExplorerSettings><ScatterPlot2D><XVariable>mass2</XVariable></ScatterPlot2D></ExplorerSettings>")),
-        "--screenshots", shots },
-      3, "\"mass2\"" },
+                                            "<ExplorerSettings><ScatterPlot2D><XVariable>mass2</"
+                                            "XVariable></ScatterPlot2D></ExplorerSettings>")),
+        "--screenshots",
+        shots },
+      3,
+      "\"mass2\"" },
     { "a refused setting",
-      { QString::fromStdString(study->path()), "--settings",
-        QString::fromStdString(output.write("refused.xml",
+      { QString::fromStdString(study->path()),
+        "--settings",
+        QString::fromStdString(output.write(
+          "refused.xml",
           "<ExplorerSettings><ScatterPlot2D><ColorLegend><NumLabels>99</NumLabels></ColorLegend>"
           "</ScatterPlot2D></ExplorerSettings>")),
-        "--screenshots", shots },
-      3, "nothing was changed" },
-    { "bad case ids", { QString::fromStdString(study->path()), "--select", "12,x", "--screenshots", shots }, 4,
+        "--screenshots",
+        shots },
+      3,
+      "nothing was changed" },
+    { "bad case ids",
+      { QString::fromStdString(study->path()), "--select", "12,x", "--screenshots", shots },
+      4,
       "--select takes case ids" },
     { "an unwritable output folder",
-      { QString::fromStdString(study->path()), "--screenshots",
+      { QString::fromStdString(study->path()),
+        "--screenshots",
         QString::fromStdString(output.write("a-file", "")) + "/inside" },
-      5, "cannot create the folder" },
+      5,
+      "cannot create the folder" },
   };
   for (const auto& c : cases)
   {

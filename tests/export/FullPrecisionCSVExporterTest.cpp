@@ -1,5 +1,5 @@
-#include "export/CSVTestReader.h"
 #include "export/FullPrecisionCSVExporter.h"
+#include "export/CSVTestReader.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -70,11 +70,20 @@ private:
 
 TEST(FullPrecisionCSVExporter, EveryDoubleReadsBackBitForBit)
 {
-  std::vector<double> values = { 558.765989623179, 0.1, 1e308, -1e308, -0.0, 0.0,
-    std::numeric_limits<double>::denorm_min(), -std::numeric_limits<double>::denorm_min(),
-    std::numeric_limits<double>::min() / 3, std::numeric_limits<double>::max(),
-    std::numeric_limits<double>::lowest(), std::numeric_limits<double>::epsilon(),
-    std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity() };
+  std::vector<double> values = { 558.765989623179,
+                                 0.1,
+                                 1e308,
+                                 -1e308,
+                                 -0.0,
+                                 0.0,
+                                 std::numeric_limits<double>::denorm_min(),
+                                 -std::numeric_limits<double>::denorm_min(),
+                                 std::numeric_limits<double>::min() / 3,
+                                 std::numeric_limits<double>::max(),
+                                 std::numeric_limits<double>::lowest(),
+                                 std::numeric_limits<double>::epsilon(),
+                                 std::numeric_limits<double>::infinity(),
+                                 -std::numeric_limits<double>::infinity() };
   std::mt19937_64 random(20261121);
   while (values.size() < 20000)
   {
@@ -135,8 +144,8 @@ TEST(FullPrecisionCSVExporter, WritesIntegersBitsFloatsAndTextsAsTheyAre)
     point->InsertNextTuple2(i, 0.5 * i);
   }
   vtkNew<vtkTable> table;
-  for (vtkAbstractArray* column : std::initializer_list<vtkAbstractArray*>{
-         ids, counts, ratio, failed, notes, point })
+  for (vtkAbstractArray* column :
+       std::initializer_list<vtkAbstractArray*>{ ids, counts, ratio, failed, notes, point })
     table->AddColumn(column);
 
   TemporaryFolder folder;
@@ -144,7 +153,7 @@ TEST(FullPrecisionCSVExporter, WritesIntegersBitsFloatsAndTextsAsTheyAre)
   FullPrecisionCSVExporter().writeCSVFile(*table, path);
   const std::string text = readFile(path);
   EXPECT_EQ(text.substr(0, text.find('\n')),
-    "case_id,\"count, total\",ratio,failed,note,point:0,point:1");
+            "case_id,\"count, total\",ratio,failed,note,point:0,point:1");
   const auto rows = readCSV(text);
   ASSERT_EQ(rows.size(), 6u);
   for (int i = 0; i < 5; ++i)

@@ -1,8 +1,8 @@
+#include "export/SurrogateModelCSVExporter.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "export/CSVTestReader.h"
-#include "export/SurrogateModelCSVExporter.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

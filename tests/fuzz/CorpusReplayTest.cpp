@@ -21,7 +21,8 @@ void replay(const char* folder, void (*harness)(const std::uint8_t*, std::size_t
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray bytes = file.readAll();
     SCOPED_TRACE(name.toStdString());
-    harness(reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<std::size_t>(bytes.size()));
+    harness(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+            static_cast<std::size_t>(bytes.size()));
   }
 }
 

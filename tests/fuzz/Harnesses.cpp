@@ -41,7 +41,8 @@ enum Mode : std::int32_t
 
 std::shared_ptr<const Project> smallProject()
 {
-  static const std::shared_ptr<const Project> project = [] {
+  static const std::shared_ptr<const Project> project = []
+  {
     ProjectBuilder builder;
     builder.setCaseIds({ 1, 2 });
     builder.addNumericVariable("x", { 1, 2 });
@@ -64,7 +65,8 @@ void settings(const std::uint8_t* data, std::size_t size)
   using Bounded = plexa::BoundedValueValidator<short>;
   auto show = boost::make_shared<plexa::Property<bool>>(false);
   auto count = boost::make_shared<plexa::Property<short>>(
-    short(15), boost::make_shared<Bounded>(short(3), Bounded::Inclusive, short(40), Bounded::Inclusive));
+    short(15),
+    boost::make_shared<Bounded>(short(3), Bounded::Inclusive, short(40), Bounded::Inclusive));
   auto mode = boost::make_shared<plexa::Property<Mode>>(First);
   auto range = boost::make_shared<plexa::Property<ValueRange_s<double>>>(
     ValueRange_s<double>{ 0, 1 }, boost::make_shared<plexa::ValueRangeValidator<double>>());
@@ -83,10 +85,13 @@ void settings(const std::uint8_t* data, std::size_t size)
   root.addSubElement(boost::make_shared<EnumSerializer<Mode>>("Mode", mode, modes));
   root.addSubElement(boost::make_shared<ValueRangeSerializer<double>>("Range", range));
   root.addSubElement(boost::make_shared<GenericSerializer<unsigned long long>>("Zoom", zoom));
-  root.addSubElement(boost::make_shared<TagsToShowSerializer>(tags, std::set<std::string>{ "final", "plot:a" }));
+  root.addSubElement(
+    boost::make_shared<TagsToShowSerializer>(tags, std::set<std::string>{ "final", "plot:a" }));
   root.addSubElement(boost::make_shared<TagGroupsToShowSerializer>(groups));
-  root.addSubElement(boost::make_shared<VariableInfoSerializer>("XVariable", variable, project->variables()));
-  root.addSubElement(boost::make_shared<VariableListSerializer>("Variables", variables, project->variables()));
+  root.addSubElement(
+    boost::make_shared<VariableInfoSerializer>("XVariable", variable, project->variables()));
+  root.addSubElement(
+    boost::make_shared<VariableListSerializer>("Variables", variables, project->variables()));
   QDomElement element = document.documentElement();
   try
   {
@@ -126,7 +131,8 @@ void list(const std::uint8_t* data, std::size_t size)
   while (start <= text.size())
   {
     const auto end = text.find('\0', start);
-    strings.push_back(text.substr(start, end == std::string::npos ? std::string::npos : end - start));
+    strings.push_back(
+      text.substr(start, end == std::string::npos ? std::string::npos : end - start));
     if (end == std::string::npos)
       break;
     start = end + 1;
@@ -144,7 +150,8 @@ void study(const std::uint8_t* data, std::size_t size)
   const std::string text(reinterpret_cast<const char*>(data), size);
   const auto cut = text.find('\f');
   {
-    std::ofstream cases(folder.filePath("cases.csv").toStdString(), std::ios::binary | std::ios::trunc);
+    std::ofstream cases(folder.filePath("cases.csv").toStdString(),
+                        std::ios::binary | std::ios::trunc);
     cases << text.substr(0, cut);
   }
   const std::string auxPath = folder.filePath("auxfiles.csv").toStdString();

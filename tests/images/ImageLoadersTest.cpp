@@ -55,8 +55,9 @@ std::string writeJpegBomb(const TemporaryFolder& folder)
 // A 23-byte GIF whose logical screen is 65535 x 65535 around a first frame of 1 x 1.
 std::string writeGifBomb(const TemporaryFolder& folder)
 {
-  const unsigned char bytes[] = { 'G', 'I', 'F', '8', '9', 'a', 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00,
-    0x00, 0x2C, 0x00, 0x00, 0x00, 0x00, 0x01, 0x00, 0x01, 0x00, 0x00 };
+  const unsigned char bytes[] = { 'G',  'I',  'F',  '8',  '9',  'a',  0xFF, 0xFF,
+                                  0xFF, 0xFF, 0x00, 0x00, 0x00, 0x2C, 0x00, 0x00,
+                                  0x00, 0x00, 0x01, 0x00, 0x01, 0x00, 0x00 };
   return folder.write("bomb.gif", std::string(reinterpret_cast<const char*>(bytes), sizeof bytes));
 }
 
@@ -121,8 +122,13 @@ TEST(ImageCache, UnreadableFilesGiveNullImagesNeverEmptyPointers)
   const std::string jpegBomb = writeJpegBomb(folder);
   EXPECT_EQ(QImageReader(QString::fromStdString(jpegBomb)).size(), QSize(25075, 29445))
     << "the header declares the size the budget refuses";
-  for (const std::string& path : { folder.filePath("missing.png"), corrupt, empty, bomb, truncated,
-         jpegBomb, writeGifBomb(folder) })
+  for (const std::string& path : { folder.filePath("missing.png"),
+                                   corrupt,
+                                   empty,
+                                   bomb,
+                                   truncated,
+                                   jpegBomb,
+                                   writeGifBomb(folder) })
   {
     const auto image = loader->image(path);
     ASSERT_NE(image, nullptr) << path;
@@ -173,19 +179,21 @@ TEST(ImageCache, ServesManyThreadsAtOnce)
   std::vector<std::thread> threads;
   for (int t = 0; t < 4; ++t)
   {
-    threads.emplace_back([&, t] {
-      auto own = cache.imageLoader();
-      for (int round = 0; round < 200; ++round)
+    threads.emplace_back(
+      [&, t]
       {
-        const std::size_t i = static_cast<std::size_t>(round + t) % paths.size();
-        const auto& loader = round % 2 ? shared : own;
-        const auto image = loader->image(paths[i]);
-        if (!image || image->width() != 10 + static_cast<int>(i))
-          ++wrong;
-        if (round % 50 == 0)
-          own = cache.imageLoader(); // drop a client: its images may expire in the cache
-      }
-    });
+        auto own = cache.imageLoader();
+        for (int round = 0; round < 200; ++round)
+        {
+          const std::size_t i = static_cast<std::size_t>(round + t) % paths.size();
+          const auto& loader = round % 2 ? shared : own;
+          const auto image = loader->image(paths[i]);
+          if (!image || image->width() != 10 + static_cast<int>(i))
+            ++wrong;
+          if (round % 50 == 0)
+            own = cache.imageLoader(); // drop a client: its images may expire in the cache
+        }
+      });
   }
   for (auto& thread : threads)
     thread.join();
@@ -205,19 +213,24 @@ TEST(ImageCache, SurvivesSizeChangesAndClearsFromOtherThreads)
   std::vector<std::thread> readers;
   for (int t = 0; t < 3; ++t)
   {
-    readers.emplace_back([&, t] {
-      for (int round = 0; round < 300; ++round)
+    readers.emplace_back(
+      [&, t]
       {
-        const QSize size = scaler.image(paths[static_cast<std::size_t>(round + t) % paths.size()])->size();
-        if (size != QSize(20, 10) && size != QSize(40, 20))
-          ++wrong;
-      }
-    });
+        for (int round = 0; round < 300; ++round)
+        {
+          const QSize size =
+            scaler.image(paths[static_cast<std::size_t>(round + t) % paths.size()])->size();
+          if (size != QSize(20, 10) && size != QSize(40, 20))
+            ++wrong;
+        }
+      });
   }
-  std::thread resizer([&] {
-    for (int round = 0; !stop && round < 300; ++round)
-      scaler.setSize(round % 2 ? QSize(20, 20) : QSize(40, 40));
-  });
+  std::thread resizer(
+    [&]
+    {
+      for (int round = 0; !stop && round < 300; ++round)
+        scaler.setSize(round % 2 ? QSize(20, 20) : QSize(40, 40));
+    });
   for (auto& reader : readers)
     reader.join();
   stop = true;

@@ -37,8 +37,16 @@ TEST(zoomLevelToImageSize, SevenAndAHalfPixelsPerLevelTruncated)
   {
     unsigned long long level;
     int side;
-  } cases[] = { { 0, 50 }, { 1, 57 }, { 10, 125 }, { 25, 237 }, { 50, 425 }, { 100, 800 },
-    { 200, 1550 }, { std::numeric_limits<unsigned long long>::max(), std::numeric_limits<int>::max() } };
+  } cases[] = {
+    { 0, 50 },
+    { 1, 57 },
+    { 10, 125 },
+    { 25, 237 },
+    { 50, 425 },
+    { 100, 800 },
+    { 200, 1550 },
+    { std::numeric_limits<unsigned long long>::max(), std::numeric_limits<int>::max() }
+  };
   for (const auto& c : cases)
   {
     EXPECT_EQ(zoomLevelToImageSize(c.level), QSize(c.side, c.side)) << c.level;
@@ -53,12 +61,13 @@ TEST_F(ImageProperties, ANewObjectShowsNoLabelsAndZoomsTo237Pixels)
   EXPECT_EQ(properties.zoom()->value(), 25u);
   EXPECT_EQ(zoomLevelToImageSize(properties.zoom()->value()), QSize(237, 237));
   EXPECT_EQ(properties.variablesInLabel()->value(),
-    (std::vector<WeakPtr<Variable>>{ study.project->variable("angle"), study.project->variable("speed") }))
+            (std::vector<WeakPtr<Variable>>{ study.project->variable("angle"),
+                                             study.project->variable("speed") }))
     << "the discrete variables wait as caption variables";
   EXPECT_EQ(properties.tagGroupsToShow()->value(),
-    std::vector<WeakPtr<TagGroup>>{ study.project->tagGroup("plot") });
+            std::vector<WeakPtr<TagGroup>>{ study.project->tagGroup("plot") });
   EXPECT_EQ(properties.allTagsToShow()->value(),
-    (std::vector<std::string>{ "plot:speed", "plot:trajectory" }));
+            (std::vector<std::string>{ "plot:speed", "plot:trajectory" }));
 }
 
 TEST_F(ImageProperties, SuccessiveZoomChangesAreOneUndoEntry)
@@ -77,9 +86,10 @@ TEST_F(ImageProperties, AllTagsToShowFollowsTheGroupsAndTheTags)
   ImageViewProperties properties;
   properties.tagsToShow()->setValue({ "final", "plot:speed" });
   EXPECT_EQ(properties.allTagsToShow()->value(),
-    (std::vector<std::string>{ "plot:speed", "plot:trajectory", "final" }));
+            (std::vector<std::string>{ "plot:speed", "plot:trajectory", "final" }));
   properties.tagGroupsToShow()->setValue({});
-  EXPECT_EQ(properties.allTagsToShow()->value(), (std::vector<std::string>{ "final", "plot:speed" }));
+  EXPECT_EQ(properties.allTagsToShow()->value(),
+            (std::vector<std::string>{ "final", "plot:speed" }));
   properties.tagGroupsToShow()->setValue(
     { study.project->tagGroup("plot"), study.project->tagGroup("plot") });
   EXPECT_EQ(properties.tagGroupsToShow()->value().size(), 1u) << "a group is kept once";
@@ -90,7 +100,7 @@ TEST_F(ImageProperties, AllTagsToShowFollowsTheGroupsAndTheTags)
   properties.resume();
   properties.tagsToShow()->setValue({ "final" });
   EXPECT_EQ(properties.allTagsToShow()->value(),
-    (std::vector<std::string>{ "plot:speed", "plot:trajectory", "final" }));
+            (std::vector<std::string>{ "plot:speed", "plot:trajectory", "final" }));
 }
 
 TEST_F(ImageProperties, TheMatrixStartsOnTheDiscreteVariablesWithoutPages)
@@ -105,10 +115,10 @@ TEST_F(ImageProperties, TheMatrixStartsOnTheDiscreteVariablesWithoutPages)
   EXPECT_TRUE(properties.pageValue()->value().isEmpty());
 
   int heard = 0;
-  boost::signals2::scoped_connection connection = properties.dimensionRowsBy()->connectSignalValueChanged(
-    [&](const ImageMatrixViewProperties::RowColumnDimensionBy& mode) {
-      heard += mode == ImageMatrixViewProperties::ByVariable ? 1 : 0;
-    });
+  boost::signals2::scoped_connection connection =
+    properties.dimensionRowsBy()->connectSignalValueChanged(
+      [&](const ImageMatrixViewProperties::RowColumnDimensionBy& mode)
+      { heard += mode == ImageMatrixViewProperties::ByVariable ? 1 : 0; });
   properties.dimensionRowsBy()->setValue(ImageMatrixViewProperties::ByTag);
   ASSERT_EQ(stack.count(), 1);
   EXPECT_EQ(stack.text(0), "Change Dimension Rows By");

@@ -1,9 +1,9 @@
+#include "images/ImageTableModel.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "images/ImageCache.h"
 #include "images/ImageMatrixTableModelAdapter.h"
 #include "images/ImageMatrixViewProperties.h"
-#include "images/ImageTableModel.h"
 #include "images/ScalingImageLoader.h"
 #include "properties/PropertyAbstract.h"
 #include "support/SmallStudy.h"
@@ -73,7 +73,8 @@ TEST_F(ImageGrid, ByVariableCellsHoldTheCasesOfBothValues)
   EXPECT_EQ(grid->casesAt(0, 1), (Cases{ 3, 6 }));
   EXPECT_EQ(grid->casesAt(1, 0), (Cases{ 2 }));
   EXPECT_EQ(grid->casesAt(1, 1), (Cases{ 4 }));
-  EXPECT_EQ(fileNames(0, 1),
+  EXPECT_EQ(
+    fileNames(0, 1),
     (std::vector<std::string>{ "images/3_traj.png", "images/3_extra.png", "images/6_traj.png" }))
     << "cases ascending, each case's files in the study's order";
 
@@ -87,8 +88,10 @@ TEST_F(ImageGrid, TagAxesFilterTheFilesAndBothTagAxesUseTheDiagonal)
   ASSERT_EQ(grid->rowCount(), 2);
   EXPECT_EQ(grid->rowValue(0), Variant("plot:speed"));
   EXPECT_EQ(grid->casesAt(0, 0), (Cases{ 1, 2, 5 })) << "every case of angle 30 on each tag row";
-  EXPECT_EQ(fileNames(0, 0), (std::vector<std::string>{ "images/1_speed.png", "images/2_speed.png" }));
-  EXPECT_EQ(fileNames(1, 0), (std::vector<std::string>{ "images/1_traj.png", "images/2_traj.png" }));
+  EXPECT_EQ(fileNames(0, 0),
+            (std::vector<std::string>{ "images/1_speed.png", "images/2_speed.png" }));
+  EXPECT_EQ(fileNames(1, 0),
+            (std::vector<std::string>{ "images/1_traj.png", "images/2_traj.png" }));
 
   properties->dimensionColumnsBy()->setValue(Matrix::ByTag);
   ASSERT_EQ(grid->columnCount(), 2);
@@ -119,7 +122,7 @@ TEST_F(ImageGrid, PagesRestrictCasesByVariableOrFilesByTag)
 TEST_F(ImageGrid, AvailableTagsAreSortedWithoutRepeats)
 {
   EXPECT_EQ(grid->availableTags(),
-    (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
+            (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
 }
 
 TEST_F(ImageGrid, TheAdapterShowsImagesCaptionsAndToolTips)
@@ -133,7 +136,7 @@ TEST_F(ImageGrid, TheAdapterShowsImagesCaptionsAndToolTips)
 
   EXPECT_EQ(adapter.data(single, Qt::DisplayRole).toString(), "") << "labels are off";
   EXPECT_EQ(adapter.data(single, Qt::ToolTipRole).toString().toStdString(),
-    "Case ID: 4\nFile Name: " + study.folder.filePath("images/4_speed.png"));
+            "Case ID: 4\nFile Name: " + study.folder.filePath("images/4_speed.png"));
   const QImage plain = adapter.data(single, Qt::DecorationRole).value<QImage>();
   EXPECT_EQ(plain, *loader->image(study.folder.filePath("images/4_speed.png")));
   EXPECT_EQ(plain.size(), QSize(40, 30));
@@ -142,18 +145,18 @@ TEST_F(ImageGrid, TheAdapterShowsImagesCaptionsAndToolTips)
   EXPECT_NE(marked, *loader->image(study.folder.filePath("images/3_traj.png")))
     << "a cell of several files shows the stack marker";
   EXPECT_EQ(adapter.data(several, Qt::ToolTipRole).toString().toStdString(),
-    "Case ID: 3\nFile Name: " + study.folder.filePath("images/3_traj.png") +
-      "\n2 additional image(s) at this location.");
+            "Case ID: 3\nFile Name: " + study.folder.filePath("images/3_traj.png") +
+              "\n2 additional image(s) at this location.");
 
   properties->showLabels()->setValue(true);
   EXPECT_EQ(adapter.data(several, Qt::DisplayRole).toString(), "angle=45  speed=10");
   EXPECT_EQ(adapter.data(several, Qt::ToolTipRole).toString().toStdString(),
-    "Case ID: 3\nFile Name: " + study.folder.filePath("images/3_traj.png") +
-      "\n\nangle=45\nspeed=10\n2 additional image(s) at this location.");
+            "Case ID: 3\nFile Name: " + study.folder.filePath("images/3_traj.png") +
+              "\n\nangle=45\nspeed=10\n2 additional image(s) at this location.");
   properties->variablesInLabel()->setValue({});
   EXPECT_EQ(adapter.data(single, Qt::DisplayRole).toString(), "");
   EXPECT_EQ(adapter.data(single, Qt::ToolTipRole).toString().toStdString(),
-    "Case ID: 4\nFile Name: " + study.folder.filePath("images/4_speed.png"))
+            "Case ID: 4\nFile Name: " + study.folder.filePath("images/4_speed.png"))
     << "no blank line without label text";
 
   EXPECT_EQ(adapter.headerData(1, Qt::Horizontal, Qt::DisplayRole).toString(), "45");

@@ -1,9 +1,9 @@
+#include "images/ImageTableView.h"
 #include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "images/ImageCache.h"
 #include "images/ImageMatrixViewProperties.h"
-#include "images/ImageTableView.h"
 #include "images/ImageViewItemDelegate.h"
 #include "images/ImageViewStylesheets.h"
 #include "images/QImageTableView.h"
@@ -35,7 +35,8 @@ protected:
     master = boost::make_shared<SelectionModel>();
     properties = std::make_shared<Matrix>();
     properties->zoom()->setValue(0); // 50 x 50 pixel images
-    view = std::make_unique<ImageTableView>(parent, pipeline, master, cache.imageLoader(), properties);
+    view =
+      std::make_unique<ImageTableView>(parent, pipeline, master, cache.imageLoader(), properties);
   }
   ~ImageTableViewTest() override
   {
@@ -101,7 +102,8 @@ TEST_F(ImageTableViewTest, CellsAreSizedFromTheDelegateAtTheZoom)
 
   properties->showLabels()->setValue(true);
   EXPECT_GT(table.rowHeight(0), 125 + 8 + grid) << "captions add their height";
-  const QSize hint = table.imageDelegate()->sizeHint(QStyleOptionViewItem(), table.model()->index(0, 0));
+  const QSize hint =
+    table.imageDelegate()->sizeHint(QStyleOptionViewItem(), table.model()->index(0, 0));
   EXPECT_EQ(table.rowHeight(0), hint.height() + grid);
 
   ImageViewItemDelegate noCaption(nullptr);
@@ -122,7 +124,7 @@ TEST_F(ImageTableViewTest, ScrollPositionsBeyondTheRangeAreKept)
 TEST_F(ImageTableViewTest, AvailableTagsAreSortedWithoutRepeats)
 {
   EXPECT_EQ(view->availableTags(),
-    (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
+            (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
 }
 
 TEST_F(ImageTableViewTest, SelectionIsTheMasterSelectionBothWays)
@@ -177,7 +179,8 @@ TEST(ImageViewStylesheets, TheDefaultsAreStoredAndEditsAreReadBack)
   {
     QSettings settings;
     EXPECT_EQ(settings.value("ImageTableViewStylesheet").toString(),
-      "QTableView{background-color:lightgray}") << "the first call writes the default";
+              "QTableView{background-color:lightgray}")
+      << "the first call writes the default";
     settings.setValue("ImageTableViewStylesheet", "QTableView{background-color:black}");
   }
   EXPECT_EQ(imageTableViewStylesheet(), "QTableView{background-color:black}");

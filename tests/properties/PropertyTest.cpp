@@ -1,5 +1,5 @@
-#include "properties/BoundedValueValidator.h"
 #include "properties/Property.h"
+#include "properties/BoundedValueValidator.h"
 #include "properties/ValueRangeValidator.h"
 
 #include <boost/make_shared.hpp>
@@ -32,9 +32,10 @@ private:
 };
 
 // Appends every value the property signals to `seen` while `connection` lives.
-template <typename T>
-void record(const plexa::PropertyAbstract<T>& property, std::vector<T>& seen,
-  boost::signals2::scoped_connection& connection)
+template<typename T>
+void record(const plexa::PropertyAbstract<T>& property,
+            std::vector<T>& seen,
+            boost::signals2::scoped_connection& connection)
 {
   connection = property.connectSignalValueChanged([&seen](const T& v) { seen.push_back(v); });
 }
@@ -85,7 +86,9 @@ TEST(Property, TheUntypedSignalFiresOncePerChangeWhileItHasListeners)
 TEST(Property, InvalidValuesAreRefusedWithTheValidatorsMessageAndChangeNothing)
 {
   auto validator = boost::make_shared<plexa::BoundedValueValidator<short>>(
-    short(3), plexa::BoundedValueValidator<short>::Inclusive, short(40),
+    short(3),
+    plexa::BoundedValueValidator<short>::Inclusive,
+    short(40),
     plexa::BoundedValueValidator<short>::Inclusive);
   plexa::Property<short> labels(15, validator);
   int signals = 0;
@@ -99,7 +102,7 @@ TEST(Property, InvalidValuesAreRefusedWithTheValidatorsMessageAndChangeNothing)
   catch (const plexa::InvalidPropertyValueException& e)
   {
     EXPECT_STREQ(e.what(),
-      "The value must be greater than or equal to 3 and less than or equal to 40");
+                 "The value must be greater than or equal to 3 and less than or equal to 40");
   }
   EXPECT_THROW(labels = short(41), plexa::InvalidPropertyValueException);
   EXPECT_EQ(labels.value(), 15);
@@ -110,7 +113,7 @@ TEST(Property, InvalidValuesAreRefusedWithTheValidatorsMessageAndChangeNothing)
     << "an invalid initial value makes the constructor throw";
   EXPECT_THROW((plexa::Property<ValueRange_s<double>>(
                  { 2.0, 1.0 }, boost::make_shared<plexa::ValueRangeValidator<double>>())),
-    plexa::InvalidPropertyValueException);
+               plexa::InvalidPropertyValueException);
 }
 
 TEST(Property, CopyAssignmentCopiesTheValueOnlyAndSignalsOnlyOnADifference)

@@ -15,10 +15,13 @@ TEST(UndoHistory, ThousandsOfRandomEditsUndoBackToTheFirstState)
   UndoStack stack;
   stack.clear();
   using Bounded = plexa::BoundedValueValidator<short>;
-  auto count = boost::make_shared<plexa::UndoablePropertyProxy<short>>("Number of Labels",
+  auto count = boost::make_shared<plexa::UndoablePropertyProxy<short>>(
+    "Number of Labels",
     boost::make_shared<plexa::Property<short>>(
-      short(15), boost::make_shared<Bounded>(short(3), Bounded::Inclusive, short(40), Bounded::Inclusive)));
-  auto range = boost::make_shared<plexa::UndoablePropertyProxy<ValueRange_s<double>>>("Range",
+      short(15),
+      boost::make_shared<Bounded>(short(3), Bounded::Inclusive, short(40), Bounded::Inclusive)));
+  auto range = boost::make_shared<plexa::UndoablePropertyProxy<ValueRange_s<double>>>(
+    "Range",
     boost::make_shared<plexa::Property<ValueRange_s<double>>>(
       ValueRange_s<double>{ 0, 1 }, boost::make_shared<plexa::ValueRangeValidator<double>>()));
   auto zoom = boost::make_shared<plexa::UndoablePropertyProxy<unsigned long long>>(
@@ -26,8 +29,10 @@ TEST(UndoHistory, ThousandsOfRandomEditsUndoBackToTheFirstState)
   zoom->setMergeId(stack.nextUndoID());
   auto show = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
     "Show", boost::make_shared<plexa::Property<bool>>(false));
-  const auto state = [&] {
-    return std::make_tuple(count->value(), range->value().min, range->value().max, zoom->value(), show->value());
+  const auto state = [&]
+  {
+    return std::make_tuple(
+      count->value(), range->value().min, range->value().max, zoom->value(), show->value());
   };
   const auto first = state();
 
@@ -50,7 +55,8 @@ TEST(UndoHistory, ThousandsOfRandomEditsUndoBackToTheFirstState)
       case 1:
         try
         {
-          range->setValue({ static_cast<double>(random() % 20), static_cast<double>(random() % 20) });
+          range->setValue(
+            { static_cast<double>(random() % 20), static_cast<double>(random() % 20) });
         }
         catch (const plexa::InvalidPropertyValueException&)
         {

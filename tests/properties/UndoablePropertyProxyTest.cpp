@@ -1,7 +1,7 @@
+#include "properties/UndoablePropertyProxy.h"
 #include "analyzer_common/UndoStack.h"
 #include "properties/BoundedValueValidator.h"
 #include "properties/Property.h"
-#include "properties/UndoablePropertyProxy.h"
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
@@ -53,8 +53,8 @@ TEST_F(UndoablePropertyProxyTest, EqualValuesAndDirectTargetChangesRecordNothing
   auto target = boost::make_shared<plexa::Property<std::vector<std::string>>>();
   plexa::UndoablePropertyProxy<std::vector<std::string>> proxy("Tags to Show", target);
   std::vector<std::vector<std::string>> heard;
-  boost::signals2::scoped_connection connection = proxy.connectSignalValueChanged(
-    [&](const std::vector<std::string>& v) { heard.push_back(v); });
+  boost::signals2::scoped_connection connection =
+    proxy.connectSignalValueChanged([&](const std::vector<std::string>& v) { heard.push_back(v); });
 
   proxy.setValue({});
   EXPECT_EQ(stack.count(), 0);
@@ -68,7 +68,8 @@ TEST_F(UndoablePropertyProxyTest, InvalidValuesThrowBeforeAnythingIsRecorded)
 {
   using Bounded = plexa::BoundedValueValidator<short>;
   auto target = boost::make_shared<plexa::Property<short>>(
-    short(15), boost::make_shared<Bounded>(short(3), Bounded::Inclusive, short(40), Bounded::Inclusive));
+    short(15),
+    boost::make_shared<Bounded>(short(3), Bounded::Inclusive, short(40), Bounded::Inclusive));
   plexa::UndoablePropertyProxy<short> proxy("Number of Labels", target);
   EXPECT_EQ(proxy.validator(), target->validator());
   EXPECT_THROW(proxy.setValue(41), plexa::InvalidPropertyValueException);

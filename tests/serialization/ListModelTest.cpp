@@ -34,8 +34,8 @@ TEST(StandardListModel, EntriesPairDisplayAndDataStringsAndFindSearchesTheData)
 TEST(StandardListModel, IndexesPastTheEndThrowOutOfRange)
 {
   StringListModel model({ "a" });
-  for (auto read : { &ListModelInterface<std::string>::data,
-         &ListModelInterface<std::string>::displayString })
+  for (auto read :
+       { &ListModelInterface<std::string>::data, &ListModelInterface<std::string>::displayString })
   {
     try
     {
@@ -61,7 +61,8 @@ TEST(StringListModel, ListsTheSetInAscendingOrderAndCopiesWhole)
   StandardListModel<std::string> copy;
   copy.push_back("old", "old");
   int changes = 0;
-  boost::signals2::scoped_connection connection = copy.connectSignalModelChanged([&] { ++changes; });
+  boost::signals2::scoped_connection connection =
+    copy.connectSignalModelChanged([&] { ++changes; });
   copy.copy(letters);
   EXPECT_EQ(changes, 1) << "a copy notifies once";
   ASSERT_EQ(copy.size(), 2u);

@@ -43,7 +43,8 @@ void read(SerializerInterface& serializer, const QString& xml)
 TEST(VariableInfoSerializer, SavesTheNameAndResolvesItAmongTheCandidates)
 {
   const auto project = study();
-  auto property = boost::make_shared<plexa::Property<WeakPtr<Variable>>>(project->variable("speed"));
+  auto property =
+    boost::make_shared<plexa::Property<WeakPtr<Variable>>>(project->variable("speed"));
   VariableInfoSerializer serializer("XVariable", property, project->variables());
   EXPECT_EQ(written(serializer), "<XVariable>speed</XVariable>");
 
@@ -67,17 +68,19 @@ TEST(VariableListSerializer, SavesChildrenInOrderAndKeepsOnlyKnownNames)
     std::vector<WeakPtr<Variable>>{ project->variable("speed"), project->variable("angle") });
   VariableListSerializer serializer("VariablesInLabel", property, project->variables());
   const QString xml = written(serializer);
-  EXPECT_EQ(xml, "<VariablesInLabel><Variable name=\"speed\"/><Variable name=\"angle\"/>"
-                 "</VariablesInLabel>");
+  EXPECT_EQ(xml,
+            "<VariablesInLabel><Variable name=\"speed\"/><Variable name=\"angle\"/>"
+            "</VariablesInLabel>");
 
-  VariableListSerializer onlySpeed(
-    "VariablesInLabel", property, { project->variable("speed") });
+  VariableListSerializer onlySpeed("VariablesInLabel", property, { project->variable("speed") });
   read(onlySpeed, xml);
   EXPECT_EQ(property->value(), std::vector<WeakPtr<Variable>>{ project->variable("speed") });
 
-  read(serializer, "<VariablesInLabel><Variable name=\"angle\"/><Other name=\"speed\"/>"
-                   "<Variable/><Variable name=\"angle\"/><Variable name=\"x\"/></VariablesInLabel>");
-  EXPECT_EQ(property->value(),
+  read(serializer,
+       "<VariablesInLabel><Variable name=\"angle\"/><Other name=\"speed\"/>"
+       "<Variable/><Variable name=\"angle\"/><Variable name=\"x\"/></VariablesInLabel>");
+  EXPECT_EQ(
+    property->value(),
     (std::vector<WeakPtr<Variable>>{ project->variable("angle"), project->variable("angle") }));
   read(serializer, "<VariablesInLabel/>");
   EXPECT_TRUE(property->value().empty()) << "an empty list is set too";
@@ -116,8 +119,9 @@ TEST(TagGroupsToShowSerializer, SavesGroupNamesAndResolvesThemInTheCurrentProjec
   EXPECT_EQ(written(serializer), "<TagGroupsToShow>view,plot</TagGroupsToShow>");
 
   read(serializer, "<TagGroupsToShow>plot,nothing,view,plot</TagGroupsToShow>");
-  EXPECT_EQ(groups->value(), (std::vector<WeakPtr<TagGroup>>{ project->tagGroup("plot"),
-                               project->tagGroup("view"), project->tagGroup("plot") }))
+  EXPECT_EQ(groups->value(),
+            (std::vector<WeakPtr<TagGroup>>{
+              project->tagGroup("plot"), project->tagGroup("view"), project->tagGroup("plot") }))
     << "every field is read; names without a group are dropped";
   Project::setProject(nullptr);
   read(serializer, "<TagGroupsToShow>plot</TagGroupsToShow>");

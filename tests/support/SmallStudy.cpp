@@ -10,8 +10,11 @@
 namespace testsupport
 {
 
-std::string writeImage(const TemporaryFolder& folder, const std::string& name, int width,
-  int height, const QColor& color)
+std::string writeImage(const TemporaryFolder& folder,
+                       const std::string& name,
+                       int width,
+                       int height,
+                       const QColor& color)
 {
   QImage image(width, height, QImage::Format_RGB32);
   image.fill(color);

@@ -13,8 +13,11 @@ namespace testsupport
 {
 
 /// Writes a PNG of one colour and returns its path.
-std::string writeImage(const TemporaryFolder& folder, const std::string& name, int width,
-  int height, const QColor& color);
+std::string writeImage(const TemporaryFolder& folder,
+                       const std::string& name,
+                       int width,
+                       int height,
+                       const QColor& color);
 
 /// A small design study with images, built in memory over files in a temporary folder:
 ///

@@ -29,8 +29,10 @@ bool isEnvironmentNoise(const std::string& text)
     "QStandardPaths: XDG_RUNTIME_DIR not set",
     "QStandardPaths: runtime directory",
   };
-  return std::any_of(std::begin(noise), std::end(noise),
-    [&](const char* fragment) { return text.find(fragment) != std::string::npos; });
+  return std::any_of(std::begin(noise),
+                     std::end(noise),
+                     [&](const char* fragment)
+                     { return text.find(fragment) != std::string::npos; });
 }
 
 void report(const std::string& origin, const std::string& text)

@@ -27,7 +27,7 @@ int main()
   const auto project = builder.build();
 
   const bool ok = target->value() == 1.0 && selection.getSelections().count(42) == 1 &&
-    project->record(42).lock().data(project->variable("x")).toDouble() == 3.5;
+                  project->record(42).lock().data(project->variable("x")).toDouble() == 3.5;
   std::cout << (ok ? "consumer ok" : "consumer FAILED") << std::endl;
   return ok ? 0 : 1;
 }

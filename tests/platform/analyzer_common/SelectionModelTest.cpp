@@ -8,8 +8,8 @@ TEST(SelectionModel, SignalsTheNewSetOnlyWhenTheSelectionChanges)
 {
   SelectionModel model;
   std::vector<SelectionModel::Selection> heard;
-  auto connection =
-    model.connectSignalSelectionChanged([&](const SelectionModel::Selection& s) { heard.push_back(s); });
+  auto connection = model.connectSignalSelectionChanged([&](const SelectionModel::Selection& s)
+                                                        { heard.push_back(s); });
 
   const SelectionModel::Selection ids = { 3, 1ULL << 31, 1ULL << 32, 18446744073709551615ULL };
   model.setSelection(ids);

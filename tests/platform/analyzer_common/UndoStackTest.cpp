@@ -1,6 +1,6 @@
+#include "analyzer_common/UndoStack.h"
 #include "analyzer_common/DeleteSignaler.h"
 #include "analyzer_common/GenericUndoCommand.h"
-#include "analyzer_common/UndoStack.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,11 @@ public:
     const int oldValue = value;
     value = newValue;
     UndoStack().push(new GenericUndoCommand([this, newValue] { value = newValue; },
-      [this, oldValue] { value = oldValue; }, *this, "Change value", mergeId, nullptr));
+                                            [this, oldValue] { value = oldValue; },
+                                            *this,
+                                            "Change value",
+                                            mergeId,
+                                            nullptr));
   }
 
   int value = 0;
@@ -108,7 +112,8 @@ TEST_F(UndoStackTest, ReplayingHistorySuspendsRecordingAndIsReported)
   UndoStack stack;
   std::vector<std::pair<bool, bool>> seen; // (in progress, suspended) at each run
   DeleteSignaler owner;
-  auto record = [&] { seen.emplace_back(stack.undoOrRedoInProgress(), stack.recordingIsSuspended()); };
+  auto record = [&]
+  { seen.emplace_back(stack.undoOrRedoInProgress(), stack.recordingIsSuspended()); };
   stack.push(new GenericUndoCommand(record, record, owner, "Probe", -1, nullptr));
   stack.undo();
   stack.redo();

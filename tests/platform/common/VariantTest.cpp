@@ -20,8 +20,8 @@ TEST(Variant, TotalOrderPutsEmptyThenNumbersByValueThenTexts)
     Variant(true),
     Variant(2),
     Variant(10.0),
-    Variant(9007199254740993ULL),        // 2^53 + 1: not representable as a double
-    Variant(18446744073709551615ULL),    // 2^64 - 1
+    Variant(9007199254740993ULL),     // 2^53 + 1: not representable as a double
+    Variant(18446744073709551615ULL), // 2^64 - 1
     Variant(std::numeric_limits<double>::infinity()),
     Variant(nan),
     Variant(""),
@@ -47,8 +47,8 @@ TEST(Variant, NumbersOfDifferentKindsAreEqualByValueAndGroupInSets)
   EXPECT_NE(Variant(1), Variant("1"));
 
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const std::set<Variant> grouped = { Variant(2.0), Variant(2), Variant(nan), Variant(nan),
-    Variant("x"), Variant("x"), Variant() };
+  const std::set<Variant> grouped = { Variant(2.0), Variant(2),   Variant(nan), Variant(nan),
+                                      Variant("x"), Variant("x"), Variant() };
   EXPECT_EQ(grouped.size(), 4u) << "2 and 2.0, the two NaNs and the two texts must group";
 }
 

@@ -75,7 +75,7 @@ TEST(StudyObjects, TagGroupsComeFromGroupColonTagTexts)
 {
   const auto project = smallProject();
   EXPECT_EQ(project->tags(),
-    (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
+            (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
   ASSERT_EQ(project->tagGroups().size(), 1u);
   const TagGroup plot = project->tagGroup("plot").lock();
   EXPECT_EQ(plot.name(), "plot");
@@ -146,25 +146,31 @@ TEST(ProjectBuilder, RejectsInconsistentStudies)
     void (*fill)(ProjectBuilder&);
   } cases[] = {
     { "duplicate case id 4",
-      [](ProjectBuilder& b) { b.setCaseIds({ 4, 4 }); } },
-    { "duplicate variable name \"x\"",
       [](ProjectBuilder& b) {
+        b.setCaseIds({ 4, 4 });
+      } },
+    { "duplicate variable name \"x\"",
+      [](ProjectBuilder& b)
+      {
         b.setCaseIds({ 1 });
         b.addNumericVariable("x", { 1 });
         b.addTextVariable("x", { "a" });
       } },
     { "has 2 values for 1 cases",
-      [](ProjectBuilder& b) {
+      [](ProjectBuilder& b)
+      {
         b.setCaseIds({ 1 });
         b.addNumericVariable("x", { 1, 2 });
       } },
     { "has no name",
-      [](ProjectBuilder& b) {
+      [](ProjectBuilder& b)
+      {
         b.setCaseIds({ 1 });
         b.addNumericVariable("", { 1 });
       } },
     { "names unknown case id 9",
-      [](ProjectBuilder& b) {
+      [](ProjectBuilder& b)
+      {
         b.setCaseIds({ 1 });
         b.addAuxFile(9, "a.png", {});
       } },

@@ -1,6 +1,6 @@
+#include "datamanagement/StudyReader.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/StudyFormatError.h"
-#include "datamanagement/StudyReader.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -15,17 +15,17 @@ TEST(StudyReader, ReadsCasesFilesTagsAndDecidesNatures)
   // A byte-order mark, CRLF line ends, a quoted text holding a comma and a quote, empty and "nan"
   // values, a blank line, and a text column whose first values look like numbers.
   folder.write("cases.csv",
-    "\xEF\xBB\xBF"
-    "case_id,angle, speed ,label,code\r\n"
-    "1,30,12.5,\"a, \"\"quoted\"\" label\",1\r\n"
-    "2,45,,plain,2\r\n"
-    "\r\n"
-    "3,30,NaN,plain,x3\r\n"
-    "4,45,+1e3,plain,4\r\n");
+               "\xEF\xBB\xBF"
+               "case_id,angle, speed ,label,code\r\n"
+               "1,30,12.5,\"a, \"\"quoted\"\" label\",1\r\n"
+               "2,45,,plain,2\r\n"
+               "\r\n"
+               "3,30,NaN,plain,x3\r\n"
+               "4,45,+1e3,plain,4\r\n");
   folder.write("auxfiles.csv",
-    "case_id,path,tags\n"
-    "1,images/1.png, plot:trajectory ; plot:speed;;\n"
-    "2,images/missing.png,plot:trajectory\n");
+               "case_id,path,tags\n"
+               "1,images/1.png, plot:trajectory ; plot:speed;;\n"
+               "2,images/missing.png,plot:trajectory\n");
   folder.write("images/1.png", "not really a png");
 
   const auto project = readStudy(folder.path());
@@ -62,7 +62,8 @@ TEST(StudyReader, CaseIdsCoverTheWholeUnsigned64BitRangeAndAuxFilesAreOptional)
   TemporaryFolder folder;
   folder.write("cases.csv", "case_id,x\n0,1\n9223372036854775808,2\n18446744073709551615,3\n");
   const auto project = readStudy(folder.path());
-  EXPECT_EQ(project->caseIds(),
+  EXPECT_EQ(
+    project->caseIds(),
     (std::vector<unsigned long long>{ 0, 9223372036854775808ULL, 18446744073709551615ULL }));
   EXPECT_TRUE(project->auxFiles().empty());
 }
@@ -84,27 +85,54 @@ TEST(StudyReader, MalformedFilesNameFileLineColumnAndProblem)
     { "case_id,x,\n", nullptr, "cases.csv", 1, 11, "column 3 has no name" },
     { "case_id,x\n1,2\n2\n", nullptr, "cases.csv", 3, 1, "expected 2 fields, found 1" },
     { "case_id,x\n1,2,3\n", nullptr, "cases.csv", 2, 5, "expected 2 fields, found 3" },
-    { "case_id,x\n1,2\nabc,3\n", nullptr, "cases.csv", 3, 1,
+    { "case_id,x\n1,2\nabc,3\n",
+      nullptr,
+      "cases.csv",
+      3,
+      1,
       "case id \"abc\" is not a non-negative integer" },
     { "case_id,x\n-1,2\n", nullptr, "cases.csv", 2, 1, "is not a non-negative integer" },
-    { "case_id,x\n18446744073709551616,1\n", nullptr, "cases.csv", 2, 1,
+    { "case_id,x\n18446744073709551616,1\n",
+      nullptr,
+      "cases.csv",
+      2,
+      1,
       "is beyond the largest case id" },
-    { "case_id,x\n5,1\n6,1\n5,2\n", nullptr, "cases.csv", 4, 1,
+    { "case_id,x\n5,1\n6,1\n5,2\n",
+      nullptr,
+      "cases.csv",
+      4,
+      1,
       "case id 5 is repeated (first on line 2)" },
     { "case_id,x\n1,\"open\n", nullptr, "cases.csv", 2, 3, "quoted field is not closed" },
     { "case_id,x\n1,\"a\"b\n", nullptr, "cases.csv", 2, 6, "unexpected character after" },
     { "case_id,x\n1,caf\xC3\n", nullptr, "cases.csv", 2, 6, "not valid UTF-8" },
     { "case_id,x\n1,\xC0\xAF\n", nullptr, "cases.csv", 2, 3, "not valid UTF-8" },
-    { "case_id,x\n1,2\n", "id,file,tags\n", "auxfiles.csv", 1, 1,
+    { "case_id,x\n1,2\n",
+      "id,file,tags\n",
+      "auxfiles.csv",
+      1,
+      1,
       "the header must be \"case_id,path,tags\"" },
-    { "case_id,x\n1,2\n", "case_id,path,tags\n2,a.png,\n", "auxfiles.csv", 2, 1,
+    { "case_id,x\n1,2\n",
+      "case_id,path,tags\n2,a.png,\n",
+      "auxfiles.csv",
+      2,
+      1,
       "case id 2 is not in cases.csv" },
-    { "case_id,x\n1,2\n", "case_id,path,tags\n1,/etc/passwd,\n", "auxfiles.csv", 2, 3,
+    { "case_id,x\n1,2\n",
+      "case_id,path,tags\n1,/etc/passwd,\n",
+      "auxfiles.csv",
+      2,
+      3,
       "must be relative to the study folder" },
-    { "case_id,x\n1,2\n", "case_id,path,tags\n1,images/../../secret.png,\n", "auxfiles.csv", 2,
-      3, "leads out of the study folder" },
-    { "case_id,x\n1,2\n", "case_id,path,tags\n1, ,t\n", "auxfiles.csv", 2, 3,
-      "the path is empty" },
+    { "case_id,x\n1,2\n",
+      "case_id,path,tags\n1,images/../../secret.png,\n",
+      "auxfiles.csv",
+      2,
+      3,
+      "leads out of the study folder" },
+    { "case_id,x\n1,2\n", "case_id,path,tags\n1, ,t\n", "auxfiles.csv", 2, 3, "the path is empty" },
   };
   for (const auto& c : cases)
   {
@@ -125,7 +153,7 @@ TEST(StudyReader, MalformedFilesNameFileLineColumnAndProblem)
       EXPECT_EQ(e.column(), c.column);
       EXPECT_NE(e.problem().find(c.problem), std::string::npos);
       const std::string where = folder.filePath(c.file) + ":" + std::to_string(c.line) + ":" +
-        std::to_string(c.column) + ": ";
+                                std::to_string(c.column) + ": ";
       EXPECT_EQ(std::string(e.what()).rfind(where, 0), 0u) << "the message starts with " << where;
     }
   }

@@ -1,6 +1,6 @@
+#include "datapipeline/DataPipelineManager.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
-#include "datapipeline/DataPipelineManager.h"
 #include "datapipeline/FilterRangeFinder.h"
 #include "datapipeline/RangeFilter.h"
 #include "datapipeline/ValueSetFilter.h"
@@ -53,7 +53,7 @@ TEST(DataPipelineManager, CasesTableHasTheCaseIdsThenOneColumnPerVariable)
   ASSERT_EQ(cases->GetNumberOfRows(), 6);
   EXPECT_STREQ(cases->GetColumn(0)->GetName(), "case_id");
   EXPECT_EQ(vtkTypeUInt64Array::SafeDownCast(cases->GetColumn(0))->GetValue(5),
-    18446744073709551615ULL);
+            18446744073709551615ULL);
   EXPECT_NE(vtkDoubleArray::SafeDownCast(cases->GetColumnByName("range")), nullptr);
   auto* material = vtkStringArray::SafeDownCast(cases->GetColumnByName("material"));
   ASSERT_NE(material, nullptr);
@@ -77,25 +77,36 @@ TEST(DataPipelineManager, OutputDropsExactlyTheRowsOutsideTheFiltersInEffect)
     std::function<void()> act;
     std::vector<unsigned long long> expected;
   } steps[] = {
-    { "angle in [30, 60], ends included", [&] { pipeline.setRangeFilter(angle, 30, 60); },
+    { "angle in [30, 60], ends included",
+      [&] { pipeline.setRangeFilter(angle, 30, 60); },
       { 11, 12, 13, 18446744073709551615ULL } },
-    { "and range in [0, 3]; NaN never passes", [&] { pipeline.setRangeFilter(range, 0, 3); },
+    { "and range in [0, 3]; NaN never passes",
+      [&] { pipeline.setRangeFilter(range, 0, 3); },
       { 11, 18446744073709551615ULL } },
-    { "the angle filter switched off", [&] { pipeline.setFilterEnabled(angle, false); },
+    { "the angle filter switched off",
+      [&] { pipeline.setFilterEnabled(angle, false); },
       { 10, 11, 18446744073709551615ULL } },
-    { "and the range filter widened", [&] { pipeline.setRangeFilter(range, 0, 10); },
+    { "and the range filter widened",
+      [&] { pipeline.setRangeFilter(range, 0, 10); },
       { 10, 11, 13, 14, 18446744073709551615ULL } },
     { "a value set on a text variable",
-      [&] { pipeline.setFilter(boost::make_shared<ValueSetFilter>(material,
-              std::set<Variant>{ Variant("steel"), Variant("lead") })); },
+      [&]
+      {
+        pipeline.setFilter(boost::make_shared<ValueSetFilter>(
+          material, std::set<Variant>{ Variant("steel"), Variant("lead") }));
+      },
       { 10, 14, 18446744073709551615ULL } },
     { "setting the angle range switches its filter on again",
-      [&] { pipeline.setRangeFilter(angle, 30, 60); }, { 18446744073709551615ULL } },
-    { "removing every filter", [&] {
+      [&] { pipeline.setRangeFilter(angle, 30, 60); },
+      { 18446744073709551615ULL } },
+    { "removing every filter",
+      [&]
+      {
         pipeline.removeFilter(angle);
         pipeline.removeFilter(range);
         pipeline.removeFilter(material);
-      }, { 10, 11, 12, 13, 14, 18446744073709551615ULL } },
+      },
+      { 10, 11, 12, 13, 14, 18446744073709551615ULL } },
   };
   int expectedChanges = 0;
   for (const auto& step : steps)

@@ -59,8 +59,9 @@ TEST(Serializer, TreeWritesChildrenInOrderAndReadsThemBack)
   root->addSubElement(axis);
   root->addDeserializeOnlySubElement(legacy);
 
-  EXPECT_EQ(toXml(*root), "<View value=\"scatter\"><ColorLegend value=\"on\"/><Axis value=\"x\"/>"
-                          "</View>");
+  EXPECT_EQ(toXml(*root),
+            "<View value=\"scatter\"><ColorLegend value=\"on\"/><Axis value=\"x\"/>"
+            "</View>");
 
   QDomDocument saved;
   ASSERT_TRUE(saved.setContent(QString("<View value=\"line\"><Axis value=\"y\"/>"

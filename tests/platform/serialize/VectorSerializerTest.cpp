@@ -44,8 +44,10 @@ QDomElement elementWithText(QDomDocument& document, const QString& text)
 
 TEST(VectorSerializer, StringValueReadsBackAsExactlyOneEqualField)
 {
-  std::vector<std::string> samples = { "plain", "a,b", "say \"hi\"", "back\\slash", "",
-    "\\", "\"", ",", "\\\"", "trailing\\", "new\nline", "  spaced  ", "n\\n", "caf\xC3\xA9" };
+  std::vector<std::string> samples = { "plain", "a,b",        "say \"hi\"", "back\\slash",
+                                       "",      "\\",         "\"",         ",",
+                                       "\\\"",  "trailing\\", "new\nline",  "  spaced  ",
+                                       "n\\n",  "caf\xC3\xA9" };
   std::mt19937 random(2026);
   const std::string alphabet = "ab,\"\\ n\t;";
   for (int i = 0; i < 500; ++i)
@@ -69,8 +71,8 @@ TEST(VectorSerializer, WritesOneCommaSeparatedTextAndReadsAcceptedFieldsBack)
 {
   auto holder = boost::make_shared<ListHolder>();
   holder->list = { "a", "b,c", "" };
-  StringVectorSerializer serializer("TagsToShow", holder,
-    [](const std::string& tag) { return tag != "unknown"; });
+  StringVectorSerializer serializer(
+    "TagsToShow", holder, [](const std::string& tag) { return tag != "unknown"; });
 
   QDomDocument document;
   QDomElement written = serializer.serialize(document);
@@ -95,7 +97,8 @@ TEST(VectorSerializer, WorksThroughAGetterAndASetter)
 {
   std::vector<std::string> stored = { "x", "y" };
   StringVectorSerializer serializer(
-    "Names", [&] { return stored; },
+    "Names",
+    [&] { return stored; },
     [&](const std::vector<std::string>& list) { stored = list; },
     [](const std::string&) { return true; });
   QDomDocument document;
