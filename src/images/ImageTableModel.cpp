@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <stdexcept>
 
 namespace
@@ -29,7 +30,8 @@ struct Axis
   std::vector<Variant> values;
   bool byTag = false;
   Variable variable; // empty: no variable, a single entry holding every case
-  std::map<Variant, int> indexOf;
+  // For a variable axis, the entry of each record in the order the records were laid out.
+  std::vector<int> entryOfRecord;
 
   int size() const { return static_cast<int>(values.size()); }
 };
@@ -49,24 +51,10 @@ std::vector<unsigned long long> inputCaseIds(vtkTableAlgorithm& input)
   return ids;
 }
 
-// The value of each record for the axis variable, read once for both the layout and the
-// grouping.
-std::vector<Variant> valuesOf(const Variable& variable, const std::vector<Record>& records)
-{
-  std::vector<Variant> values;
-  if (!variable)
-    return values;
-  values.reserve(records.size());
-  for (const auto& record : records)
-    values.push_back(record.data(variable));
-  return values;
-}
-
 Axis layoutAxis(Dimension dimension,
                 const WeakPtr<Variable>& handle,
                 const std::vector<std::string>& tags,
-                const std::vector<Record>& records,
-                std::vector<Variant>& recordValues)
+                const std::vector<Record>& records)
 {
   Axis axis;
   if (dimension == ImageMatrixViewProperties::ByTag)
@@ -82,17 +70,31 @@ Axis layoutAxis(Dimension dimension,
     axis.values.emplace_back(0.0);
     return axis;
   }
-  recordValues = valuesOf(axis.variable, records);
-  const std::set<Variant> distinct(recordValues.begin(), recordValues.end());
-  axis.values.assign(distinct.begin(), distinct.end());
-  for (int i = 0; i < axis.size(); ++i)
-    axis.indexOf.emplace(axis.values[static_cast<std::size_t>(i)], i);
+  // One lookup per record: distinct values are numbered as they first appear, then the numbers
+  // are remapped to the sorted order of the values.
+  std::map<Variant, int> firstSeen;
+  axis.entryOfRecord.reserve(records.size());
+  for (const auto& record : records)
+  {
+    const auto inserted =
+      firstSeen.emplace(record.data(axis.variable), static_cast<int>(firstSeen.size()));
+    axis.entryOfRecord.push_back(inserted.first->second);
+  }
+  std::vector<int> sortedIndex(firstSeen.size());
+  axis.values.reserve(firstSeen.size());
+  for (const auto& [value, seen] : firstSeen)
+  {
+    sortedIndex[static_cast<std::size_t>(seen)] = static_cast<int>(axis.values.size());
+    axis.values.push_back(value);
+  }
+  for (int& entry : axis.entryOfRecord)
+    entry = sortedIndex[static_cast<std::size_t>(entry)];
   return axis;
 }
 
-// The entries of an axis a case belongs to: all of them for a tag axis, the only one of an axis
-// without a variable, or the entry of the case's value.
-void entriesOf(const Axis& axis, const Variant& value, std::vector<int>& entries)
+// The entries of an axis the record at `index` belongs to: all of them for a tag axis, the only
+// one of an axis without a variable, or the entry of the record's value.
+void entriesOf(const Axis& axis, std::size_t index, std::vector<int>& entries)
 {
   entries.clear();
   if (axis.byTag)
@@ -106,13 +108,11 @@ void entriesOf(const Axis& axis, const Variant& value, std::vector<int>& entries
   }
   else
   {
-    const auto found = axis.indexOf.find(value);
-    if (found != axis.indexOf.end())
-      entries.push_back(found->second);
+    entries.push_back(axis.entryOfRecord[index]);
   }
 }
 
-const std::set<unsigned long long> noCases;
+const std::vector<unsigned long long> noCases;
 
 } // namespace
 
@@ -127,7 +127,7 @@ struct ImageTableModel::Impl
   Axis rows;
   Axis columns;
   std::optional<std::string> pageTag;
-  std::vector<std::set<unsigned long long>> cells;
+  std::vector<std::vector<unsigned long long>> cells;
   mutable std::vector<std::optional<std::vector<WeakPtr<AuxFile>>>> files;
 
   bool inGrid(int row, int column) const
@@ -153,12 +153,8 @@ struct ImageTableModel::Impl
 
     const auto& p = *properties;
     const std::vector<std::string> tags = p.allTagsToShow()->value();
-    std::vector<Variant> rowValues;
-    std::vector<Variant> columnValues;
-    rows = layoutAxis(p.dimensionRowsBy()->value(), p.rowVar()->value(), tags, records, rowValues);
-    columns = layoutAxis(
-      p.dimensionColumnsBy()->value(), p.columnVar()->value(), tags, records, columnValues);
-    static const Variant none;
+    rows = layoutAxis(p.dimensionRowsBy()->value(), p.rowVar()->value(), tags, records);
+    columns = layoutAxis(p.dimensionColumnsBy()->value(), p.columnVar()->value(), tags, records);
 
     const auto pages = p.dimensionPagesBy()->value();
     const Variant pageValue = p.pageValue()->value();
@@ -170,8 +166,8 @@ struct ImageTableModel::Impl
     cells.assign(static_cast<std::size_t>(rows.size()) * static_cast<std::size_t>(columns.size()),
                  {});
     files.assign(cells.size(), std::nullopt);
-    // One pass over the cases, each put into its cells; the cases come in ascending order, so
-    // each set is filled at its end.
+    // One pass over the cases, each appended to its cells; the cases come in ascending order
+    // without repeats, so every cell's list is sorted as it is filled.
     std::vector<int> rowEntries;
     std::vector<int> columnEntries;
     for (std::size_t i = 0; i < records.size(); ++i)
@@ -184,17 +180,16 @@ struct ImageTableModel::Impl
       if (rows.byTag && columns.byTag)
       {
         for (int i = 0; i < std::min(rows.size(), columns.size()); ++i)
-          cells[cellIndex(i, i)].insert(cells[cellIndex(i, i)].end(), id);
+          cells[cellIndex(i, i)].push_back(id);
         continue;
       }
-      entriesOf(rows, rowValues.empty() ? none : rowValues[i], rowEntries);
-      entriesOf(columns, columnValues.empty() ? none : columnValues[i], columnEntries);
+      entriesOf(rows, i, rowEntries);
+      entriesOf(columns, i, columnEntries);
       for (int r : rowEntries)
       {
         for (int c : columnEntries)
         {
-          auto& cell = cells[cellIndex(r, c)];
-          cell.insert(cell.end(), id);
+          cells[cellIndex(r, c)].push_back(id);
         }
       }
     }
@@ -300,7 +295,7 @@ std::vector<WeakPtr<AuxFile>> ImageTableModel::auxFilesAt(int row, int column) c
   return *memo;
 }
 
-const std::set<unsigned long long>& ImageTableModel::casesAt(int row, int column) const
+const std::vector<unsigned long long>& ImageTableModel::casesAt(int row, int column) const
 {
   return d->inGrid(row, column) ? d->cells[d->cellIndex(row, column)] : noCases;
 }

@@ -10,7 +10,6 @@
 #include <vtkSmartPointer.h>
 
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -50,8 +49,8 @@ public:
   virtual int columnCount() const;
   /// The files shown in a cell; none outside the grid.
   virtual std::vector<WeakPtr<AuxFile>> auxFilesAt(int row, int column) const;
-  /// The cases of a cell, ascending; none outside the grid.
-  virtual const std::set<unsigned long long>& casesAt(int row, int column) const;
+  /// The cases of a cell, ascending and without repeats; none outside the grid.
+  virtual const std::vector<unsigned long long>& casesAt(int row, int column) const;
   /// Every tag of every file of the input's cases, sorted, without repeats.
   virtual std::vector<std::string> availableTags() const;
   /// The i-th axis value; std::out_of_range outside the axis.

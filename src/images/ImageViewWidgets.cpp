@@ -209,7 +209,10 @@ QItemSelection ImageViewSelectionConverter::selectionFromCaseIDs(
       const bool shown =
         ids.size() < cases.size()
           ? std::any_of(
-              ids.begin(), ids.end(), [&](unsigned long long id) { return cases.count(id) != 0; })
+              ids.begin(),
+              ids.end(),
+              [&](unsigned long long id)
+              { return std::binary_search(cases.begin(), cases.end(), id); })
           : std::any_of(cases.begin(),
                         cases.end(),
                         [&](unsigned long long id) { return ids.count(id) != 0; });

@@ -17,7 +17,7 @@
 namespace
 {
 
-using Cases = std::set<unsigned long long>;
+using Cases = std::vector<unsigned long long>;
 using Matrix = ImageMatrixViewProperties;
 
 class ImageGrid : public ::testing::Test
