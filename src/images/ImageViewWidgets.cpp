@@ -208,11 +208,10 @@ QItemSelection ImageViewSelectionConverter::selectionFromCaseIDs(
       // Look the smaller set up in the larger one.
       const bool shown =
         ids.size() < cases.size()
-          ? std::any_of(
-              ids.begin(),
-              ids.end(),
-              [&](unsigned long long id)
-              { return std::binary_search(cases.begin(), cases.end(), id); })
+          ? std::any_of(ids.begin(),
+                        ids.end(),
+                        [&](unsigned long long id)
+                        { return std::binary_search(cases.begin(), cases.end(), id); })
           : std::any_of(cases.begin(),
                         cases.end(),
                         [&](unsigned long long id) { return ids.count(id) != 0; });
