@@ -124,9 +124,16 @@ void RowIndex::refresh(vtkTable& table)
     if (span < 4 * static_cast<unsigned long long>(rowsById.size()) + 64)
     {
       denseIndex.assign(static_cast<std::size_t>(span) + 1, -1);
-      for (std::size_t i = rowsById.size(); i-- > 0;)
+      for (std::size_t i = 0; i < rowsById.size();)
+      {
+        std::size_t next = i + 1;
+        while (next < rowsById.size() && rowsById[next].first == rowsById[i].first)
+          ++next;
         denseIndex[static_cast<std::size_t>(rowsById[i].first - firstId)] =
-          static_cast<std::int64_t>(i);
+          next == i + 1 ? static_cast<std::int64_t>(rowsById[i].second)
+                        : -2 - static_cast<std::int64_t>(i);
+        i = next;
+      }
     }
   }
 }
@@ -159,9 +166,11 @@ std::vector<vtkIdType> RowIndex::rowsOf(vtkTable& table, const std::set<unsigned
     const unsigned long long lastId = firstId + denseIndex.size() - 1;
     for (auto id = ids.lower_bound(firstId); id != ids.end() && *id <= lastId; ++id)
     {
-      const std::int64_t position = denseIndex[static_cast<std::size_t>(*id - firstId)];
-      if (position >= 0)
-        collectFrom(static_cast<std::size_t>(position), *id);
+      const std::int64_t entry = denseIndex[static_cast<std::size_t>(*id - firstId)];
+      if (entry >= 0)
+        rows.push_back(static_cast<vtkIdType>(entry));
+      else if (entry < -1)
+        collectFrom(static_cast<std::size_t>(-2 - entry), *id);
     }
   }
   else

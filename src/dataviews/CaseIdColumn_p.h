@@ -44,7 +44,8 @@ private:
   std::vector<unsigned long long> idOfRow;
   std::vector<std::pair<unsigned long long, vtkIdType>> rowsById;
   // When the ids are dense (their span at most four times the rows, as sequential case ids
-  // are), the position in rowsById of each id's first row, by id - firstId; -1 for no row.
+  // are), by id - firstId: the row of an id on one row, -1 for an id on no row, and for an id
+  // on several rows -2 - the position in rowsById of its first row.
   std::vector<std::int64_t> denseIndex;
   unsigned long long firstId = 0;
 };

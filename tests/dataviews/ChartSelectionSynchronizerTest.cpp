@@ -225,3 +225,27 @@ TEST_F(ChartSelectionTest, ChangedPlotTablesAreReadAfresh)
   master->setSelection({ 12, 20 });
   EXPECT_EQ(selectedRows(*first), (Rows{ 0, 1 }));
 }
+
+TEST_F(ChartSelectionTest, MasterIdsFindTheirRowsWhateverTheOrderAndRepeatsOfTheColumn)
+{
+  struct Case
+  {
+    std::vector<int> column;
+    Ids selected;
+    Rows rows;
+  };
+  const Case cases[] = {
+    { { 10, 11, 12, 13 }, { 11, 13, 99 }, { 1, 3 } },                // ordered, dense
+    { { 13, 10, 12, 11 }, { 10, 13 }, { 0, 1 } },                    // unordered, dense
+    { { 12, 20, 12, 15, 20 }, { 12, 20 }, { 0, 1, 2, 4 } },          // repeated, dense
+    { { 7, 900000, 7, 3 }, { 3, 7 }, { 0, 2, 3 } },                  // repeated, sparse
+    { { 900000, 5, 2000000 }, { 5, 900000, 2000000 }, { 0, 1, 2 } }, // sparse, all selected
+  };
+  for (const Case& c : cases)
+  {
+    first->SetInputData(caseTable(c.column), 1, 2);
+    master->setSelection(c.selected);
+    EXPECT_EQ(selectedRows(*first), c.rows)
+      << "column of " << c.column.size() << " ids, first " << c.column.front();
+  }
+}
