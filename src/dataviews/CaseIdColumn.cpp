@@ -144,10 +144,13 @@ const std::vector<unsigned long long>& RowIndex::caseIdsOf(vtkTable& table)
   return idOfRow;
 }
 
-std::vector<vtkIdType> RowIndex::rowsOf(vtkTable& table, const std::set<unsigned long long>& ids)
+const std::vector<vtkIdType>& RowIndex::rowsOf(vtkTable& table,
+                                               const std::set<unsigned long long>& ids)
 {
   refresh(table);
-  std::vector<vtkIdType> rows;
+  // The buffer is kept between calls: large selections then reuse memory already mapped.
+  std::vector<vtkIdType>& rows = selectedRows;
+  rows.clear();
   if (ids.empty() || rowsById.empty())
   {
     return rows;

@@ -30,8 +30,9 @@ std::vector<unsigned long long> allCaseIds(vtkAbstractArray& column);
 class RowIndex
 {
 public:
-  /// The rows of `table` whose case id is in `ids`, in ascending row order.
-  std::vector<vtkIdType> rowsOf(vtkTable& table, const std::set<unsigned long long>& ids);
+  /// The rows of `table` whose case id is in `ids`, in ascending row order; valid until the
+  /// next call.
+  const std::vector<vtkIdType>& rowsOf(vtkTable& table, const std::set<unsigned long long>& ids);
   /// The case id of each row of `table`, in row order.
   const std::vector<unsigned long long>& caseIdsOf(vtkTable& table);
 
@@ -48,6 +49,7 @@ private:
   // on several rows -2 - the position in rowsById of its first row.
   std::vector<std::int64_t> denseIndex;
   unsigned long long firstId = 0;
+  std::vector<vtkIdType> selectedRows;
 };
 
 } // namespace caseids

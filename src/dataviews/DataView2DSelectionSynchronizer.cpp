@@ -109,7 +109,7 @@ void DataView2DSelectionSynchronizer::setNewSelections(const std::set<unsigned l
     vtkTable* table = plot->GetInput();
     if (table && plotShouldBeSynchronized(plot))
     {
-      const std::vector<vtkIdType> rows = indexes->of(plot).rowsOf(*table, ids);
+      const std::vector<vtkIdType>& rows = indexes->of(plot).rowsOf(*table, ids);
       selection->SetNumberOfValues(static_cast<vtkIdType>(rows.size()));
       std::copy(rows.begin(), rows.end(), selection->GetPointer(0));
     }
