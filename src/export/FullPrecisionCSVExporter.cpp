@@ -110,109 +110,56 @@ public:
   virtual void append(OutputBuffer& out, vtkIdType row) const = 0;
 };
 
-template<typename T>
-class NumberColumn : public ColumnWriter
+// The writer of a column of `components` fields per row; `appendField(out, i)` appends the
+// field at flat value index i (row * components + component).
+template<typename AppendField>
+class FieldColumn : public ColumnWriter
 {
 public:
-  NumberColumn(const T* values, int components)
-    : values(values)
-    , components(components)
+  FieldColumn(int components, AppendField appendField)
+    : components(components)
+    , appendField(std::move(appendField))
   {
   }
   void append(OutputBuffer& out, vtkIdType row) const override
   {
-    const T* tuple = values + row * components;
+    const vtkIdType first = row * components;
     for (int c = 0; c < components; ++c)
     {
       if (c > 0)
         out.put(',');
-      appendNumber(out, tuple[c]);
+      appendField(out, first + c);
     }
   }
 
 private:
-  const T* values;
   int components;
+  AppendField appendField;
 };
 
-class BitColumn : public ColumnWriter
+template<typename AppendField>
+std::unique_ptr<ColumnWriter> fieldColumn(int components, AppendField appendField)
 {
-public:
-  explicit BitColumn(vtkBitArray& bits)
-    : bits(bits)
-  {
-  }
-  void append(OutputBuffer& out, vtkIdType row) const override
-  {
-    const int components = bits.GetNumberOfComponents();
-    for (int c = 0; c < components; ++c)
-    {
-      if (c > 0)
-        out.put(',');
-      out.put(bits.GetValue(row * components + c) ? '1' : '0');
-    }
-  }
+  return std::make_unique<FieldColumn<AppendField>>(components, std::move(appendField));
+}
 
-private:
-  vtkBitArray& bits;
-};
-
-class TextColumn : public ColumnWriter
+template<typename T>
+std::unique_ptr<ColumnWriter> numberColumn(const T* values, int components)
 {
-public:
-  explicit TextColumn(vtkStringArray& texts)
-    : texts(texts)
-  {
-  }
-  void append(OutputBuffer& out, vtkIdType row) const override
-  {
-    const int components = texts.GetNumberOfComponents();
-    for (int c = 0; c < components; ++c)
-    {
-      if (c > 0)
-        out.put(',');
-      appendText(out, texts.GetValue(row * components + c));
-    }
-  }
-
-private:
-  vtkStringArray& texts;
-};
-
-// Any other array (variant arrays and the like), through vtkVariant.
-class VariantColumn : public ColumnWriter
-{
-public:
-  explicit VariantColumn(vtkAbstractArray& array)
-    : array(array)
-  {
-  }
-  void append(OutputBuffer& out, vtkIdType row) const override
-  {
-    const int components = array.GetNumberOfComponents();
-    for (int c = 0; c < components; ++c)
-    {
-      if (c > 0)
-        out.put(',');
-      const vtkVariant value = array.GetVariantValue(row * components + c);
-      if (value.IsDouble() || value.IsFloat())
-        appendNumber(out, value.ToDouble());
-      else
-        appendText(out, value.ToString());
-    }
-  }
-
-private:
-  vtkAbstractArray& array;
-};
+  return fieldColumn(components,
+                     [values](OutputBuffer& out, vtkIdType i) { appendNumber(out, values[i]); });
+}
 
 std::unique_ptr<ColumnWriter> writerFor(vtkAbstractArray& column)
 {
   const int components = column.GetNumberOfComponents();
   if (auto* bits = vtkBitArray::SafeDownCast(&column))
-    return std::make_unique<BitColumn>(*bits);
+    return fieldColumn(components,
+                       [bits](OutputBuffer& out, vtkIdType i)
+                       { out.put(bits->GetValue(i) ? '1' : '0'); });
   if (auto* texts = vtkStringArray::SafeDownCast(&column))
-    return std::make_unique<TextColumn>(*texts);
+    return fieldColumn(
+      components, [texts](OutputBuffer& out, vtkIdType i) { appendText(out, texts->GetValue(i)); });
   if (auto* data = vtkDataArray::SafeDownCast(&column))
   {
     // Contiguous arrays of the plain numeric types are read through their pointer.
@@ -220,12 +167,21 @@ std::unique_ptr<ColumnWriter> writerFor(vtkAbstractArray& column)
     {
       switch (data->GetDataType())
       {
-        vtkTemplateMacro(return std::make_unique<NumberColumn<VTK_TT>>(
-          static_cast<const VTK_TT*>(data->GetVoidPointer(0)), components));
+        vtkTemplateMacro(
+          return numberColumn(static_cast<const VTK_TT*>(data->GetVoidPointer(0)), components));
       }
     }
   }
-  return std::make_unique<VariantColumn>(column);
+  // Any other array (variant arrays and the like), through vtkVariant.
+  return fieldColumn(components,
+                     [&column](OutputBuffer& out, vtkIdType i)
+                     {
+                       const vtkVariant value = column.GetVariantValue(i);
+                       if (value.IsDouble() || value.IsFloat())
+                         appendNumber(out, value.ToDouble());
+                       else
+                         appendText(out, value.ToString());
+                     });
 }
 
 std::string errnoText()
