@@ -1,10 +1,9 @@
 #include "ExplorerWindow.h"
 
-#include "CasesTableView.h"
-#include "ImageMatrixView.h"
-#include "ScatterPlotView.h"
+#include "ExplorerView.h"
 #include "SettingsFile.h"
 #include "SettingsPanel.h"
+#include "ViewRegistry.h"
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
@@ -16,6 +15,7 @@
 #include "images/ImageCache.h"
 
 #include "properties/PropertyAbstract.h"
+
 #include <QImage>
 
 #include <QActionGroup>
@@ -50,7 +50,7 @@ namespace explorer
 namespace
 {
 
-// Enables the chart's actions while a scatter view is the current view.
+// Enables the chart actions while a chart is the current view.
 class ChartActionsVisitor : public DataViewVisitorAbstract
 {
 public:
@@ -68,9 +68,7 @@ struct ExplorerWindow::Impl
   std::shared_ptr<DataPipelineManager> pipeline;
   boost::shared_ptr<SelectionModel> selection = boost::make_shared<SelectionModel>();
   ImageCache cache;
-  boost::shared_ptr<ScatterPlotView> scatter;
-  boost::shared_ptr<CasesTableView> table;
-  boost::shared_ptr<ImageMatrixView> images;
+  std::vector<boost::shared_ptr<ExplorerView>> views;
   ExplorerView* current = nullptr;
   QSplitter* splitter = nullptr;
   QDockWidget* dock = nullptr;
@@ -97,9 +95,7 @@ struct ExplorerWindow::Impl
     current = nullptr;
     delete dock;
     dock = nullptr;
-    scatter.reset();
-    table.reset();
-    images.reset();
+    views.clear();
     pipeline.reset();
   }
 };
@@ -125,10 +121,7 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
             for (ExplorerView* view : views())
             {
               if (now && (now == view->widget() || view->widget()->isAncestorOf(now)))
-              {
-                d->current = view;
-                updateActionsForCurrentView();
-              }
+                setCurrentView(view);
             }
           });
   showStudy(Project::project());
@@ -180,8 +173,8 @@ void ExplorerWindow::createActions()
             this,
             [this, mode = mode]
             {
-              if (d->scatter)
-                d->scatter->mouseMode()->setValue(mode);
+              if (d->current)
+                d->current->mouseMode()->setValue(mode);
             });
     viewMenu->addAction(action);
     tools->addAction(action);
@@ -192,21 +185,32 @@ void ExplorerWindow::createActions()
           this,
           [this]
           {
-            if (d->scatter)
-              d->scatter->fitToData();
+            if (d->current)
+              d->current->fitToData();
           });
   viewMenu->addSeparator();
   viewMenu->addAction(d->fitAction);
   tools->addAction(d->fitAction);
 }
 
-void ExplorerWindow::updateActionsForCurrentView()
+void ExplorerWindow::setCurrentView(ExplorerView* view)
 {
+  d->current = view;
   ChartActionsVisitor visitor;
-  if (d->current)
-    d->current->accept(visitor);
+  if (view)
+    view->accept(visitor);
   d->mouseModes->setEnabled(visitor.chart);
   d->fitAction->setEnabled(visitor.chart);
+  if (visitor.chart)
+  {
+    for (QAction* action : d->mouseModes->actions())
+      action->setChecked(d->mouseModes->actions().indexOf(action) == view->mouseMode()->value());
+  }
+}
+
+ExplorerView* ExplorerWindow::currentView() const
+{
+  return d->current;
 }
 
 void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
@@ -218,29 +222,43 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->project = project ? std::move(project) : Project::project();
   Project::setProject(d->project);
   d->pipeline = std::make_shared<DataPipelineManager>(d->project);
-  d->scatter = boost::make_shared<ScatterPlotView>(d->project, *d->pipeline, d->selection);
-  d->table = boost::make_shared<CasesTableView>(*d->pipeline, d->selection);
-  d->images = boost::make_shared<ImageMatrixView>(
-    d->project, d->pipeline, d->selection, d->cache.imageLoader());
-
-  auto* right = new QSplitter(Qt::Vertical);
-  right->addWidget(d->table->widget());
-  right->addWidget(d->images->widget());
-  right->setStretchFactor(1, 2);
+  const ViewContext context{ d->project, d->pipeline, d->selection, &d->cache };
   while (d->splitter->count() > 0)
     delete d->splitter->widget(0);
-  d->splitter->addWidget(d->scatter->widget());
-  d->splitter->addWidget(right);
-  d->splitter->setStretchFactor(0, 3);
-  d->splitter->setStretchFactor(1, 2);
-  d->splitter->setSizes({ 650, 600 });
-  right->setSizes({ 230, 600 });
+  auto* side = new QSplitter(Qt::Vertical);
+  QList<int> mainSizes;
+  QList<int> sideSizes;
+  for (const ViewKind& kind : viewKinds())
+  {
+    d->views.push_back(kind.create(context));
+    QWidget* widget = d->views.back()->widget();
+    if (kind.area == ViewArea::Main)
+    {
+      d->splitter->addWidget(widget);
+      mainSizes.append(kind.stretch);
+    }
+    else
+    {
+      side->addWidget(widget);
+      sideSizes.append(kind.stretch);
+    }
+  }
+  d->splitter->addWidget(side);
+  // Sizes in proportion to the kinds' stretches: the main area takes about half the width.
+  const auto scaled = [](QList<int> stretches, int total)
+  {
+    int sum = 0;
+    for (int stretch : stretches)
+      sum += stretch;
+    for (int& stretch : stretches)
+      stretch = total * stretch / std::max(sum, 1);
+    return stretches;
+  };
+  d->splitter->setSizes(scaled(mainSizes, 650) << 600);
+  side->setSizes(scaled(sideSizes, 830));
 
-  auto* panel = new SettingsPanel(d->project,
-                                  *d->pipeline,
-                                  *d->scatter,
-                                  *d->images,
-                                  [this](const QString& message) { report(message); });
+  auto* panel = new SettingsPanel(
+    d->project, *d->pipeline, views(), [this](const QString& message) { report(message); });
   auto* scroll = new QScrollArea();
   scroll->setWidget(panel);
   scroll->setWidgetResizable(true);
@@ -249,15 +267,14 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->dock->setWidget(scroll);
   addDockWidget(Qt::RightDockWidgetArea, d->dock);
 
-  d->current = d->scatter.get();
-  updateActionsForCurrentView();
-  // Once the window is on screen the chart can fit itself to the data.
+  setCurrentView(d->views.empty() ? nullptr : d->views.front().get());
+  // Once the window is on screen the views can fit themselves to the data.
   QTimer::singleShot(0,
                      this,
                      [this]
                      {
-                       if (d->scatter)
-                         d->scatter->refresh();
+                       for (ExplorerView* view : views())
+                         view->refresh();
                      });
   const QString folder = QString::fromStdString(d->project->folder());
   setWindowTitle(folder.isEmpty() ? "Explorer" : "Explorer - " + QFileInfo(folder).fileName());
@@ -344,22 +361,10 @@ SelectionModel& ExplorerWindow::selection() const
 
 std::vector<ExplorerView*> ExplorerWindow::views() const
 {
-  return { d->scatter.get(), d->table.get(), d->images.get() };
-}
-
-ScatterPlotView& ExplorerWindow::scatter() const
-{
-  return *d->scatter;
-}
-
-CasesTableView& ExplorerWindow::table() const
-{
-  return *d->table;
-}
-
-ImageMatrixView& ExplorerWindow::images() const
-{
-  return *d->images;
+  std::vector<ExplorerView*> list;
+  for (const auto& view : d->views)
+    list.push_back(view.get());
+  return list;
 }
 
 int ExplorerWindow::shownCases() const

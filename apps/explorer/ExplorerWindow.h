@@ -13,13 +13,10 @@ class QAction;
 namespace explorer
 {
 
-class CasesTableView;
 class ExplorerView;
-class ImageMatrixView;
-class ScatterPlotView;
 
-/// The explorer's main window: the scatter plot, the table of cases and the image matrix of one
-/// study side by side, linked by one master selection, with the settings panel at the side.
+/// The explorer's main window: one view of each registered kind over one study, linked by one
+/// master selection, with the settings panel at the side.
 class ExplorerWindow : public QMainWindow
 {
   Q_OBJECT
@@ -40,10 +37,19 @@ public:
   bool exportCases(const QString& path, bool fullPrecision, QString& error) const;
 
   SelectionModel& selection() const;
+  /// The views, in registry order.
   std::vector<ExplorerView*> views() const;
-  ScatterPlotView& scatter() const;
-  CasesTableView& table() const;
-  ImageMatrixView& images() const;
+  /// The first view of a kind, or null.
+  template<typename View>
+  View* view() const
+  {
+    for (ExplorerView* candidate : views())
+      if (auto* found = dynamic_cast<View*>(candidate))
+        return found;
+    return nullptr;
+  }
+  /// The view the chart actions (mouse modes, Fit to Data) apply to: the last one focused.
+  ExplorerView* currentView() const;
   /// The number of cases the filters let through.
   int shownCases() const;
 
@@ -57,7 +63,7 @@ private:
   void openSettings();
   void saveSettingsAs();
   void exportCasesAs(bool fullPrecision);
-  void updateActionsForCurrentView();
+  void setCurrentView(ExplorerView* view);
   void report(const QString& message);
 
   struct Impl;

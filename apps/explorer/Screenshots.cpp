@@ -1,9 +1,7 @@
 #include "Screenshots.h"
 
-#include "CasesTableView.h"
+#include "ExplorerView.h"
 #include "ExplorerWindow.h"
-#include "ImageMatrixView.h"
-#include "ScatterPlotView.h"
 #include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
 

@@ -1,6 +1,6 @@
 #include "SettingsFile.h"
 
-#include "Views.h"
+#include "ExplorerView.h"
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
@@ -11,6 +11,7 @@
 #include <QDomElement>
 #include <boost/lexical_cast.hpp>
 
+#include <algorithm>
 #include <set>
 
 namespace explorer
@@ -19,26 +20,24 @@ namespace explorer
 namespace
 {
 
-const char* const variableElements[] = { "XVariable",   "YVariable",      "ColorVariable",
-                                         "RowVariable", "ColumnVariable", "PageVariable" };
-
-// Every variable name the document refers to, to check them all before applying anything.
-void collectVariableNames(const QDomElement& element, std::set<std::string>& names)
+// Every variable name the document refers to, to check them all before applying anything:
+// the texts of the elements a view declares as variable settings, "Variable" elements of lists
+// and the filters' variables.
+void collectVariableNames(const QDomElement& element,
+                          const std::vector<std::string>& variableElements,
+                          std::set<std::string>& names)
 {
-  for (const char* tag : variableElements)
-  {
-    if (element.tagName() == tag && !element.text().isEmpty())
-      names.insert(element.text().toStdString());
-  }
-  if ((element.tagName() == "Variable" || element.tagName() == "Filter") &&
-      element.hasAttribute(element.tagName() == "Variable" ? "name" : "variable"))
-  {
-    names.insert(
-      element.attribute(element.tagName() == "Variable" ? "name" : "variable").toStdString());
-  }
+  const std::string tag = element.tagName().toStdString();
+  if (std::find(variableElements.begin(), variableElements.end(), tag) != variableElements.end() &&
+      !element.text().isEmpty())
+    names.insert(element.text().toStdString());
+  if (tag == "Variable" && element.hasAttribute("name"))
+    names.insert(element.attribute("name").toStdString());
+  if (tag == "Filter" && element.hasAttribute("variable"))
+    names.insert(element.attribute("variable").toStdString());
   for (QDomElement child = element.firstChildElement(); !child.isNull();
        child = child.nextSiblingElement())
-    collectVariableNames(child, names);
+    collectVariableNames(child, variableElements, names);
 }
 
 double number(const QDomElement& filter, const char* attribute, const std::string& source)
@@ -142,7 +141,11 @@ void SettingsFile::load(const QString& xml,
                         root.tagName().toStdString() + "\", not \"ExplorerSettings\")");
 
   std::set<std::string> names;
-  collectVariableNames(root, names);
+  collectVariableNames(root.firstChildElement("Filters"), {}, names);
+  for (ExplorerView* view : views)
+    collectVariableNames(root.firstChildElement(QString::fromStdString(view->domName())),
+                         view->variableElements(),
+                         names);
   std::string unknown;
   for (const auto& name : names)
   {

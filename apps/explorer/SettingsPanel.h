@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class DataPipelineManager;
 class Project;
@@ -11,12 +12,12 @@ class Project;
 namespace explorer
 {
 
-class ImageMatrixView;
-class ScatterPlotView;
+class ExplorerView;
 
-/// The side panel: editors bound to the views' settings (their properties) and to the range
-/// filters of the pipeline. Edits go through the properties, so they are validated and undoable;
-/// a refused value is reported through `report` and the editor shows the setting again.
+/// The side panel: the settings sections of every view, in order, and the range filters of the
+/// pipeline. Edits go through the properties and the pipeline, so they are validated (and the
+/// properties' edits undoable); a refused value is reported through `report` and the editor
+/// shows the setting again.
 class SettingsPanel : public QWidget
 {
   Q_OBJECT
@@ -26,8 +27,7 @@ public:
 
   SettingsPanel(std::shared_ptr<const Project> project,
                 DataPipelineManager& pipeline,
-                ScatterPlotView& scatter,
-                ImageMatrixView& images,
+                const std::vector<ExplorerView*>& views,
                 Report report,
                 QWidget* parent = nullptr);
   ~SettingsPanel() override;

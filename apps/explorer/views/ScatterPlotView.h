@@ -1,16 +1,11 @@
 #pragma once
 
-#include "Views.h"
-#include "datamanagement/Variable.h"
-#include "datamanagement/WeakPtr.h"
+#include "ExplorerView.h"
 
 #include <memory>
 
 class AxisDetailsInterface;
 class ColorLegend;
-class DataPipelineManagerInterface;
-class Project;
-class SelectionModelInterface;
 class vtkPlotPoints;
 
 namespace plexa
@@ -30,14 +25,14 @@ class ScatterPlotView
   , public ExplorerView
 {
 public:
-  ScatterPlotView(std::shared_ptr<const Project> project,
-                  const DataPipelineManagerInterface& pipeline,
-                  boost::shared_ptr<SelectionModelInterface> selection);
+  explicit ScatterPlotView(const ViewContext& context);
   ~ScatterPlotView() override;
 
   QWidget* widget() const override;
   void accept(DataViewVisitorInterface& visitor) override;
+  QString title() const override { return "Scatter plot"; }
   std::string shortName() const override { return "scatter"; }
+  std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
   void suspend() override;
   void resume() override;
@@ -50,7 +45,7 @@ public:
   AxisDetailsInterface& yAxis() const;
   ColorLegend& colorLegend() const;
   /// Fits both axes to the shown points.
-  void fitToData();
+  void fitToData() override;
   /// The points plot and the number of its rows that are selected.
   vtkPlotPoints& points() const;
   int highlightedPoints() const;

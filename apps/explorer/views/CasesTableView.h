@@ -1,12 +1,10 @@
 #pragma once
 
-#include "Views.h"
+#include "ExplorerView.h"
 
 #include <memory>
 
-class DataPipelineManagerInterface;
 class QTableView;
-class SelectionModelInterface;
 
 namespace explorer
 {
@@ -18,13 +16,15 @@ class CasesTableView
   , public ExplorerView
 {
 public:
-  CasesTableView(const DataPipelineManagerInterface& pipeline,
-                 boost::shared_ptr<SelectionModelInterface> selection);
+  explicit CasesTableView(const ViewContext& context);
   ~CasesTableView() override;
 
   QWidget* widget() const override;
   void accept(DataViewVisitorInterface& visitor) override;
+  QString title() const override { return "Cases"; }
   std::string shortName() const override { return "table"; }
+  /// The table has no settings of its own.
+  std::vector<SettingsSection> settingsSections(PropertyEditors&) override { return {}; }
   std::string selectionSummary() const override;
   void suspend() override;
   void resume() override;

@@ -1,15 +1,11 @@
 #pragma once
 
-#include "Views.h"
+#include "ExplorerView.h"
 
 #include <memory>
 
-class DataPipelineManagerInterface;
-class ImageFileLoaderInterface;
 class ImageMatrixViewProperties;
 class ImageTableView;
-class Project;
-class SelectionModelInterface;
 
 namespace explorer
 {
@@ -21,15 +17,14 @@ class ImageMatrixView
   , public ExplorerView
 {
 public:
-  ImageMatrixView(std::shared_ptr<const Project> project,
-                  std::shared_ptr<const DataPipelineManagerInterface> pipeline,
-                  boost::shared_ptr<SelectionModelInterface> selection,
-                  std::shared_ptr<ImageFileLoaderInterface> loader);
+  explicit ImageMatrixView(const ViewContext& context);
   ~ImageMatrixView() override;
 
   QWidget* widget() const override;
   void accept(DataViewVisitorInterface& visitor) override;
+  QString title() const override { return "Image matrix"; }
   std::string shortName() const override { return "images"; }
+  std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
   void suspend() override;
   void resume() override;

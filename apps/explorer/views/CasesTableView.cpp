@@ -1,8 +1,8 @@
-#include "CasesTableView.h"
+#include "views/CasesTableView.h"
 
 #include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
-#include "datapipeline/DataPipelineManagerInterface.h"
+#include "datapipeline/DataPipelineManager.h"
 #include "dataviews/RecordTableUtils.h"
 #include "dataviews/SelectionConverterInterface.h"
 #include "dataviews/TableViewSelectionSynchronizer.h"
@@ -145,11 +145,11 @@ struct CasesTableView::Impl
   SignalConnectionCollection connections;
 };
 
-CasesTableView::CasesTableView(const DataPipelineManagerInterface& pipeline,
-                               boost::shared_ptr<SelectionModelInterface> selection)
-  : ExplorerView(std::make_unique<Serializer>("CasesTable"), selection)
+CasesTableView::CasesTableView(const ViewContext& context)
+  : ExplorerView(std::make_unique<Serializer>("CasesTable"), context.selection)
   , d(std::make_unique<Impl>())
 {
+  const DataPipelineManagerInterface& pipeline = *context.pipeline;
   d->table = new QTableView();
   d->table->setObjectName("casesTable");
   d->table->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -158,7 +158,7 @@ CasesTableView::CasesTableView(const DataPipelineManagerInterface& pipeline,
   d->model = std::make_unique<CasesModel>(pipeline);
   d->table->setModel(d->model.get());
   d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
-    selection, *d->table, boost::make_shared<RowConverter>(*d->model));
+    context.selection, *d->table, boost::make_shared<RowConverter>(*d->model));
   Impl* impl = d.get();
   d->connections.add(pipeline.connectSignalPipelineChanged(
     [impl]

@@ -1,5 +1,6 @@
-#include "ScatterPlotView.h"
+#include "views/ScatterPlotView.h"
 
+#include "PropertyEditors.h"
 #include "vtkPlottableCaseIds.h"
 
 #include "analyzer_common/SelectionModelInterface.h"
@@ -13,7 +14,7 @@
 #include "colorlegend/NiceLabelsColorBarWidget.h"
 #include "common_vtk/vtkPxCommandProxy.h"
 #include "datamanagement/Project.h"
-#include "datapipeline/DataPipelineManagerInterface.h"
+#include "datapipeline/DataPipelineManager.h"
 #include "dataviews/DataView2DSelectionSynchronizer.h"
 #include "dataviews/PlotSelectionModel.h"
 #include "properties/ColorVariableProperty.h"
@@ -22,10 +23,10 @@
 #include "properties/UndoablePropertyProxy.h"
 #include "properties/VTKChartsMouseModeProperty.h"
 #include "serialization/GenericSerializer.h"
-#include "serialization/VariableInfoSerializer.h"
 #include "serialize/Serializer.h"
 #include "signals/SignalConnectionCollection.h"
 
+#include <QFormLayout>
 #include <QPointer>
 #include <QVTKOpenGLNativeWidget.h>
 #include <boost/make_shared.hpp>
@@ -133,13 +134,13 @@ struct ScatterPlotView::Impl
   }
 };
 
-ScatterPlotView::ScatterPlotView(std::shared_ptr<const Project> project,
-                                 const DataPipelineManagerInterface& pipeline,
-                                 boost::shared_ptr<SelectionModelInterface> selection)
-  : ExplorerView(std::make_unique<Serializer>("ScatterPlot2D"), selection)
-  , d(std::make_unique<Impl>(pipeline))
+ScatterPlotView::ScatterPlotView(const ViewContext& context)
+  : ExplorerView(std::make_unique<Serializer>("ScatterPlot2D"), context.selection)
+  , d(std::make_unique<Impl>(*context.pipeline))
 {
-  d->project = std::move(project);
+  const DataPipelineManagerInterface& pipeline = *context.pipeline;
+  const auto& selection = context.selection;
+  d->project = context.project;
   d->widget = new QVTKOpenGLNativeWidget();
   d->widget->setObjectName("scatterView");
   d->window = vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New();
@@ -246,12 +247,10 @@ ScatterPlotView::ScatterPlotView(std::shared_ptr<const Project> project,
   d->connections.add(
     d->legend->show()->connectSignalValueChanged([replot](const bool&) { replot(); }));
 
+  saveVariableSetting("XVariable", d->x, *d->project);
+  saveVariableSetting("YVariable", d->y, *d->project);
+  saveVariableSetting("ColorVariable", d->color, *d->project);
   SerializerInterface& settings = serializer();
-  const auto variables = d->project->variables();
-  settings.addSubElement(boost::make_shared<VariableInfoSerializer>("XVariable", d->x, variables));
-  settings.addSubElement(boost::make_shared<VariableInfoSerializer>("YVariable", d->y, variables));
-  settings.addSubElement(
-    boost::make_shared<VariableInfoSerializer>("ColorVariable", d->color, variables));
   settings.addSubElement(d->legend->serializer());
   settings.addSubElement(boost::make_shared<GenericSerializer<double>>("XMin", d->xAxis->min()));
   settings.addSubElement(boost::make_shared<GenericSerializer<double>>("XMax", d->xAxis->max()));
@@ -316,6 +315,18 @@ void ScatterPlotView::refresh()
   }
   d->chart->Update();
   d->render();
+}
+
+std::vector<SettingsSection> ScatterPlotView::settingsSections(PropertyEditors& editors)
+{
+  auto* chart = new QWidget();
+  auto* form = new QFormLayout(chart);
+  form->addRow("X", editors.variableChooser(d->x, true, false));
+  form->addRow("Y", editors.variableChooser(d->y, true, false));
+  form->addRow("Colour", editors.variableChooser(d->color, true, true));
+  form->addRow(editors.axisEditor("X axis", *d->xAxis));
+  form->addRow(editors.axisEditor("Y axis", *d->yAxis));
+  return { { title(), chart }, { "Colour legend", editors.colorLegendEditor(*d->legend) } };
 }
 
 boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ScatterPlotView::xVariable() const

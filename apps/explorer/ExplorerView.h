@@ -1,0 +1,100 @@
+#pragma once
+
+// The interface every view of the explorer implements, and what a view is built from.
+
+#include "datamanagement/Variable.h"
+#include "datamanagement/WeakPtr.h"
+#include "dataviews/DataViewAbstract.h"
+#include "dataviews/DataViewVisitorInterface.h"
+
+#include <QString>
+#include <boost/enable_shared_from_this.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class DataPipelineManager;
+class ImageCache;
+class Project;
+class QWidget;
+
+// The kinds of data view, as the visitor tells them apart.
+class ScatterPlot2DInterface : public virtual DataViewInterface
+{
+};
+
+class TableViewInterface : public virtual DataViewInterface
+{
+};
+
+class ImageMatrixViewInterface : public virtual DataViewInterface
+{
+};
+
+namespace explorer
+{
+
+class PropertyEditors;
+
+/// What every view is built from: the study, its pipeline (the cases the filters let through),
+/// the master selection and the shared image cache. A view follows the master selection and the
+/// pipeline's changes by itself, from its constructor on.
+struct ViewContext
+{
+  std::shared_ptr<const Project> project;
+  std::shared_ptr<DataPipelineManager> pipeline;
+  boost::shared_ptr<SelectionModelInterface> selection;
+  ImageCache* images = nullptr;
+};
+
+/// One section of the settings panel: a titled widget of editors bound to a view's properties.
+struct SettingsSection
+{
+  QString title;
+  QWidget* widget = nullptr;
+};
+
+/// A view of the explorer: a data view with a widget, a title, a section of the settings panel
+/// and an element in the settings file (written and read by its serializer, under domName()).
+class ExplorerView
+  : public DataViewAbstract
+  , public boost::enable_shared_from_this<ExplorerView>
+{
+public:
+  using DataViewAbstract::DataViewAbstract;
+  ~ExplorerView() override;
+
+  virtual QWidget* widget() const = 0;
+  /// The title of the view's pane and settings ("Scatter plot").
+  virtual QString title() const = 0;
+  /// A short name for file names ("scatter").
+  virtual std::string shortName() const = 0;
+  /// Calls the visitor's overload of this view's kind.
+  virtual void accept(DataViewVisitorInterface& visitor) = 0;
+  /// The settings panel's sections for this view, built from the generic editors, which own the
+  /// connections to the properties. A view without settings returns none.
+  virtual std::vector<SettingsSection> settingsSections(PropertyEditors& editors) = 0;
+  /// What the view shows of the master selection, for the summary: e.g. "2 highlighted points".
+  virtual std::string selectionSummary() const = 0;
+  /// Fits a chart to the shown cases; views that are not charts ignore it.
+  virtual void fitToData() {}
+
+  /// The elements of the view's saved settings whose text names a variable, so that settings
+  /// naming a variable the study lacks can be refused before anything is applied.
+  const std::vector<std::string>& variableElements() const { return variableElementNames; }
+
+  using DataViewAbstract::mouseMode;
+
+protected:
+  /// Saves a variable setting under `element`, by name, and records the element.
+  void saveVariableSetting(
+    const std::string& element,
+    boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> property,
+    const Project& project);
+
+private:
+  std::vector<std::string> variableElementNames;
+};
+
+} // namespace explorer

@@ -1,0 +1,230 @@
+#include "PropertyEditors.h"
+
+#include "charts/AxisDetailsInterface.h"
+#include "colorlegend/ColorLegend.h"
+#include "datamanagement/Project.h"
+
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QSpinBox>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace explorer
+{
+
+QString numberText(double value)
+{
+  if (std::isnan(value))
+    return {};
+  char buffer[32];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  return QString::fromLatin1(buffer, static_cast<int>(result.ptr - buffer));
+}
+
+bool parseNumber(const QString& text, double& value)
+{
+  bool ok = false;
+  value = text.trimmed().toDouble(&ok);
+  return ok;
+}
+
+PropertyEditors::PropertyEditors(std::shared_ptr<const Project> project, Report report)
+  : studyProject(std::move(project))
+  , report(std::move(report))
+{
+}
+
+PropertyEditors::~PropertyEditors() = default;
+
+void PropertyEditors::edit(const std::function<void()>& change,
+                           const std::function<void()>& restore) const
+{
+  try
+  {
+    change();
+  }
+  catch (const std::exception& e)
+  {
+    report(QString::fromStdString(e.what()));
+    restore();
+  }
+}
+
+void PropertyEditors::follow(const plexa::PropertyItemInterface& property,
+                             std::function<void()> show)
+{
+  connections.add(property.connectSignalPropertyChanged(std::move(show)));
+}
+
+QComboBox* PropertyEditors::variableChooser(boost::shared_ptr<VariableProperty> property,
+                                            bool numericOnly,
+                                            bool allowNone)
+{
+  auto* combo = new QComboBox();
+  std::vector<WeakPtr<Variable>> choices;
+  if (allowNone)
+  {
+    combo->addItem("(none)");
+    choices.emplace_back();
+  }
+  for (const auto& variable : studyProject->variables())
+  {
+    if (numericOnly && variable.lock().nature() == Variable::Text)
+      continue;
+    combo->addItem(QString::fromStdString(variable.lock().name()));
+    choices.push_back(variable);
+  }
+  const auto show = [combo, choices, property]
+  {
+    const auto found = std::find(choices.begin(), choices.end(), property->value());
+    const QSignalBlocker blocker(combo);
+    combo->setCurrentIndex(found == choices.end() ? -1 : static_cast<int>(found - choices.begin()));
+  };
+  show();
+  follow(*property, show);
+  QObject::connect(combo,
+                   QOverload<int>::of(&QComboBox::activated),
+                   [this, choices, property, show](int i)
+                   {
+                     if (i >= 0 && i < static_cast<int>(choices.size()))
+                       edit([&] { property->setValue(choices[static_cast<std::size_t>(i)]); },
+                            show);
+                   });
+  return combo;
+}
+
+QLineEdit* PropertyEditors::numberEditor(boost::shared_ptr<plexa::PropertyAbstract<double>> property)
+{
+  auto* line = new QLineEdit();
+  const auto show = [line, property] { line->setText(numberText(property->value())); };
+  show();
+  follow(*property, show);
+  QObject::connect(line,
+                   &QLineEdit::editingFinished,
+                   [this, line, property, show]
+                   {
+                     double value = 0;
+                     if (!parseNumber(line->text(), value))
+                     {
+                       report("\"" + line->text() + "\" is not a number");
+                       show();
+                       return;
+                     }
+                     edit([&] { property->setValue(value); }, show);
+                   });
+  return line;
+}
+
+QCheckBox* PropertyEditors::checkBox(const QString& text,
+                                     boost::shared_ptr<plexa::PropertyAbstract<bool>> property)
+{
+  auto* box = new QCheckBox(text);
+  const auto show = [box, property]
+  {
+    const QSignalBlocker blocker(box);
+    box->setChecked(property->value());
+  };
+  show();
+  follow(*property, show);
+  QObject::connect(box,
+                   &QCheckBox::toggled,
+                   [this, property, show](bool on) { edit([&] { property->setValue(on); }, show); });
+  return box;
+}
+
+QListWidget* PropertyEditors::checkList(const std::vector<std::string>& entries,
+                                        const std::function<bool(const std::string&)>& isChecked,
+                                        std::function<void(const std::vector<std::string>&)> apply)
+{
+  auto* list = new QListWidget();
+  list->setMaximumHeight(110);
+  for (const auto& entry : entries)
+  {
+    auto* item = new QListWidgetItem(QString::fromStdString(entry), list);
+    item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
+    item->setCheckState(isChecked(entry) ? Qt::Checked : Qt::Unchecked);
+  }
+  QObject::connect(list,
+                   &QListWidget::itemChanged,
+                   [list, apply = std::move(apply)](QListWidgetItem*)
+                   {
+                     std::vector<std::string> checked;
+                     for (int i = 0; i < list->count(); ++i)
+                       if (list->item(i)->checkState() == Qt::Checked)
+                         checked.push_back(list->item(i)->text().toStdString());
+                     apply(checked);
+                   });
+  return list;
+}
+
+QWidget* PropertyEditors::axisEditor(const QString& title, AxisDetailsInterface& axis)
+{
+  auto* box = new QGroupBox(title);
+  auto* form = new QFormLayout(box);
+  form->addRow("Minimum", numberEditor(axis.min()));
+  form->addRow("Maximum", numberEditor(axis.max()));
+  form->addRow(checkBox("Custom grid spacing", axis.useCustomGridSpacing()));
+  form->addRow("Grid spacing", numberEditor(axis.gridSpacing()));
+  return box;
+}
+
+QWidget* PropertyEditors::colorLegendEditor(ColorLegend& legend)
+{
+  auto* box = new QWidget();
+  auto* form = new QFormLayout(box);
+  form->addRow(checkBox("Show colour legend", legend.show()));
+  form->addRow("Range",
+               enumChooser<ColorLegend::RangeType>(
+                 legend.rangeType(),
+                 { { "Automatic", ColorLegend::Auto }, { "Custom", ColorLegend::Custom } }));
+  auto* min = new QLineEdit();
+  auto* max = new QLineEdit();
+  const auto range = legend.range();
+  const auto show = [min, max, range]
+  {
+    min->setText(numberText(range->value().min));
+    max->setText(numberText(range->value().max));
+  };
+  show();
+  follow(*range, show);
+  const auto apply = [this, min, max, range, show]
+  {
+    double low = 0;
+    double high = 0;
+    if (!parseNumber(min->text(), low) || !parseNumber(max->text(), high))
+    {
+      report("the colour range needs two numbers");
+      show();
+      return;
+    }
+    edit([&] { range->setValue({ low, high }); }, show);
+  };
+  QObject::connect(min, &QLineEdit::editingFinished, apply);
+  QObject::connect(max, &QLineEdit::editingFinished, apply);
+  form->addRow("Custom minimum", min);
+  form->addRow("Custom maximum", max);
+  auto* labels = new QSpinBox();
+  labels->setRange(1, 100);
+  const auto count = legend.numLabels();
+  const auto showCount = [labels, count]
+  {
+    const QSignalBlocker blocker(labels);
+    labels->setValue(count->value());
+  };
+  showCount();
+  follow(*count, showCount);
+  QObject::connect(labels,
+                   QOverload<int>::of(&QSpinBox::valueChanged),
+                   [this, count, showCount](int value)
+                   { edit([&] { count->setValue(static_cast<short>(value)); }, showCount); });
+  form->addRow("Number of labels", labels);
+  return box;
+}
+
+} // namespace explorer

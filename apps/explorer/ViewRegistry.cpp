@@ -1,0 +1,36 @@
+#include "ViewRegistry.h"
+
+#include "views/CasesTableView.h"
+#include "views/ImageMatrixView.h"
+#include "views/ScatterPlotView.h"
+
+#include <boost/make_shared.hpp>
+
+namespace explorer
+{
+
+namespace
+{
+
+template<typename View>
+ViewKind kind(ViewArea area, int stretch)
+{
+  return { area,
+           stretch,
+           [](const ViewContext& context) { return boost::make_shared<View>(context); } };
+}
+
+} // namespace
+
+const std::vector<ViewKind>& viewKinds()
+{
+  // A new kind of view is a file pair in views/ and one line here.
+  static const std::vector<ViewKind> kinds = {
+    kind<ScatterPlotView>(ViewArea::Main, 1),
+    kind<CasesTableView>(ViewArea::Side, 2),
+    kind<ImageMatrixView>(ViewArea::Side, 5),
+  };
+  return kinds;
+}
+
+} // namespace explorer
