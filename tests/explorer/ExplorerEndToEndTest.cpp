@@ -1,6 +1,5 @@
 #include "support/TemporaryFolder.h"
 
-#include <QDomDocument>
 #include <QFile>
 #include <QImage>
 #include <QProcess>
@@ -8,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <map>
 
 using testsupport::TemporaryFolder;
 
@@ -78,33 +76,6 @@ int csvRows(const std::string& path)
   return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
 }
 
-// The element texts and attributes of saved settings, as "Path/To/Element" -> text, and
-// "Path/To/Element@attribute" -> value; repeated elements get their position.
-std::map<std::string, std::string> flatten(const std::string& path)
-{
-  QFile file(QString::fromStdString(path));
-  file.open(QIODevice::ReadOnly);
-  QDomDocument document;
-  document.setContent(&file);
-  std::map<std::string, std::string> values;
-  std::function<void(const QDomElement&, const std::string&)> walk =
-    [&](const QDomElement& e, const std::string& at)
-  {
-    const QDomNamedNodeMap attributes = e.attributes();
-    for (int i = 0; i < attributes.count(); ++i)
-      values[at + "@" + attributes.item(i).nodeName().toStdString()] =
-        attributes.item(i).nodeValue().toStdString();
-    if (e.firstChildElement().isNull())
-      values[at] = e.text().toStdString();
-    int index = 0;
-    for (QDomElement child = e.firstChildElement(); !child.isNull();
-         child = child.nextSiblingElement())
-      walk(child, at + "/" + child.tagName().toStdString() + "[" + std::to_string(index++) + "]");
-  };
-  walk(document.documentElement(), document.documentElement().tagName().toStdString());
-  return values;
-}
-
 class Explorer : public ::testing::Test
 {
 protected:
@@ -150,56 +121,6 @@ TEST_F(Explorer, RendersEveryViewWithTheSelectionShownEverywhere)
   EXPECT_EQ(csvRows(output.filePath("shots/cases-6digits.csv")), 48 + 1);
 }
 
-TEST_F(Explorer, SavedSettingsLoadBackToTheSameState)
-{
-  const std::string settings = output.write("settings.xml", R"(<?xml version="1.0"?>
-<ExplorerSettings version="1">
-  <ScatterPlot2D>
-    <XVariable>speed</XVariable>
-    <YVariable>apex_height</YVariable>
-    <ColorVariable>angle</ColorVariable>
-    <ColorLegend><Show>1</Show><NumLabels>7</NumLabels><RangeType>Custom</RangeType><Range Min="10" Max="70"/></ColorLegend>
-  </ScatterPlot2D>
-  <ImageMatrix>
-    <DimensionRowsBy>Tag</DimensionRowsBy>
-    <ColumnVariable>angle</ColumnVariable>
-    <ShowLabels>1</ShowLabels>
-    <Zoom>20</Zoom>
-  </ImageMatrix>
-  <Filters><Filter variable="angle" min="20" max="50" enabled="1"/></Filters>
-</ExplorerSettings>
-)");
-  const QString first = QString::fromStdString(output.filePath("first"));
-  const ExplorerRun run = explorer({ QString::fromStdString(study->path()),
-                                     "--settings",
-                                     QString::fromStdString(settings),
-                                     "--screenshots",
-                                     first });
-  ASSERT_EQ(run.exitCode, 0) << run.err;
-  auto saved = flatten(output.filePath("first/settings.xml"));
-  EXPECT_EQ(saved["ExplorerSettings/ScatterPlot2D[0]/XVariable[0]"], "speed");
-  EXPECT_EQ(saved["ExplorerSettings/ScatterPlot2D[0]/YVariable[1]"], "apex_height");
-  EXPECT_EQ(saved["ExplorerSettings/ScatterPlot2D[0]/ColorLegend[3]/NumLabels[1]"], "7");
-  EXPECT_EQ(saved["ExplorerSettings/ScatterPlot2D[0]/ColorLegend[3]/Range[3]@Max"], "70");
-  EXPECT_EQ(saved["ExplorerSettings/ImageMatrix[2]/DimensionRowsBy[1]"], "Tag");
-  EXPECT_EQ(saved["ExplorerSettings/ImageMatrix[2]/Zoom[11]"], "20");
-  EXPECT_EQ(saved["ExplorerSettings/Filters[3]/Filter[0]@min"], "20");
-  // The angles sweep 15, 25, ..., 65: the filter keeps 25, 35 and 45, three in six.
-  EXPECT_EQ(line(run.out, "shown"), "24 cases");
-  EXPECT_EQ(csvRows(output.filePath("first/cases.csv")), 24 + 1);
-
-  const QString second = QString::fromStdString(output.filePath("second"));
-  const ExplorerRun again =
-    explorer({ QString::fromStdString(study->path()),
-               "--settings",
-               QString::fromStdString(output.filePath("first/settings.xml")),
-               "--screenshots",
-               second });
-  ASSERT_EQ(again.exitCode, 0) << again.err;
-  EXPECT_EQ(flatten(output.filePath("second/settings.xml")), saved)
-    << "settings saved after loading saved settings are the same";
-}
-
 TEST_F(Explorer, BadInputGetsAClearMessageAndANonZeroExit)
 {
   const QString shots = QString::fromStdString(output.filePath("shots"));
@@ -222,27 +143,11 @@ TEST_F(Explorer, BadInputGetsAClearMessageAndANonZeroExit)
         shots },
       3,
       "not well-formed" },
-    { "settings naming an unknown variable",
-      { QString::fromStdString(study->path()),
-        "--settings",
-        QString::fromStdString(output.write("unknown.xml",
-                                            "<ExplorerSettings><ScatterPlot2D><XVariable>mass2</"
-                                            "XVariable></ScatterPlot2D></ExplorerSettings>")),
-        "--screenshots",
-        shots },
-      3,
-      "\"mass2\"" },
-    { "a refused setting",
-      { QString::fromStdString(study->path()),
-        "--settings",
-        QString::fromStdString(output.write(
-          "refused.xml",
-          "<ExplorerSettings><ScatterPlot2D><ColorLegend><NumLabels>99</NumLabels></ColorLegend>"
-          "</ScatterPlot2D></ExplorerSettings>")),
-        "--screenshots",
-        shots },
-      3,
-      "nothing was changed" },
+    { "case ids the study does not have",
+      { QString::fromStdString(study->path()), "--select", "1003,99999", "--screenshots", shots },
+      4,
+      "does not have: 99999" },
+    { "a sample of no runs", { "--generate-sample", shots, "--runs", "0" }, 1, "at least 1" },
     { "bad case ids",
       { QString::fromStdString(study->path()), "--select", "12,x", "--screenshots", shots },
       4,
