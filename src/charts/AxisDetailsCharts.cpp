@@ -3,6 +3,7 @@
 #include "analyzer_common/NiceNumber.h"
 #include "analyzer_common/UndoStack.h"
 #include "charts/AxisRangePropertyAbstract.h"
+#include "common/ScopedGuards.h"
 #include "properties/UndoablePropertyProxy.h"
 #include "signals/SignalConnectionCollection.h"
 
@@ -42,25 +43,9 @@ void AxisDetailsInterface::signalAxisDetailsChangedConnected() const {}
 namespace
 {
 
-// One flag for all range properties: moving the other end stores into the other property,
-// whose own store would come back here.
+// One flag for all range properties, as the axis details are specified: moving the other end
+// stores into the other property, whose own store would come back here.
 bool adjustingOtherEnd = false;
-
-class FlagGuard
-{
-public:
-  explicit FlagGuard(bool& flag)
-    : flag(flag)
-  {
-    flag = true;
-  }
-  ~FlagGuard() { flag = false; }
-  FlagGuard(const FlagGuard&) = delete;
-  FlagGuard& operator=(const FlagGuard&) = delete;
-
-private:
-  bool& flag;
-};
 
 } // namespace
 
@@ -87,7 +72,7 @@ void AxisRangePropertyAbstract::adjustOtherEndOfAxisRange(const double& v) const
   {
     return;
   }
-  FlagGuard guard(adjustingOtherEnd);
+  const ScopedValue<bool> adjusting(adjustingOtherEnd, true);
   const auto minProperty = axisDetails.min();
   const auto maxProperty = axisDetails.max();
   const double min = minProperty->value();

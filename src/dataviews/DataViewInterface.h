@@ -1,11 +1,11 @@
 #pragma once
 
 #include "analyzer_common/SuspendableInterface.h"
+#include "dataviews/MouseMode.h"
 #include "quen_analyzer_dataviews_common_export.h"
 
 #include <boost/shared_ptr.hpp>
 
-#include <cstdint>
 #include <string>
 
 class SerializerInterface;
@@ -18,21 +18,11 @@ class PropertyAbstract;
 
 /// A data view of the host: line plot, 2-D and 3-D scatter plot, table, image matrix, selected
 /// cases, selected image or image difference.
-class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT DataViewInterface : public SuspendableInterface
+class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT DataViewInterface
+  : public SuspendableInterface
+  , public DataViewMouseMode
 {
 public:
-  /// What the left mouse button does in a chart view. On a vtkChart (see
-  /// VTKChartsMouseModeProperty): Select binds selection to the left button and panning to the
-  /// middle one; Pan binds panning to the left and zooming to the middle; Zoom binds zooming to
-  /// the left and panning to the middle. The type is 32 bits wide so that any other value is a
-  /// valid mode too; such modes are accepted and bind nothing.
-  enum MouseMode : std::int32_t
-  {
-    Select = 0,
-    Pan = 1,
-    Zoom = 2
-  };
-
   DataViewInterface();
   DataViewInterface(const DataViewInterface&);
   DataViewInterface& operator=(const DataViewInterface&);

@@ -42,6 +42,9 @@ public:
   void endLocalSelectionMonitoring();
   /// Shows the master's selection in the view, with local monitoring left connected.
   void updateLocalSelections();
+  /// Shows the master's selection in the view without sending it back to the master: for a view
+  /// whose model was reset or rebuilt, which cleared its item selection.
+  void showMasterSelection();
 
 protected:
   virtual void beginMasterSelectionMonitoring();

@@ -98,11 +98,7 @@ struct ImageTableView::Impl
     resizeCells();
     // The reset cleared the item selection; show the master's again without sending it back.
     if (synchronizer)
-    {
-      synchronizer->endLocalSelectionMonitoring();
-      synchronizer->updateLocalSelections();
-      synchronizer->beginLocalSelectionMonitoring();
-    }
+      synchronizer->showMasterSelection();
   }
 
   void resizeCells()

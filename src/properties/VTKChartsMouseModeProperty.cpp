@@ -6,12 +6,12 @@
 VTKChartsMouseModeProperty::VTKChartsMouseModeProperty(vtkSmartPointer<vtkChart> chart)
   : chart(std::move(chart))
 {
-  setValue(DataViewInterface::Pan);
+  setValue(DataViewMouseMode::Pan);
 }
 
 VTKChartsMouseModeProperty::~VTKChartsMouseModeProperty() = default;
 
-void VTKChartsMouseModeProperty::storeValue(const DataViewInterface::MouseMode& mode)
+void VTKChartsMouseModeProperty::storeValue(const DataViewMouseMode::MouseMode& mode)
 {
   constexpr int left = vtkContextMouseEvent::LEFT_BUTTON;
   constexpr int middle = vtkContextMouseEvent::MIDDLE_BUTTON;
@@ -20,17 +20,17 @@ void VTKChartsMouseModeProperty::storeValue(const DataViewInterface::MouseMode& 
   // to a button takes that button from the action that had it.
   switch (mode)
   {
-    case DataViewInterface::Select:
+    case DataViewMouseMode::Select:
       chart->SetActionToButton(vtkChart::SELECT, left);
       chart->SetActionToButton(vtkChart::PAN, middle);
       chart->SetActionToButton(vtkChart::ZOOM, none);
       break;
-    case DataViewInterface::Pan:
+    case DataViewMouseMode::Pan:
       chart->SetActionToButton(vtkChart::SELECT, none);
       chart->SetActionToButton(vtkChart::PAN, left);
       chart->SetActionToButton(vtkChart::ZOOM, middle);
       break;
-    case DataViewInterface::Zoom:
+    case DataViewMouseMode::Zoom:
       chart->SetActionToButton(vtkChart::SELECT, none);
       chart->SetActionToButton(vtkChart::PAN, middle);
       chart->SetActionToButton(vtkChart::ZOOM, left);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dataviews/DataViewInterface.h"
+#include "dataviews/MouseMode.h"
 #include "properties/Property.h"
 
 #include <vtkSmartPointer.h>
@@ -18,14 +18,14 @@ class vtkChart;
 /// | Zoom   | zoom        | pan           | select |
 /// Any other mode is stored and leaves the chart's buttons as they are.
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT VTKChartsMouseModeProperty
-  : public plexa::Property<DataViewInterface::MouseMode>
+  : public plexa::Property<DataViewMouseMode::MouseMode>
 {
 public:
   explicit VTKChartsMouseModeProperty(vtkSmartPointer<vtkChart> chart);
   ~VTKChartsMouseModeProperty() override;
 
 protected:
-  void storeValue(const DataViewInterface::MouseMode& mode) override;
+  void storeValue(const DataViewMouseMode::MouseMode& mode) override;
 
 private:
   vtkSmartPointer<vtkChart> chart;

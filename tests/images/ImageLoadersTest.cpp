@@ -1,4 +1,5 @@
 #include "images/ImageCache.h"
+#include "images/ImageCache_p.h"
 #include "images/ImageCacheClient.h"
 #include "images/ImageDecorator.h"
 #include "images/ScalingImageLoader.h"
@@ -137,15 +138,15 @@ TEST(ImageCache, UnreadableFilesGiveNullImagesNeverEmptyPointers)
   EXPECT_EQ(loader->image(bomb).get(), loader->image(bomb).get()) << "null images are cached too";
 }
 
-TEST(ImageCache, ThePixelBudgetIsSettable)
+TEST(ImageCache, ThePixelBudgetBelongsToEachCache)
 {
   TemporaryFolder folder;
   const std::string path = writeImage(folder, "wide.png", 300, 200, Qt::red);
-  const long long saved = ImageCache::pixelBudget();
-  ImageCache::setPixelBudget(50000);
-  EXPECT_TRUE(ImageCache().imageLoader()->image(path)->isNull()) << "60000 pixels > 50000";
-  ImageCache::setPixelBudget(saved);
-  EXPECT_FALSE(ImageCache().imageLoader()->image(path)->isNull());
+  ImageCache small;
+  small.setPixelBudget(50000);
+  const auto client = small.imageLoader();
+  EXPECT_TRUE(client->image(path)->isNull()) << "60000 pixels > 50000";
+  EXPECT_FALSE(ImageCache().imageLoader()->image(path)->isNull()) << "another cache, the default";
 }
 
 TEST(ScalingImageLoader, ScalesToFitAndKeepsItsImagesUntilTheSizeChanges)

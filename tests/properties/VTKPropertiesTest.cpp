@@ -119,17 +119,17 @@ TEST(VTKChartsMouseModeProperty, BindsTheButtonsOfEachModeAndIgnoresOtherValues)
   const int left = vtkContextMouseEvent::LEFT_BUTTON;
   const int middle = vtkContextMouseEvent::MIDDLE_BUTTON;
   const int none = vtkContextMouseEvent::NO_BUTTON;
-  EXPECT_EQ(mode.value(), DataViewInterface::Pan) << "a chart starts in Pan";
+  EXPECT_EQ(mode.value(), DataViewMouseMode::Pan) << "a chart starts in Pan";
 
   const struct
   {
-    DataViewInterface::MouseMode mode;
+    DataViewMouseMode::MouseMode mode;
     int select, pan, zoom;
   } cases[] = {
-    { DataViewInterface::Pan, none, left, middle },
-    { DataViewInterface::Select, left, middle, none },
-    { DataViewInterface::Zoom, none, middle, left },
-    { static_cast<DataViewInterface::MouseMode>(7), none, middle, left }, // left as it was
+    { DataViewMouseMode::Pan, none, left, middle },
+    { DataViewMouseMode::Select, left, middle, none },
+    { DataViewMouseMode::Zoom, none, middle, left },
+    { static_cast<DataViewMouseMode::MouseMode>(7), none, middle, left }, // left as it was
   };
   for (const auto& c : cases)
   {

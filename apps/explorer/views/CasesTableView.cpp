@@ -164,10 +164,7 @@ CasesTableView::CasesTableView(const ViewContext& context)
     [impl]
     {
       impl->model->reload();
-      // The reload cleared the rows' selection; show the master's again without sending it back.
-      impl->synchronizer->endLocalSelectionMonitoring();
-      impl->synchronizer->updateLocalSelections();
-      impl->synchronizer->beginLocalSelectionMonitoring();
+      impl->synchronizer->showMasterSelection();
     }));
 }
 

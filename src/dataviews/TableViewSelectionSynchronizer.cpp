@@ -1,5 +1,5 @@
 #include "analyzer_common/SelectionModelInterface.h"
-#include "dataviews/SelectionBroadcaster.h"
+#include "common/ScopedGuards.h"
 #include "dataviews/SelectionConverterInterface.h"
 #include "dataviews/TableViewSelectionSynchronizer.h"
 
@@ -98,59 +98,19 @@ void TableViewSelectionSynchronizer::onLocalSelectionChanged()
   }
   const std::set<unsigned long long> ids = converter->caseIDsFromSelection(*selection);
   endMasterSelectionMonitoring();
+  const ScopeExit resume([this] { beginMasterSelectionMonitoring(); });
   masterSelectionModel->setSelection(ids);
-  beginMasterSelectionMonitoring();
 }
 
 void TableViewSelectionSynchronizer::onMasterSelectionChanged(
   const std::set<unsigned long long>& ids)
 {
   endLocalSelectionMonitoring();
+  const ScopeExit resume([this] { beginLocalSelectionMonitoring(); });
   setLocalSelectionsToMaster(ids);
-  beginLocalSelectionMonitoring();
 }
 
-SelectionBroadcaster::SelectionBroadcaster(const QItemSelectionModel& model)
-  : QObject(nullptr)
-  , lastSelection(model.selectedIndexes())
-  , itemSelectionModel(&model)
+void TableViewSelectionSynchronizer::showMasterSelection()
 {
-  connect(
-    &model, &QItemSelectionModel::selectionChanged, this, &SelectionBroadcaster::selectionChanged);
-  if (const QAbstractItemModel* items = model.model())
-  {
-    connect(items,
-            &QAbstractItemModel::modelReset,
-            this,
-            &SelectionBroadcaster::signalIfSelectionChanged);
-    connect(items,
-            &QAbstractItemModel::layoutChanged,
-            this,
-            &SelectionBroadcaster::signalIfSelectionChanged);
-  }
-}
-
-SelectionBroadcaster::~SelectionBroadcaster() = default;
-
-boost::signals2::connection SelectionBroadcaster::connectSignalSelectedImagesChanged(
-  const SelectedImagesChangedSignal::slot_type& slot) const
-{
-  return signalSelectedImagesChanged.connect(slot);
-}
-
-void SelectionBroadcaster::selectionChanged() const
-{
-  lastSelection = itemSelectionModel->selectedIndexes();
-  signalSelectedImagesChanged();
-}
-
-void SelectionBroadcaster::signalIfSelectionChanged() const
-{
-  const QList<QModelIndex> selected = itemSelectionModel->selectedIndexes();
-  if (selected == lastSelection)
-  {
-    return;
-  }
-  lastSelection = selected;
-  signalSelectedImagesChanged();
+  onMasterSelectionChanged(masterSelectionModel->getSelections());
 }
