@@ -125,21 +125,6 @@ TEST_F(LegendLayout, ADraggedLegendKeepsItsPlaceAndGivesUpItsSlot)
   EXPECT_FLOAT_EQ(left(0), 60) << "a freed legend never returns to a slot";
 }
 
-TEST_F(LegendLayout, AResizedLegendKeepsItsTopRightCorner)
-{
-  render();
-  const float oldRight = right(0);
-  const float oldTop = top(0);
-  const float oldWidth = entry(0).dimensions.first;
-  chart->GetLegend()->GetLabelProperties()->SetFontSize(24);
-  chart->GetLegend()->Modified();
-  render();
-  EXPECT_GT(entry(0).dimensions.first, oldWidth);
-  EXPECT_FLOAT_EQ(right(0), oldRight);
-  EXPECT_FLOAT_EQ(top(0), oldTop);
-  EXPECT_TRUE(entry(0).isAutoPlaced) << "growing in place keeps the slot";
-}
-
 TEST_F(LegendLayout, LegendsAreClampedIntoTheViewport)
 {
   render();

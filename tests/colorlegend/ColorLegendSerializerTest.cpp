@@ -51,28 +51,6 @@ std::vector<std::pair<std::string, std::string>> children(const QString& xml,
   return result;
 }
 
-TEST_F(ColorLegendSerializerTest, WritesTheFourSettingsInOrder)
-{
-  using Children = std::vector<std::pair<std::string, std::string>>;
-  QString min;
-  QString max;
-  EXPECT_EQ(
-    children(saved(*legend->serializer()), min, max),
-    (Children{ { "Show", "0" }, { "NumLabels", "15" }, { "RangeType", "Auto" }, { "Range", "" } }));
-  EXPECT_EQ(min, "0");
-  EXPECT_EQ(max, "100");
-
-  legend->range()->setValue({ 0.1, 2 });
-  legend->show()->setValue(true);
-  legend->rangeType()->setValue(ColorLegend::Custom);
-  EXPECT_EQ(
-    children(saved(*legend->serializer()), min, max),
-    (Children{
-      { "Show", "1" }, { "NumLabels", "15" }, { "RangeType", "Custom" }, { "Range", "" } }));
-  EXPECT_EQ(min, "0.10000000000000001");
-  EXPECT_EQ(max, "2");
-}
-
 TEST_F(ColorLegendSerializerTest, ReadsBackWhatItWrote)
 {
   legend->range()->setValue({ 0.1, 2 });

@@ -4,19 +4,6 @@
 
 using ColorLegendTest = ColorLegendFixture;
 
-TEST_F(ColorLegendTest, StartsWithDefaultsAndANiceTableRange)
-{
-  EXPECT_FALSE(legend->show()->value());
-  EXPECT_EQ(legend->rangeType()->value(), ColorLegend::Auto);
-  EXPECT_EQ(legend->range()->value(), (ValueRange_s<double>{ 0, 100 }));
-  EXPECT_EQ(legend->numLabels()->value(), 15);
-  EXPECT_EQ(tableRange(), std::make_pair(0.0, 100.0));
-  EXPECT_EQ(labels(), 11) << "steps of 10 from 0 to 100";
-  EXPECT_STREQ(widget->GetScalarBarActor()->GetTitle(), "range");
-  EXPECT_FALSE(legend->visible()->value());
-  EXPECT_EQ(stack.count(), 0) << "construction records nothing";
-}
-
 TEST_F(ColorLegendTest, TheTableFollowsTheVariableTheCustomRangeAndTheLabelCount)
 {
   const struct

@@ -82,14 +82,3 @@ TEST(NiceLabelsColorLegendActor, RendersTheLabelsOnNiceNumbers)
       << c.min << ".." << c.max << " with " << c.count << (c.indexed ? " (indexed)" : "");
   }
 }
-
-TEST(NiceLabelsColorBarWidget, AlwaysCarriesANiceLabelsActor)
-{
-  vtkNew<NiceLabelsColorBarWidget> widget;
-  auto* actor = NiceLabelsColorLegendActor::SafeDownCast(widget->GetScalarBarActor());
-  ASSERT_NE(actor, nullptr);
-  EXPECT_EQ(actor->GetVerticalTitleSeparation(), 3);
-  vtkSmartPointer<NiceLabelsColorBarWidget> other;
-  other.TakeReference(widget->NewInstance());
-  EXPECT_STREQ(other->GetClassName(), "NiceLabelsColorBarWidget");
-}

@@ -107,14 +107,6 @@ TEST(DataViewAbstract, AClickSelectsTheCaseUnderTheMouseAsTheMasterSelectionExpe
   EXPECT_TRUE(master->getSelections().empty()) << "without a case under the mouse a click clears";
 }
 
-TEST(DataViewAbstract, StartsInSelectModeAndAcceptsAnyMode)
-{
-  ClickableView view("View", boost::make_shared<SelectionModel>());
-  EXPECT_EQ(view.mouseMode()->value(), DataViewInterface::Select);
-  view.mouseMode()->setValue(static_cast<DataViewInterface::MouseMode>(7));
-  EXPECT_EQ(static_cast<int>(view.mouseMode()->value()), 7);
-}
-
 TEST(DataViewAbstract, CopyingMovesTheSerializerAndSharesSelectionAndMouseMode)
 {
   auto master = boost::make_shared<SelectionModel>();

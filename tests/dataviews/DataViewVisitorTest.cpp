@@ -38,12 +38,3 @@ TEST(DataViewVisitorAbstract, KindsNotHandledFallThroughToVisitAnyViewType)
   EXPECT_EQ(visitor.unhandled, 7);
   EXPECT_EQ(visitor.handled, std::vector<std::string>{ "line plot" });
 }
-
-TEST(DataViewVisitorAbstract, KeepsItsAssertStatusThroughCopies)
-{
-  const LinePlotOnlyVisitor byDefault;
-  EXPECT_EQ(byDefault.assertStatus(), 1);
-  const DataViewVisitorAbstract strict(DataViewVisitorAbstract::AssertOnUnhandledViewType);
-  const DataViewVisitorAbstract copy(strict);
-  EXPECT_EQ(copy.assertStatus(), DataViewVisitorAbstract::AssertOnUnhandledViewType);
-}

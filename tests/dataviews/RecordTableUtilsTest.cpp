@@ -53,28 +53,3 @@ TEST(RecordTableUtils, ReadsIdsAsSignExtendedIntsWhateverTheColumnType)
   EXPECT_EQ(RecordTableUtils::caseIDs(*tableOf<vtkIntArray>({ 3, 1, 3 })),
             (std::set<unsigned long long>{ 1, 3 }));
 }
-
-TEST(RecordTableUtils, TypedReadsAgreeWithVtkVariantToInt)
-{
-  std::mt19937_64 random(7);
-  vtkNew<vtkTypeUInt64Array> wide;
-  vtkNew<vtkDoubleArray> doubles;
-  for (int i = 0; i < 2000; ++i)
-  {
-    wide->InsertNextValue(random());
-    doubles->InsertNextValue(static_cast<double>(static_cast<int>(random() % 2000001) - 1000000) /
-                             7.0);
-  }
-  for (vtkAbstractArray* column :
-       { static_cast<vtkAbstractArray*>(wide), static_cast<vtkAbstractArray*>(doubles) })
-  {
-    vtkNew<vtkTable> table;
-    table->AddColumn(column);
-    for (vtkIdType row = 0; row < column->GetNumberOfTuples(); ++row)
-    {
-      const auto expected = static_cast<unsigned long long>(
-        static_cast<long long>(column->GetVariantValue(row).ToInt()));
-      ASSERT_EQ(RecordTableUtils::caseIDAtRow(*table, row), expected) << "row " << row;
-    }
-  }
-}

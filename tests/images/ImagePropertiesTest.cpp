@@ -53,34 +53,6 @@ TEST(zoomLevelToImageSize, SevenAndAHalfPixelsPerLevelTruncated)
   }
 }
 
-TEST_F(ImageProperties, ANewObjectShowsNoLabelsAndZoomsTo237Pixels)
-{
-  ImageViewProperties properties;
-  EXPECT_FALSE(properties.showLabels()->value());
-  EXPECT_TRUE(properties.tagsToShow()->value().empty());
-  EXPECT_EQ(properties.zoom()->value(), 25u);
-  EXPECT_EQ(zoomLevelToImageSize(properties.zoom()->value()), QSize(237, 237));
-  EXPECT_EQ(properties.variablesInLabel()->value(),
-            (std::vector<WeakPtr<Variable>>{ study.project->variable("angle"),
-                                             study.project->variable("speed") }))
-    << "the discrete variables wait as caption variables";
-  EXPECT_EQ(properties.tagGroupsToShow()->value(),
-            std::vector<WeakPtr<TagGroup>>{ study.project->tagGroup("plot") });
-  EXPECT_EQ(properties.allTagsToShow()->value(),
-            (std::vector<std::string>{ "plot:speed", "plot:trajectory" }));
-}
-
-TEST_F(ImageProperties, SuccessiveZoomChangesAreOneUndoEntry)
-{
-  ImageViewProperties properties;
-  properties.zoom()->setValue(30);
-  properties.zoom()->setValue(60);
-  EXPECT_EQ(stack.count(), 1);
-  EXPECT_EQ(stack.text(0), "Change Zoom");
-  stack.undo();
-  EXPECT_EQ(properties.zoom()->value(), 25u);
-}
-
 TEST_F(ImageProperties, AllTagsToShowFollowsTheGroupsAndTheTags)
 {
   ImageViewProperties properties;

@@ -63,29 +63,6 @@ protected:
 
 } // namespace
 
-TEST_F(ImageTableViewTest, TheFormHasItsNamedPartsAndScrollsPerPixel)
-{
-  EXPECT_EQ(view->objectName(), "ImageTableView");
-  EXPECT_EQ(view->size(), QSize(708, 568));
-  EXPECT_EQ(view->windowTitle(), "Form");
-  EXPECT_NE(view->findChild<QLayout*>("dialogLayout"), nullptr);
-  EXPECT_NE(view->findChild<QLayout*>("horizontalLayout"), nullptr);
-  EXPECT_NE(view->findChild<QLayout*>("verticalLayout"), nullptr);
-  auto* rowHeader = view->findChild<QxtLabel*>("rowHeader");
-  auto* columnHeader = view->findChild<QxtLabel*>("columnHeader");
-  ASSERT_NE(rowHeader, nullptr);
-  ASSERT_NE(columnHeader, nullptr);
-  EXPECT_EQ(static_cast<int>(columnHeader->alignment()), 132);
-  EXPECT_EQ(rowHeader->styleSheet(), "font: 75 12pt \"MS Shell Dlg 2\";");
-  EXPECT_EQ(rowHeader->rotation(), QxtLabel::CounterClockwise);
-  EXPECT_EQ(rowHeader->text(), "speed") << "the row title names the row variable";
-  EXPECT_EQ(columnHeader->text(), "angle");
-  auto* table = view->findChild<QImageTableView*>("tableView");
-  ASSERT_EQ(table, &view->tableView());
-  EXPECT_EQ(table->verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
-  EXPECT_EQ(table->horizontalScrollMode(), QAbstractItemView::ScrollPerPixel);
-}
-
 TEST_F(ImageTableViewTest, CellsAreSizedFromTheDelegateAtTheZoom)
 {
   QImageTableView& table = view->tableView();
@@ -109,22 +86,6 @@ TEST_F(ImageTableViewTest, CellsAreSizedFromTheDelegateAtTheZoom)
   ImageViewItemDelegate noCaption(nullptr);
   noCaption.setImageSize(QSize(10, 20));
   EXPECT_EQ(noCaption.sizeHint(QStyleOptionViewItem(), QModelIndex()), QSize(18, 28));
-}
-
-TEST_F(ImageTableViewTest, ScrollPositionsBeyondTheRangeAreKept)
-{
-  view->setScrollPositions(5000, 7000);
-  int horizontal = 0;
-  int vertical = 0;
-  view->scrollPositions(horizontal, vertical);
-  EXPECT_EQ(horizontal, 5000);
-  EXPECT_EQ(vertical, 7000);
-}
-
-TEST_F(ImageTableViewTest, AvailableTagsAreSortedWithoutRepeats)
-{
-  EXPECT_EQ(view->availableTags(),
-            (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
 }
 
 TEST_F(ImageTableViewTest, SelectionIsTheMasterSelectionBothWays)
@@ -162,26 +123,4 @@ TEST_F(ImageTableViewTest, SuspendedViewsCatchUpOnResume)
   EXPECT_EQ(view->tableView().model()->rowCount(), 2);
   view->resume();
   EXPECT_EQ(view->tableView().model()->rowCount(), 1);
-}
-
-TEST(ImageViewStylesheets, TheDefaultsAreStoredAndEditsAreReadBack)
-{
-  QTemporaryDir folder;
-  QSettings::setDefaultFormat(QSettings::IniFormat);
-  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
-  {
-    QSettings settings;
-    settings.remove("ImageTableViewStylesheet");
-    settings.remove("ImageListViewStylesheet");
-  }
-  EXPECT_EQ(imageTableViewStylesheet(), "QTableView{background-color:lightgray}");
-  EXPECT_EQ(imageListViewStylesheet(), "QListView{background-color:lightgray}");
-  {
-    QSettings settings;
-    EXPECT_EQ(settings.value("ImageTableViewStylesheet").toString(),
-              "QTableView{background-color:lightgray}")
-      << "the first call writes the default";
-    settings.setValue("ImageTableViewStylesheet", "QTableView{background-color:black}");
-  }
-  EXPECT_EQ(imageTableViewStylesheet(), "QTableView{background-color:black}");
 }

@@ -133,22 +133,6 @@ TEST(Property, CopyAssignmentCopiesTheValueOnlyAndSignalsOnlyOnADifference)
   EXPECT_EQ(target.validator(), validator) << "the target keeps its validator";
 }
 
-TEST(Property, DefaultValuesAndConversions)
-{
-  enum Mode
-  {
-    First,
-    Second
-  };
-  plexa::Property<Mode> mode;
-  EXPECT_EQ(mode.value(), First);
-  mode = Second;
-  const Mode read = mode;
-  EXPECT_EQ(read, Second);
-  plexa::Property<std::vector<std::string>> tags;
-  EXPECT_TRUE(tags.value().empty());
-}
-
 TEST(Property, ListenerExceptionsLeaveSetValueAfterTheValueIsStored)
 {
   plexa::Property<int> property(0);

@@ -49,23 +49,3 @@ TEST(StandardListModel, IndexesPastTheEndThrowOutOfRange)
   }
   EXPECT_THROW(model.setDisplayName(5, "x"), std::out_of_range);
 }
-
-TEST(StringListModel, ListsTheSetInAscendingOrderAndCopiesWhole)
-{
-  StringListModel letters({ "b", "a" });
-  ASSERT_EQ(letters.size(), 2u);
-  EXPECT_EQ(letters.data(0), "a");
-  EXPECT_EQ(letters.displayString(0), "a");
-  EXPECT_EQ(letters.data(1), "b");
-
-  StandardListModel<std::string> copy;
-  copy.push_back("old", "old");
-  int changes = 0;
-  boost::signals2::scoped_connection connection =
-    copy.connectSignalModelChanged([&] { ++changes; });
-  copy.copy(letters);
-  EXPECT_EQ(changes, 1) << "a copy notifies once";
-  ASSERT_EQ(copy.size(), 2u);
-  EXPECT_EQ(copy.data(1), "b");
-  EXPECT_FALSE(copy.find("old").first);
-}

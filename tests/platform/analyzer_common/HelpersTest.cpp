@@ -9,25 +9,6 @@
 #include <cmath>
 #include <limits>
 
-TEST(makeNiceNumber, RoundsToOneTwoOrFiveTimesAPowerOfTen)
-{
-  const double inf = std::numeric_limits<double>::infinity();
-  const struct
-  {
-    double step;
-    double nice;
-  } cases[] = {
-    { 1.0, 1.0 },       { 1.49, 1.0 },  { 1.5, 2.0 },    { 2.9, 2.0 },  { 3.0, 5.0 },
-    { 6.9, 5.0 },       { 7.0, 10.0 },  { 0.13, 0.1 },   { 0.27, 0.2 }, { 0.004, 0.005 },
-    { 2500.0, 2000.0 }, { 8e12, 1e13 }, { -0.27, -0.2 }, { 0.0, 0.0 },  { inf, inf },
-  };
-  for (const auto& c : cases)
-  {
-    EXPECT_DOUBLE_EQ(makeNiceNumber(c.step), c.nice) << "step " << c.step;
-  }
-  EXPECT_TRUE(std::isnan(makeNiceNumber(std::nan(""))));
-}
-
 TEST(variantDisplayText, ShowsValuesAsAUserReadsThem)
 {
   const struct

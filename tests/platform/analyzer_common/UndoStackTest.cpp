@@ -44,69 +44,6 @@ protected:
 
 } // namespace
 
-TEST_F(UndoStackTest, UndoAndRedoRunTheCommandsFunctions)
-{
-  UndoableValue v;
-  v.change(1);
-  v.change(2);
-  UndoStack stack;
-  EXPECT_EQ(stack.count(), 2);
-  stack.undo();
-  EXPECT_EQ(v.value, 1);
-  stack.undo();
-  EXPECT_EQ(v.value, 0);
-  EXPECT_FALSE(stack.canUndo());
-  stack.redo();
-  stack.redo();
-  EXPECT_EQ(v.value, 2);
-  EXPECT_EQ(stack.count(), 2) << "undo and redo record nothing new";
-}
-
-TEST_F(UndoStackTest, AMacroMakesOneEntryAndAnEmptyMacroNone)
-{
-  UndoableValue a;
-  UndoableValue b;
-  UndoStack stack;
-  {
-    UndoStack::Macro macro("Change both");
-    a.change(5);
-    {
-      UndoStack::Macro inner("Inner");
-      b.change(6);
-    }
-  }
-  {
-    UndoStack::Macro nothingPushed("Empty");
-  }
-  ASSERT_EQ(stack.count(), 1);
-  EXPECT_EQ(stack.text(0), "Change both");
-  stack.undo();
-  EXPECT_EQ(a.value, 0);
-  EXPECT_EQ(b.value, 0);
-  stack.redo();
-  EXPECT_EQ(a.value, 5);
-  EXPECT_EQ(b.value, 6);
-}
-
-TEST_F(UndoStackTest, PushesWhileRecordingIsSuspendedAreDropped)
-{
-  UndoableValue v;
-  UndoStack stack;
-  {
-    UndoStack::SuspendUndoRecording outer;
-    {
-      UndoStack::SuspendUndoRecording inner;
-      EXPECT_TRUE(stack.recordingIsSuspended());
-    }
-    EXPECT_TRUE(stack.recordingIsSuspended()) << "guards nest";
-    UndoStack::Macro macro("Suspended macro");
-    v.change(3);
-  }
-  EXPECT_FALSE(stack.recordingIsSuspended());
-  EXPECT_EQ(v.value, 3);
-  EXPECT_EQ(stack.count(), 0);
-}
-
 TEST_F(UndoStackTest, ReplayingHistorySuspendsRecordingAndIsReported)
 {
   UndoStack stack;

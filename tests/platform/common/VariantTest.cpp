@@ -75,15 +75,3 @@ TEST(Variant, TextForms)
     EXPECT_EQ(c.value.toString(), c.text);
   }
 }
-
-TEST(Variant, KindsAndNumericValue)
-{
-  EXPECT_TRUE(Variant().isEmpty());
-  EXPECT_TRUE(Variant(3).isNumber());
-  EXPECT_TRUE(Variant(std::nan("")).isNumber());
-  EXPECT_TRUE(Variant("3").isString());
-  EXPECT_EQ(Variant(3).toDouble(), 3.0);
-  EXPECT_EQ(Variant(true).toDouble(), 1.0);
-  EXPECT_TRUE(std::isnan(Variant("3").toDouble()));
-  EXPECT_TRUE(std::isnan(Variant().toDouble()));
-}

@@ -26,33 +26,6 @@ std::shared_ptr<const Project> smallProject()
 
 } // namespace
 
-TEST(StudyObjects, RecordsAnswerTheirValuesFilesAndCaseIds)
-{
-  const auto project = smallProject();
-  const Variable speed = project->variable("speed").lock();
-  const Variable material = project->variable("material").lock();
-  const Record record = project->record(7).lock();
-  ASSERT_TRUE(record);
-  EXPECT_EQ(record.caseId(), 7u);
-  EXPECT_EQ(record.data(speed), Variant(10.0));
-  EXPECT_EQ(record.data(material), Variant("steel"));
-  EXPECT_TRUE(std::isnan(project->record(3).lock().data(speed).toDouble()));
-  EXPECT_EQ(record.data(project->caseIdVariable()), Variant(7ULL));
-
-  const auto files = record.auxFiles();
-  ASSERT_EQ(files.size(), 2u);
-  const AuxFile trajectory = files[0].lock();
-  EXPECT_EQ(trajectory.filePath(), "/studies/demo/images/7_traj.png");
-  EXPECT_EQ(trajectory.relativePath(), "images/7_traj.png");
-  EXPECT_EQ(trajectory.tags(), (std::vector<std::string>{ "plot:trajectory", "final" }));
-  EXPECT_TRUE(trajectory.hasTag("final"));
-  EXPECT_FALSE(trajectory.hasTag("plot"));
-  EXPECT_EQ(trajectory.record().lock().caseId(), 7u);
-
-  EXPECT_EQ(project->caseIds(), (std::vector<unsigned long long>{ 7, 3, 11 }));
-  EXPECT_TRUE(project->record(99).lock().isNull());
-}
-
 TEST(StudyObjects, VariablesKnowTheirNatureAndFiniteRange)
 {
   const auto project = smallProject();
@@ -69,18 +42,6 @@ TEST(StudyObjects, VariablesKnowTheirNatureAndFiniteRange)
   EXPECT_EQ(ProjectBuilder::natureOfNumbers({ 1, 2, 1, 2, 1, 2 }), Variable::Discrete);
   EXPECT_EQ(ProjectBuilder::natureOfNumbers({ 1, 2, 3, 4 }), Variable::Continuous);
   EXPECT_EQ(ProjectBuilder::natureOfNumbers({ inf, -inf, std::nan("") }), Variable::Continuous);
-}
-
-TEST(StudyObjects, TagGroupsComeFromGroupColonTagTexts)
-{
-  const auto project = smallProject();
-  EXPECT_EQ(project->tags(),
-            (std::vector<std::string>{ "final", "plot:speed", "plot:trajectory" }));
-  ASSERT_EQ(project->tagGroups().size(), 1u);
-  const TagGroup plot = project->tagGroup("plot").lock();
-  EXPECT_EQ(plot.name(), "plot");
-  EXPECT_EQ(plot.tags(), (std::vector<std::string>{ "plot:speed", "plot:trajectory" }));
-  EXPECT_TRUE(project->tagGroup("final").lock().isNull());
 }
 
 TEST(WeakPtr, ComparesByIdAndLocksToAnEmptyHandleOnceTheProjectIsGone)
@@ -108,34 +69,6 @@ TEST(WeakPtr, ComparesByIdAndLocksToAnEmptyHandleOnceTheProjectIsGone)
   const WeakPtr<Variable> none;
   EXPECT_EQ(none.id(), 0u);
   EXPECT_TRUE(none.lock().isNull());
-}
-
-TEST(StudyObjects, EmptyHandlesAnswerNeutralValues)
-{
-  const Record record;
-  EXPECT_EQ(record.caseId(), 0u);
-  EXPECT_TRUE(record.data(Variable()).isEmpty());
-  EXPECT_TRUE(record.auxFiles().empty());
-  EXPECT_TRUE(AuxFile().tags().empty());
-  EXPECT_FALSE(AuxFile().hasTag(""));
-  EXPECT_EQ(TagGroup().name(), "");
-  // A variable of another project gives no value.
-  const auto a = smallProject();
-  const auto b = smallProject();
-  EXPECT_TRUE(a->record(7).lock().data(b->variable("speed")).isEmpty());
-}
-
-TEST(Project, TheCurrentProjectIsNeverNullAndIsReplacedWhole)
-{
-  Project::setProject(nullptr);
-  ASSERT_NE(Project::project(), nullptr);
-  EXPECT_EQ(Project::project()->numberOfRecords(), 0u);
-
-  const auto project = smallProject();
-  Project::setProject(project);
-  EXPECT_EQ(Project::project(), project);
-  Project::setProject(nullptr);
-  EXPECT_EQ(Project::project()->numberOfRecords(), 0u);
 }
 
 TEST(ProjectBuilder, RejectsInconsistentStudies)

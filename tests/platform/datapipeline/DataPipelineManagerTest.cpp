@@ -45,22 +45,6 @@ std::vector<unsigned long long> outputCaseIds(const DataPipelineManager& pipelin
 
 } // namespace
 
-TEST(DataPipelineManager, CasesTableHasTheCaseIdsThenOneColumnPerVariable)
-{
-  DataPipelineManager pipeline(study());
-  vtkTable* cases = pipeline.cases();
-  ASSERT_EQ(cases->GetNumberOfColumns(), 4);
-  ASSERT_EQ(cases->GetNumberOfRows(), 6);
-  EXPECT_STREQ(cases->GetColumn(0)->GetName(), "case_id");
-  EXPECT_EQ(vtkTypeUInt64Array::SafeDownCast(cases->GetColumn(0))->GetValue(5),
-            18446744073709551615ULL);
-  EXPECT_NE(vtkDoubleArray::SafeDownCast(cases->GetColumnByName("range")), nullptr);
-  auto* material = vtkStringArray::SafeDownCast(cases->GetColumnByName("material"));
-  ASSERT_NE(material, nullptr);
-  EXPECT_EQ(material->GetValue(1), "wood");
-  EXPECT_EQ(outputCaseIds(pipeline).size(), 6u) << "without filters every case passes";
-}
-
 TEST(DataPipelineManager, OutputDropsExactlyTheRowsOutsideTheFiltersInEffect)
 {
   const auto project = study();

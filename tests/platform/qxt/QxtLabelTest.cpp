@@ -43,13 +43,3 @@ TEST(QxtLabel, RotatedTextTurnsItsSizeAndItsInk)
     EXPECT_GT(ink.height(), ink.width()) << "the text runs vertically";
   }
 }
-
-TEST(QxtLabel, SignalsTextChangesOnce)
-{
-  QxtLabel label;
-  QSignalSpy spy(&label, &QxtLabel::textChanged);
-  label.setText("Column Header");
-  label.setText("Column Header");
-  EXPECT_EQ(spy.count(), 1);
-  EXPECT_EQ(label.text(), "Column Header");
-}

@@ -40,39 +40,7 @@ private:
   }
 };
 
-QString toXml(SerializerInterface& serializer)
-{
-  QDomDocument document;
-  document.appendChild(serializer.serialize(document));
-  return document.toString(-1);
-}
-
 } // namespace
-
-TEST(Serializer, TreeWritesChildrenInOrderAndReadsThemBack)
-{
-  auto root = boost::make_shared<TextSerializer>("View", "scatter");
-  auto legend = boost::make_shared<TextSerializer>("ColorLegend", "on");
-  auto axis = boost::make_shared<TextSerializer>("Axis", "x");
-  auto legacy = boost::make_shared<TextSerializer>("OldAxis", "never written");
-  root->addSubElement(legend);
-  root->addSubElement(axis);
-  root->addDeserializeOnlySubElement(legacy);
-
-  EXPECT_EQ(toXml(*root),
-            "<View value=\"scatter\"><ColorLegend value=\"on\"/><Axis value=\"x\"/>"
-            "</View>");
-
-  QDomDocument saved;
-  ASSERT_TRUE(saved.setContent(QString("<View value=\"line\"><Axis value=\"y\"/>"
-                                       "<OldAxis value=\"old\"/><Axis value=\"second\"/></View>")));
-  QDomElement element = saved.documentElement();
-  root->deserialize(element);
-  EXPECT_EQ(root->text, "line");
-  EXPECT_EQ(axis->text, "y") << "the first child of the name is read";
-  EXPECT_EQ(legend->text, "on") << "a missing child leaves its serializer as it was";
-  EXPECT_EQ(legacy->text, "old") << "deserialize-only serializers take part in reading";
-}
 
 TEST(Serializer, DeserializationFlagIsRaisedOnlyWhileReadingAndSurvivesErrors)
 {
@@ -91,14 +59,4 @@ TEST(Serializer, DeserializationFlagIsRaisedOnlyWhileReadingAndSurvivesErrors)
   child->failOnRead = true;
   EXPECT_THROW(root->deserialize(element), std::runtime_error);
   EXPECT_FALSE(Serializer::isInMiddleOfDeserialization) << "an error must not leave it raised";
-}
-
-TEST(Serializer, ReplaceSubElementSwapsTheSerializerOfTheSameName)
-{
-  Serializer root("View");
-  root.addSubElement(boost::make_shared<TextSerializer>("Axis", "old"));
-  root.replaceSubElement(boost::make_shared<TextSerializer>("Axis", "new"));
-  root.replaceSubElement(boost::make_shared<TextSerializer>("Legend", "added"));
-  EXPECT_EQ(toXml(root), "<View><Axis value=\"new\"/><Legend value=\"added\"/></View>");
-  EXPECT_EQ(root.name(), "View");
 }

@@ -93,21 +93,6 @@ TEST(VectorSerializer, WritesOneCommaSeparatedTextAndReadsAcceptedFieldsBack)
   EXPECT_EQ(holder->sets, 3);
 }
 
-TEST(VectorSerializer, WorksThroughAGetterAndASetter)
-{
-  std::vector<std::string> stored = { "x", "y" };
-  StringVectorSerializer serializer(
-    "Names",
-    [&] { return stored; },
-    [&](const std::vector<std::string>& list) { stored = list; },
-    [](const std::string&) { return true; });
-  QDomDocument document;
-  QDomElement element = elementWithText(document, "p,\"q\\\"r\"");
-  serializer.deserialize(element);
-  EXPECT_EQ(stored, (std::vector<std::string>{ "p", "q\"r" }));
-  EXPECT_EQ(serializer.serialize(document).text(), "p,\"q\\\"r\"");
-}
-
 TEST(VectorSerializer, MalformedEscapesRaiseTheTokenizersError)
 {
   auto holder = boost::make_shared<ListHolder>();
