@@ -15,7 +15,9 @@ void VTKChartsMouseModeProperty::storeValue(const DataViewMouseMode::MouseMode& 
 {
   constexpr int left = vtkContextMouseEvent::LEFT_BUTTON;
   constexpr int middle = vtkContextMouseEvent::MIDDLE_BUTTON;
-  constexpr int none = vtkContextMouseEvent::NO_BUTTON;
+  // Not vtkContextMouseEvent::NO_BUTTON (0): VTK delivers a move without a button as button 0,
+  // so an action bound to it would swallow plain moves, and with them the points' tooltips.
+  constexpr int none = -1;
   // The chart keeps one action per button, so the order of the calls matters: an action bound
   // to a button takes that button from the action that had it.
   switch (mode)

@@ -11,11 +11,11 @@ class vtkChart;
 /// property binds Pan (the chart starts panning with the left button), while a data view's own
 /// mouse-mode property starts in Select; the two defaults differ on purpose.
 ///
-/// | mode   | left button | middle button | none   |
+/// | mode   | left button | middle button | none (-1) |
 /// |--------|-------------|---------------|--------|
-/// | Select | select      | pan           | zoom   |
-/// | Pan    | pan         | zoom          | select |
-/// | Zoom   | zoom        | pan           | select |
+/// | Select | select      | pan           | zoom      |
+/// | Pan    | pan         | zoom          | select    |
+/// | Zoom   | zoom        | pan           | select    |
 /// Any other mode is stored and leaves the chart's buttons as they are.
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT VTKChartsMouseModeProperty
   : public plexa::Property<DataViewMouseMode::MouseMode>
