@@ -1,22 +1,92 @@
 #include "ExplorerView.h"
 
+#include "SettingsFile.h"
+
 #include "datamanagement/Project.h"
 #include "serialization/VariableInfoSerializer.h"
 #include "serialize/SerializerInterface.h"
 
+#include <QDomElement>
+#include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
 
 namespace explorer
 {
 
+namespace
+{
+
+// Passes everything to the setting it wraps; a value refused while reading is reported with the
+// setting's path and, for a single value, the value itself.
+class NamedSetting : public SerializerInterface
+{
+public:
+  NamedSetting(std::string view, boost::shared_ptr<SerializerInterface> setting, std::string expected)
+    : view(std::move(view))
+    , setting(std::move(setting))
+    , expected(std::move(expected))
+  {
+  }
+
+  QDomElement serialize(QDomDocument& document) override { return setting->serialize(document); }
+  void deserialize(QDomElement& element) const override
+  {
+    const std::string path = view + "/" + setting->name();
+    const bool single = element.firstChildElement().isNull() && !element.text().isEmpty();
+    const std::string value = "'" + element.text().toStdString() + "'";
+    try
+    {
+      setting->deserialize(element);
+    }
+    catch (const boost::bad_lexical_cast&)
+    {
+      throw SettingsError(path + ": " + (single ? value : "a value") + " is not " + expected);
+    }
+    catch (const SettingsError&)
+    {
+      throw;
+    }
+    catch (const std::exception& e)
+    {
+      throw SettingsError(path + ": " + (single ? value + ": " : "") + e.what());
+    }
+  }
+  std::string name() const override { return setting->name(); }
+  void addSubElement(boost::shared_ptr<SerializerInterface> sub) override
+  {
+    setting->addSubElement(std::move(sub));
+  }
+  void replaceSubElement(boost::shared_ptr<SerializerInterface> sub) override
+  {
+    setting->replaceSubElement(std::move(sub));
+  }
+  void addDeserializeOnlySubElement(boost::shared_ptr<SerializerInterface> sub) override
+  {
+    setting->addDeserializeOnlySubElement(std::move(sub));
+  }
+
+private:
+  std::string view;
+  boost::shared_ptr<SerializerInterface> setting;
+  std::string expected;
+};
+
+} // namespace
+
 ExplorerView::~ExplorerView() = default;
+
+void ExplorerView::saveSetting(boost::shared_ptr<SerializerInterface> setting,
+                               const std::string& expected)
+{
+  serializer().addSubElement(boost::make_shared<NamedSetting>(domName(), std::move(setting), expected));
+}
 
 void ExplorerView::saveVariableSetting(
   const std::string& element,
   boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> property,
   const Project& project)
 {
-  serializer().addSubElement(
+  saveSetting(
     boost::make_shared<VariableInfoSerializer>(element, std::move(property), project.variables()));
   variableElementNames.push_back(element);
 }

@@ -15,6 +15,7 @@
 #include <vector>
 
 class DataPipelineManager;
+class SerializerInterface;
 class ImageCache;
 class Project;
 class QWidget;
@@ -87,6 +88,11 @@ public:
   using DataViewAbstract::mouseMode;
 
 protected:
+  /// Adds a setting to the view's saved element. A value it refuses while settings are read
+  /// back is reported with the setting's path and the value: "ScatterPlot2D/XMin: 'abc' is not
+  /// a number", where `expected` ("a number") says what a value must be.
+  void saveSetting(boost::shared_ptr<SerializerInterface> setting,
+                   const std::string& expected = "a valid value");
   /// Saves a variable setting under `element`, by name, and records the element.
   void saveVariableSetting(
     const std::string& element,

@@ -4,6 +4,7 @@
 #include "SettingsFile.h"
 #include "SettingsPanel.h"
 #include "ViewRegistry.h"
+#include "analyzer_common/DeleteSignaler.h"
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
@@ -13,6 +14,7 @@
 #include "export/FullPrecisionCSVExporter.h"
 #include "export/SurrogateModelCSVExporter.h"
 #include "images/ImageCache.h"
+#include "signals/SignalConnectionCollection.h"
 
 #include "properties/PropertyAbstract.h"
 
@@ -75,9 +77,13 @@ struct ExplorerWindow::Impl
   QActionGroup* mouseModes = nullptr;
   QAction* fitAction = nullptr;
   QProgressBar* progress = nullptr;
+  QLabel* selectionCount = nullptr;
+  SignalConnectionCollection connections;
   std::shared_ptr<ImageFileLoaderInterface> preloaded;
   QThread* preloader = nullptr;
   std::shared_ptr<std::atomic<bool>> stopPreloading = std::make_shared<std::atomic<bool>>(false);
+  // The owner of the window's own undo steps (loading settings): they do nothing once it is gone.
+  DeleteSignaler undoOwner;
 
   void stopPreloader()
   {
@@ -111,7 +117,12 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
   d->progress = new QProgressBar();
   d->progress->setMaximumWidth(200);
   d->progress->hide();
+  d->selectionCount = new QLabel();
+  d->selectionCount->setObjectName("selectionCount");
+  statusBar()->addPermanentWidget(d->selectionCount);
   statusBar()->addPermanentWidget(d->progress);
+  d->connections.add(d->selection->connectSignalSelectionChanged(
+    [this](const std::set<unsigned long long>&) { showSelectionCount(); }));
   createActions();
   connect(qApp,
           &QApplication::focusChanged,
@@ -129,6 +140,7 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
 
 ExplorerWindow::~ExplorerWindow()
 {
+  d->connections.clear();
   d->stopPreloader();
   d->clearViews();
 }
@@ -223,6 +235,8 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   Project::setProject(d->project);
   d->pipeline = std::make_shared<DataPipelineManager>(d->project);
   const ViewContext context{ d->project, d->pipeline, d->selection, &d->cache };
+  // What the views set up for themselves is where the history starts, not a step in it.
+  const UndoStack::SuspendUndoRecording startingUp;
   while (d->splitter->count() > 0)
     delete d->splitter->widget(0);
   auto* side = new QSplitter(Qt::Vertical);
@@ -281,6 +295,14 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   statusBar()->showMessage(QString("%1 cases, %2 variables")
                              .arg(d->project->numberOfRecords())
                              .arg(d->project->variables().size()));
+  showSelectionCount();
+}
+
+void ExplorerWindow::showSelectionCount()
+{
+  d->selectionCount->setText(QString("%1 of %2 cases selected")
+                               .arg(d->selection->getSelections().size())
+                               .arg(d->project ? d->project->numberOfRecords() : 0));
 }
 
 std::shared_ptr<const Project> ExplorerWindow::project() const
@@ -298,8 +320,12 @@ bool ExplorerWindow::loadSettings(const QString& path, QString& error)
   }
   try
   {
-    SettingsFile::load(
-      QString::fromUtf8(file.readAll()), path.toStdString(), views(), *d->pipeline, *d->project);
+    SettingsFile::load(QString::fromUtf8(file.readAll()),
+                       path.toStdString(),
+                       views(),
+                       *d->pipeline,
+                       *d->project,
+                       d->undoOwner);
   }
   catch (const std::exception& e)
   {

@@ -64,6 +64,7 @@ private:
   void saveSettingsAs();
   void exportCasesAs(bool fullPrecision);
   void setCurrentView(ExplorerView* view);
+  void showSelectionCount();
   void report(const QString& message);
 
   struct Impl;

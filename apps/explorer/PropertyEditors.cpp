@@ -102,7 +102,13 @@ QComboBox* PropertyEditors::variableChooser(boost::shared_ptr<VariableProperty> 
 QLineEdit* PropertyEditors::numberEditor(boost::shared_ptr<plexa::PropertyAbstract<double>> property)
 {
   auto* line = new QLineEdit();
-  const auto show = [line, property] { line->setText(numberText(property->value())); };
+  // Wide enough for the longest shortest form of a double, so that the whole number shows.
+  line->setMinimumWidth(line->fontMetrics().horizontalAdvance("-0.30000000000000004") + 16);
+  const auto show = [line, property]
+  {
+    line->setText(numberText(property->value()));
+    line->setCursorPosition(0);
+  };
   show();
   follow(*property, show);
   QObject::connect(line,

@@ -1,6 +1,7 @@
 #include "SettingsFile.h"
 
 #include "ExplorerView.h"
+#include "analyzer_common/GenericUndoCommand.h"
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
@@ -12,7 +13,9 @@
 #include <boost/lexical_cast.hpp>
 
 #include <algorithm>
+#include <memory>
 #include <set>
+#include <utility>
 
 namespace explorer
 {
@@ -126,7 +129,8 @@ void SettingsFile::load(const QString& xml,
                         const std::string& source,
                         const std::vector<ExplorerView*>& views,
                         DataPipelineManager& pipeline,
-                        const Project& project)
+                        const Project& project,
+                        const DeleteSignaler& owner)
 {
   QDomDocument document;
   QString error;
@@ -158,18 +162,52 @@ void SettingsFile::load(const QString& xml,
 
   QDomDocument before;
   before.setContent(write(views, pipeline));
-  UndoStack::SuspendUndoRecording notRecorded;
-  try
   {
-    applyAll(root, views, pipeline, project, source);
+    // The settings' own changes are not recorded one by one: loading is one step, below.
+    UndoStack::SuspendUndoRecording notRecorded;
+    try
+    {
+      applyAll(root, views, pipeline, project, source);
+    }
+    catch (const std::exception& e)
+    {
+      const std::string problem = e.what();
+      applyAll(before.documentElement(), views, pipeline, project, source);
+      throw SettingsError(source + ": a setting was refused, nothing was changed: " + problem);
+    }
   }
-  catch (const std::exception& e)
+
+  // Both documents applied cleanly once; undo and redo apply them again. The stack runs redo on
+  // push, when the settings are already in place.
+  const auto apply = [views, pipeline = &pipeline, project = &project, source](QDomDocument doc)
   {
-    const std::string problem = e.what();
-    applyAll(before.documentElement(), views, pipeline, project, source);
-    throw SettingsError(source + ": a setting was refused, nothing was changed: " + problem);
-  }
-  UndoStack().clear();
+    return [=]
+    {
+      UndoStack::SuspendUndoRecording replaying;
+      try
+      {
+        applyAll(doc.documentElement(), views, *pipeline, *project, source);
+      }
+      catch (const std::exception&)
+      {
+        // Cannot happen for documents that applied before; a half-applied step is still better
+        // than an exception escaping the undo stack.
+      }
+    };
+  };
+  auto applied = std::make_shared<bool>(true);
+  const auto redo = apply(document);
+  UndoStack().push(new GenericUndoCommand(
+    [applied, redo]
+    {
+      if (!std::exchange(*applied, false))
+        redo();
+    },
+    apply(before),
+    owner,
+    "Load Settings",
+    -1,
+    nullptr));
 }
 
 } // namespace explorer

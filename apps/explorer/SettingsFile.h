@@ -8,6 +8,7 @@
 #include <vector>
 
 class DataPipelineManager;
+class DeleteSignaler;
 class Project;
 
 namespace explorer
@@ -33,13 +34,14 @@ public:
   /// Reads settings and applies them. A document that is not well-formed, is not explorer
   /// settings, or names variables the study does not have is refused before anything changes;
   /// a value a setting refuses while applying puts every setting back as it was. Throws
-  /// SettingsError; `source` names the document in messages. Loading is not recorded as an undo
-  /// step: the undo history starts afresh from the loaded settings.
+  /// SettingsError; `source` names the document in messages. Loading is one undo step ("Load
+  /// Settings"), which does nothing once `owner` is gone.
   static void load(const QString& xml,
                    const std::string& source,
                    const std::vector<ExplorerView*>& views,
                    DataPipelineManager& pipeline,
-                   const Project& project);
+                   const Project& project,
+                   const DeleteSignaler& owner);
 };
 
 } // namespace explorer

@@ -2,6 +2,9 @@
 
 #include "ExplorerView.h"
 #include "PropertyEditors.h"
+#include "analyzer_common/DeleteSignaler.h"
+#include "analyzer_common/GenericUndoCommand.h"
+#include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "datapipeline/RangeFilter.h"
@@ -16,11 +19,70 @@
 namespace explorer
 {
 
+namespace
+{
+
+// What the user set of one variable's range filter.
+struct FilterState
+{
+  bool exists = false;
+  double min = 0;
+  double max = 0;
+  bool enabled = false;
+
+  bool operator==(const FilterState& other) const
+  {
+    return exists == other.exists && min == other.min && max == other.max &&
+           enabled == other.enabled;
+  }
+};
+
+FilterState filterState(const DataPipelineManager& pipeline, const WeakPtr<Variable>& variable)
+{
+  const auto filter = boost::dynamic_pointer_cast<RangeFilter>(pipeline.filter(variable));
+  if (!filter)
+    return {};
+  return { true, filter->range().first, filter->range().second, pipeline.isFilterEnabled(variable) };
+}
+
+void applyFilterState(DataPipelineManager& pipeline,
+                      const WeakPtr<Variable>& variable,
+                      const FilterState& state)
+{
+  if (!state.exists)
+  {
+    pipeline.removeFilter(variable);
+    return;
+  }
+  pipeline.setRangeFilter(variable, state.min, state.max);
+  pipeline.setFilterEnabled(variable, state.enabled);
+}
+
+} // namespace
+
 struct SettingsPanel::Impl
 {
   PropertyEditors editors;
   DataPipelineManager& pipeline;
   SignalConnectionCollection connections;
+  // The owner of the filters' undo steps: they do nothing once the panel is gone.
+  DeleteSignaler undoOwner;
+
+  // A filter edit is an undo step like any setting's.
+  void changeFilter(const WeakPtr<Variable>& variable, const FilterState& after)
+  {
+    const FilterState before = filterState(pipeline, variable);
+    if (before == after)
+      return;
+    DataPipelineManager* target = &pipeline;
+    UndoStack().push(new GenericUndoCommand(
+      [target, variable, after] { applyFilterState(*target, variable, after); },
+      [target, variable, before] { applyFilterState(*target, variable, before); },
+      undoOwner,
+      "Change Filter on " + QString::fromStdString(variable.lock().name()),
+      -1,
+      nullptr));
+  }
 
   Impl(std::shared_ptr<const Project> project, DataPipelineManager& pipeline, Report report)
     : editors(std::move(project), std::move(report))
@@ -54,15 +116,15 @@ struct SettingsPanel::Impl
       table->setCellWidget(row, 1, on);
       table->setCellWidget(row, 2, min);
       table->setCellWidget(row, 3, max);
-      const auto show = [this, variable, on, min, max]
+      // Without a filter (at the start, or once its creation is undone) the editors offer the
+      // variable's whole range.
+      const auto show = [this, variable, on, min, max, range]
       {
+        const FilterState state = filterState(pipeline, variable);
         const QSignalBlocker blocker(on);
-        on->setChecked(pipeline.isFilterEnabled(variable));
-        if (const auto filter = boost::dynamic_pointer_cast<RangeFilter>(pipeline.filter(variable)))
-        {
-          min->setText(numberText(filter->range().first));
-          max->setText(numberText(filter->range().second));
-        }
+        on->setChecked(state.exists && state.enabled);
+        min->setText(numberText(state.exists ? state.min : range.first));
+        max->setText(numberText(state.exists ? state.max : range.second));
       };
       const auto apply = [this, variable, on, min, max, show]
       {
@@ -75,8 +137,7 @@ struct SettingsPanel::Impl
           show();
           return;
         }
-        pipeline.setRangeFilter(variable, low, high);
-        pipeline.setFilterEnabled(variable, on->isChecked());
+        changeFilter(variable, { true, low, high, on->isChecked() });
       };
       QObject::connect(on, &QCheckBox::toggled, apply);
       QObject::connect(min, &QLineEdit::editingFinished, apply);

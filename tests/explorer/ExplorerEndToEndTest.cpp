@@ -166,3 +166,16 @@ TEST_F(Explorer, BadInputGetsAClearMessageAndANonZeroExit)
     EXPECT_NE(run.err.find(c.message), std::string::npos) << c.what << ": " << run.err;
   }
 }
+
+TEST(ExplorerProgram, HelpNeedsNoDisplay)
+{
+  QProcess process;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.remove("DISPLAY");
+  environment.remove("QT_QPA_PLATFORM");
+  process.setProcessEnvironment(environment);
+  process.start(EXPLORER_PATH, { "--help" });
+  ASSERT_TRUE(process.waitForFinished(60000));
+  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+  EXPECT_TRUE(process.readAllStandardOutput().contains("--generate-sample"));
+}

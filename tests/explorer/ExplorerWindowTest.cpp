@@ -11,16 +11,32 @@
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
+#include "charts/AxisDetailsInterface.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/StudyReader.h"
 #include "properties/PropertyAbstract.h"
 #include "support/RenderedView.h"
 #include "support/TemporaryFolder.h"
 
+#include <QApplication>
+#include <QCheckBox>
+#include <QGroupBox>
 #include <QItemSelectionModel>
+#include <QLabel>
+#include <QLineEdit>
 #include <QTableView>
+#include <QTableWidget>
+#include <QTest>
 #include <QUndoStack>
+#include <QVTKOpenGLNativeWidget.h>
 #include <gtest/gtest.h>
+#include <vtkAxis.h>
+#include <vtkCallbackCommand.h>
+#include <vtkGenericOpenGLRenderWindow.h>
+#include <vtkPlotPoints.h>
+#include <vtkTable.h>
+
+#include <cmath>
 
 using explorer::ExplorerWindow;
 using testsupport::TemporaryFolder;
@@ -88,6 +104,7 @@ TEST_F(ExplorerWindowTest, ShowsOneViewOfEachKindLinkedByOneSelection)
   ASSERT_TRUE(scatter && table && images);
 
   window->selection().setSelection({ 1003, 1008 });
+  EXPECT_EQ(window->findChild<QLabel*>("selectionCount")->text(), "2 of 48 cases selected");
   EXPECT_EQ(scatter->highlightedPoints(), 2);
   EXPECT_EQ(table->selectedRows(), 2);
   EXPECT_EQ(images->selectionSummary(), "2 selected cells");
@@ -117,6 +134,8 @@ TEST_F(ExplorerWindowTest, SavedSettingsLoadBackToTheSameState)
     <YVariable>apex_height</YVariable>
     <ColorVariable>angle</ColorVariable>
     <ColorLegend><Show>1</Show><NumLabels>7</NumLabels><RangeType>Custom</RangeType><Range Min="10" Max="70"/></ColorLegend>
+    <XMin>0</XMin><XMax>100</XMax><XGridSpacing>25</XGridSpacing>
+    <ColorLegendPlacement x="0.5" y="0.25" width="0.125" height="0.5"/>
   </ScatterPlot2D>
   <ImageMatrix>
     <DimensionRowsBy>Tag</DimensionRowsBy>
@@ -132,13 +151,15 @@ TEST_F(ExplorerWindowTest, SavedSettingsLoadBackToTheSameState)
   EXPECT_EQ(scatter->colorVariable()->value().lock().name(), "angle");
   // The angles sweep 15, 25, ..., 65: the filter keeps 25, 35 and 45, three in six.
   EXPECT_EQ(window->shownCases(), 24);
-  EXPECT_EQ(UndoStack().qUndoStack().count(), 0) << "loading starts the undo history afresh";
 
   const std::string saved = savedSettings();
   for (const char* expected : { "<XVariable>speed</XVariable>",
                                 "<NumLabels>7</NumLabels>",
                                 "<DimensionRowsBy>Tag</DimensionRowsBy>",
                                 "<Zoom>20</Zoom>",
+                                "<XGridSpacing>25</XGridSpacing>",
+                                " x=\"0.5\"",
+                                "width=\"0.125\"",
                                 "min=\"20\"" })
     EXPECT_NE(saved.find(expected), std::string::npos) << expected << " in\n" << saved;
 
@@ -172,6 +193,13 @@ TEST_F(ExplorerWindowTest, RefusedSettingsChangeNothingAndSayWhy)
       "<ExplorerSettings><ScatterPlot2D><XVariable>speed</XVariable><ColorLegend>"
       "<NumLabels>99</NumLabels></ColorLegend></ScatterPlot2D></ExplorerSettings>",
       "nothing was changed" },
+    { "a number that is not one",
+      "<ExplorerSettings><ScatterPlot2D><XMin>abc</XMin></ScatterPlot2D></ExplorerSettings>",
+      "ScatterPlot2D/XMin: 'abc' is not a number" },
+    { "a legend placement outside the view",
+      "<ExplorerSettings><ScatterPlot2D><ColorLegendPlacement x=\"2\" y=\"0\" width=\"0.1\" "
+      "height=\"0.1\"/></ScatterPlot2D></ExplorerSettings>",
+      "ScatterPlot2D/ColorLegendPlacement: '2' is not a fraction of the view" },
     { "a filter that is not a number",
       "<ExplorerSettings><Filters><Filter variable=\"angle\" min=\"a\" max=\"1\"/></Filters>"
       "</ExplorerSettings>",
@@ -231,4 +259,151 @@ TEST(ExplorerCommandLine, ReadsOptionsAndRefusesBadOnes)
   int code = 0;
   ASSERT_TRUE(explorer::parseOptions({ "s", "--select", "3, 1,2" }, options, error, code));
   EXPECT_EQ(options.select, (std::set<unsigned long long>{ 1, 2, 3 }));
+}
+
+TEST_F(ExplorerWindowTest, AFreshWindowHasNothingToUndoAndEachEditIsOneStep)
+{
+  QUndoStack& history = UndoStack().qUndoStack();
+  EXPECT_FALSE(history.canUndo()) << "setting up the views is not an edit";
+
+  // A range filter typed in the panel.
+  auto* filters = window->findChild<QTableWidget*>("filtersTable");
+  ASSERT_NE(filters, nullptr);
+  int angle = 0;
+  while (angle < filters->rowCount() && filters->item(angle, 0)->text() != "angle")
+    ++angle;
+  ASSERT_LT(angle, filters->rowCount());
+  auto* minimum = qobject_cast<QLineEdit*>(filters->cellWidget(angle, 2));
+  minimum->setText("30");
+  Q_EMIT minimum->editingFinished();
+  qobject_cast<QCheckBox*>(filters->cellWidget(angle, 1))->setChecked(true);
+  EXPECT_EQ(window->shownCases(), 32) << "angles 35 to 65";
+  history.undo();
+  history.undo();
+  EXPECT_EQ(window->shownCases(), 48);
+  EXPECT_EQ(minimum->text(), "15") << "the editor follows the undo";
+
+  // Loading settings is one step, which undo takes back whole.
+  const std::string before = savedSettings();
+  const int steps = history.index();
+  ASSERT_TRUE(load("<ExplorerSettings><ScatterPlot2D><XVariable>speed</XVariable><ColorLegend>"
+                   "<NumLabels>5</NumLabels></ColorLegend></ScatterPlot2D><Filters><Filter "
+                   "variable=\"speed\" min=\"0\" max=\"30\"/></Filters></ExplorerSettings>")
+                .isEmpty());
+  EXPECT_EQ(history.index(), steps + 1);
+  EXPECT_EQ(history.undoText(), "Load Settings");
+  EXPECT_NE(savedSettings(), before);
+  history.undo();
+  EXPECT_EQ(savedSettings(), before);
+  history.redo();
+  EXPECT_EQ(window->view<explorer::ScatterPlotView>()->xVariable()->value().lock().name(), "speed");
+}
+
+TEST_F(ExplorerWindowTest, TheChartShowsEditsAtOnceWithWholePointsRingedSelectionAndLegendAside)
+{
+  auto* scatter = window->view<explorer::ScatterPlotView>();
+  auto* widget = qobject_cast<QVTKOpenGLNativeWidget*>(scatter->widget());
+  ASSERT_NE(widget, nullptr);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  scatter->fitToData();
+  int renders = 0;
+  auto counter = vtkSmartPointer<vtkCallbackCommand>::New();
+  counter->SetClientData(&renders);
+  counter->SetCallback([](vtkObject*, unsigned long, void* count, void*)
+                       { ++*static_cast<int*>(count); });
+  widget->renderWindow()->AddObserver(vtkCommand::EndEvent, counter);
+  scatter->xAxis().max()->setValue(80); // as typed in the panel
+  QApplication::processEvents();
+  EXPECT_GE(renders, 1) << "an edit redraws the chart without waiting for the mouse";
+
+  // Fit to Data leaves at least a marker between the outermost points and the axes' ends.
+  scatter->fitToData();
+  vtkPlotPoints& points = scatter->points();
+  for (vtkAxis* axis : { points.GetXAxis(), points.GetYAxis() })
+  {
+    double bounds[4];
+    points.GetBounds(bounds);
+    const int i = axis == points.GetXAxis() ? 0 : 2;
+    const double pixels = std::hypot(axis->GetPoint2()[0] - axis->GetPoint1()[0],
+                                     axis->GetPoint2()[1] - axis->GetPoint1()[1]);
+    const double perUnit = pixels / (axis->GetMaximum() - axis->GetMinimum());
+    EXPECT_GE((bounds[i] - axis->GetMinimum()) * perUnit, points.GetMarkerSize() / 2);
+    EXPECT_GE((axis->GetMaximum() - bounds[i + 1]) * perUnit, points.GetMarkerSize() / 2);
+  }
+
+  // A selected case is ringed in a dark colour no colour of the map has; the others are not.
+  window->selection().setSelection({ 1008 });
+  QApplication::processEvents();
+  const QImage shown = widget->grabFramebuffer();
+  const auto pixelOf = [&](unsigned long long id)
+  {
+    vtkTable* table = points.GetInput();
+    for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
+    {
+      if (table->GetValue(row, 0).ToDouble() != static_cast<double>(id))
+        continue;
+      const auto along = [&](vtkAxis* axis, int c, double value)
+      {
+        return axis->GetPoint1()[c] + (value - axis->GetMinimum()) /
+                                        (axis->GetMaximum() - axis->GetMinimum()) *
+                                        (axis->GetPoint2()[c] - axis->GetPoint1()[c]);
+      };
+      const double x = table->GetValueByName(row, points.GetXAxis()->GetTitle().c_str()).ToDouble();
+      const double y = table->GetValueByName(row, points.GetYAxis()->GetTitle().c_str()).ToDouble();
+      return QPoint(qRound(along(points.GetXAxis(), 0, x)),
+                    shown.height() - 1 - qRound(along(points.GetYAxis(), 1, y)));
+    }
+    return QPoint(-1, -1);
+  };
+  const auto darkAround = [&](QPoint at)
+  {
+    int dark = 0;
+    for (const QPoint step : { QPoint(6, 0), QPoint(-6, 0), QPoint(0, 6), QPoint(0, -6) })
+      dark += qGray(shown.pixel(at + step)) < 70 ? 1 : 0;
+    return dark;
+  };
+  EXPECT_GE(darkAround(pixelOf(1008)), 3) << "selected";
+  EXPECT_EQ(darkAround(pixelOf(1012)), 0) << "not selected";
+
+  // The colour legend sits right of the plot, where no point can be.
+  const int plotRight = qRound(points.GetXAxis()->GetPoint2()[0]);
+  int coloured = 0;
+  for (int y = 0; y < shown.height(); ++y)
+  {
+    const QColor c = shown.pixelColor(plotRight + 30, y);
+    coloured += c.saturation() > 150 ? 1 : 0;
+  }
+  EXPECT_GT(coloured, shown.height() / 3) << "the colour bar beside the plot";
+}
+
+TEST_F(ExplorerWindowTest, KeysOfA3DViewerDoNothingHarmful)
+{
+  auto* scatter = window->view<explorer::ScatterPlotView>();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  window->selection().setSelection({ 1003 });
+  const double min = scatter->xAxis().min()->value();
+  for (const char key : { '3', 'w', 's', 'r', 'f', 'p', 'e', 'q' })
+    QTest::keyClick(scatter->widget(), key);
+  for (explorer::ExplorerView* view : window->views())
+    QTest::keyClick(view->widget(), Qt::Key_Escape);
+  QApplication::processEvents();
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_FALSE(
+    qobject_cast<QVTKOpenGLNativeWidget*>(scatter->widget())->renderWindow()->GetStereoRender());
+  EXPECT_EQ(scatter->xAxis().min()->value(), min);
+  EXPECT_EQ(window->selection().getSelections(), (std::set<unsigned long long>{ 1003 }));
+}
+
+TEST_F(ExplorerWindowTest, AxisFieldsShowTheWholeShortestNumber)
+{
+  window->view<explorer::ScatterPlotView>()->xAxis().min()->setValue(0.1 + 0.2);
+  QGroupBox* xAxis = nullptr;
+  for (QGroupBox* box : window->findChildren<QGroupBox*>())
+    if (box->title() == "X axis")
+      xAxis = box;
+  ASSERT_NE(xAxis, nullptr);
+  auto* minimum = xAxis->findChild<QLineEdit*>();
+  EXPECT_EQ(minimum->text(), "0.30000000000000004");
+  EXPECT_LE(minimum->fontMetrics().horizontalAdvance(minimum->text()),
+            minimum->contentsRect().width() - 4);
 }

@@ -118,25 +118,23 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
   const auto variables = project.variables();
   const auto& p = d->properties;
   const std::set<std::string> knownTags(project.tags().begin(), project.tags().end());
-  SerializerInterface& settings = serializer();
   saveVariableSetting("RowVariable", p->rowVar(), project);
-  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::RowColumnDimensionBy>>(
+  saveSetting(boost::make_shared<EnumSerializer<Matrix::RowColumnDimensionBy>>(
     "DimensionRowsBy", p->dimensionRowsBy(), axes));
   saveVariableSetting("ColumnVariable", p->columnVar(), project);
-  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::RowColumnDimensionBy>>(
+  saveSetting(boost::make_shared<EnumSerializer<Matrix::RowColumnDimensionBy>>(
     "DimensionColumnsBy", p->dimensionColumnsBy(), axes));
   saveVariableSetting("PageVariable", p->pageVar(), project);
-  settings.addSubElement(boost::make_shared<VariantTextSerializer>("PageValue", p->pageValue()));
-  settings.addSubElement(boost::make_shared<EnumSerializer<Matrix::PageDimensionBy>>(
+  saveSetting(boost::make_shared<VariantTextSerializer>("PageValue", p->pageValue()));
+  saveSetting(boost::make_shared<EnumSerializer<Matrix::PageDimensionBy>>(
     "DimensionPagesBy", p->dimensionPagesBy(), pages));
-  settings.addSubElement(
-    boost::make_shared<GenericSerializer<bool>>("ShowLabels", p->showLabels()));
-  settings.addSubElement(boost::make_shared<VariableListSerializer>(
+  saveSetting(boost::make_shared<GenericSerializer<bool>>("ShowLabels", p->showLabels()), "0 or 1");
+  saveSetting(boost::make_shared<VariableListSerializer>(
     "VariablesInLabel", p->variablesInLabel(), variables));
-  settings.addSubElement(boost::make_shared<TagGroupsToShowSerializer>(p->tagGroupsToShow()));
-  settings.addSubElement(boost::make_shared<TagsToShowSerializer>(p->tagsToShow(), knownTags));
-  settings.addSubElement(
-    boost::make_shared<GenericSerializer<unsigned long long>>("Zoom", p->zoom()));
+  saveSetting(boost::make_shared<TagGroupsToShowSerializer>(p->tagGroupsToShow()));
+  saveSetting(boost::make_shared<TagsToShowSerializer>(p->tagsToShow(), knownTags));
+  saveSetting(boost::make_shared<GenericSerializer<unsigned long long>>("Zoom", p->zoom()),
+              "a whole number");
 }
 
 ImageMatrixView::~ImageMatrixView()

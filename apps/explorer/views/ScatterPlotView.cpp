@@ -3,6 +3,7 @@
 #include "PropertyEditors.h"
 #include "vtkPlottableCaseIds.h"
 
+#include "analyzer_common/NiceNumber.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "charts/AxisDetailsCharts.h"
 #include "charts/ChartXY.h"
@@ -27,15 +28,23 @@
 #include "signals/SignalConnectionCollection.h"
 
 #include <QFormLayout>
+#include <QDomElement>
 #include <QPointer>
+#include <QTimer>
 #include <QVTKOpenGLNativeWidget.h>
+#include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
 #include <vtkAxis.h>
 #include <vtkCommand.h>
 #include <vtkContextScene.h>
 #include <vtkContextView.h>
 #include <vtkGenericOpenGLRenderWindow.h>
+#include <vtkIdList.h>
 #include <vtkIdTypeArray.h>
+#include <vtkPen.h>
+#include <vtkScalarBarActor.h>
+#include <vtkScalarBarRepresentation.h>
+#include <vtkTextProperty.h>
 #include <vtkLookupTable.h>
 #include <vtkPlotPoints.h>
 #include <vtkRenderWindowInteractor.h>
@@ -64,6 +73,125 @@ WeakPtr<Variable> pick(const Project& project, Variable::Nature nature, int skip
   return {};
 }
 
+// The rows of a table whose ids are listed, in that order, with every column.
+vtkSmartPointer<vtkTable> rowsOf(vtkTable& table, vtkIdTypeArray& rows)
+{
+  auto ids = vtkSmartPointer<vtkIdList>::New();
+  auto positions = vtkSmartPointer<vtkIdList>::New();
+  ids->SetNumberOfIds(rows.GetNumberOfTuples());
+  positions->SetNumberOfIds(rows.GetNumberOfTuples());
+  for (vtkIdType i = 0; i < rows.GetNumberOfTuples(); ++i)
+  {
+    ids->SetId(i, rows.GetValue(i));
+    positions->SetId(i, i);
+  }
+  auto subset = vtkSmartPointer<vtkTable>::New();
+  for (vtkIdType c = 0; c < table.GetNumberOfColumns(); ++c)
+  {
+    vtkAbstractArray* column = table.GetColumn(c);
+    vtkSmartPointer<vtkAbstractArray> copy;
+    copy.TakeReference(vtkAbstractArray::CreateArray(column->GetDataType()));
+    copy->SetName(column->GetName());
+    copy->SetNumberOfComponents(column->GetNumberOfComponents());
+    copy->InsertTuples(positions, ids, column);
+    subset->AddColumn(copy);
+  }
+  return subset;
+}
+
+// A multiple of a nice step as the double nearest the decimal: 3 steps of 0.1 are 0.3, where
+// 3 * 0.1 would be 0.30000000000000004.
+double multipleOf(double count, double step)
+{
+  return step < 1 ? count / std::round(1 / step) : count * step;
+}
+
+// An axis's custom grid spacing: the spacing when the user set one, empty when the chart
+// chooses the ticks (the spacing shown then follows from the range and is not a setting).
+class GridSpacingSerializer : public Serializer
+{
+public:
+  GridSpacingSerializer(const std::string& name, AxisDetailsInterface& axis)
+    : Serializer(name)
+    , axis(axis)
+  {
+  }
+
+private:
+  void serializeSelf(QDomElement& element) const override
+  {
+    if (axis.useCustomGridSpacing()->value())
+      element.appendChild(
+        element.ownerDocument().createTextNode(numberText(axis.gridSpacing()->value())));
+  }
+
+  void deserializeSelf(QDomElement& element) const override
+  {
+    const QString text = element.text().trimmed();
+    if (text.isEmpty())
+    {
+      axis.useCustomGridSpacing()->setValue(false);
+      return;
+    }
+    double spacing = 0;
+    if (!parseNumber(text, spacing))
+      throw boost::bad_lexical_cast();
+    axis.useCustomGridSpacing()->setValue(true);
+    axis.gridSpacing()->setValue(spacing);
+  }
+
+  AxisDetailsInterface& axis;
+};
+
+// Where the user put the colour legend, saved as its corners in fractions of the view; an
+// element without them (or "auto") leaves the legend in the chart's margin.
+class LegendPlacementSerializer : public Serializer
+{
+public:
+  LegendPlacementSerializer(std::function<bool(double*)> get, std::function<void(const double*)> set)
+    : Serializer("ColorLegendPlacement")
+    , get(std::move(get))
+    , set(std::move(set))
+  {
+  }
+
+private:
+  void serializeSelf(QDomElement& element) const override
+  {
+    double placement[4];
+    if (!get(placement))
+    {
+      element.setAttribute("auto", 1);
+      return;
+    }
+    const char* names[] = { "x", "y", "width", "height" };
+    for (int i = 0; i < 4; ++i)
+      element.setAttribute(names[i], QString::fromStdString(numberText(placement[i]).toStdString()));
+  }
+
+  void deserializeSelf(QDomElement& element) const override
+  {
+    if (element.attribute("auto") == "1")
+    {
+      set(nullptr);
+      return;
+    }
+    double placement[4];
+    const char* names[] = { "x", "y", "width", "height" };
+    for (int i = 0; i < 4; ++i)
+    {
+      const QString text = element.attribute(names[i]);
+      if (!parseNumber(text, placement[i]) || placement[i] < 0 || placement[i] > 1)
+        throw std::invalid_argument("'" + text.toStdString() + "' is not a fraction of the view (" +
+                                    names[i] + ")");
+    }
+    set(placement);
+  }
+
+  std::function<bool(double*)> get;
+  std::function<void(const double*)> set;
+};
+
 } // namespace
 
 struct ScatterPlotView::Impl
@@ -76,7 +204,20 @@ struct ScatterPlotView::Impl
   vtkSmartPointer<vtkContextView> view;
   vtkSmartPointer<ChartXY> chart;
   vtkSmartPointer<vtkPlotPoints> points;
+  // The selected cases, drawn over the others as larger markers in a dark ring, so that they
+  // stand out in any colour of the map.
+  vtkSmartPointer<vtkPlotPoints> selectedRing;
+  vtkSmartPointer<vtkPlotPoints> selectedFill;
   vtkSmartPointer<vtkLookupTable> lookupTable;
+  vtkSmartPointer<NiceLabelsColorBarWidget> legendWidget;
+  // The legend's corners in fractions of the view once the user has moved it; until then it
+  // sits in the margin the chart leaves on its right.
+  bool legendPlacedByUser = false;
+  double legendPlacement[4] = { 0, 0, 0, 0 };
+  vtkSmartPointer<vtkPxCommandProxy> layoutObserver;
+  vtkSmartPointer<vtkPxCommandProxy> legendMovedObserver;
+  vtkSmartPointer<vtkPxCommandProxy> swallowKeys;
+  bool renderPending = false;
   vtkSmartPointer<vtkPlottableCaseIds> plottable;
   vtkSmartPointer<InvalidPointsFilter> validPoints;
   boost::shared_ptr<SpatialVariableProperty2D> xTarget;
@@ -125,13 +266,94 @@ struct ScatterPlotView::Impl
     yTarget->assignInputArrayToPlot(*points, y->value());
     colorTarget->assignColorArray(color->value().lock().name());
     synchronizer->updateChartSelections();
+    updateSelectedMarkers();
+  }
+
+  // Copies the selected rows into the plots drawn on top; costs the selection, not the study.
+  void updateSelectedMarkers()
+  {
+    vtkTable* table = points->GetInput();
+    vtkIdTypeArray* rows = points->GetSelection();
+    const bool any = points->GetVisible() && table && rows && rows->GetNumberOfTuples() > 0;
+    for (vtkPlotPoints* plot : { selectedRing.Get(), selectedFill.Get() })
+    {
+      plot->SetVisible(any);
+      if (!any)
+      {
+        plot->SetInputData(nullptr);
+        continue;
+      }
+      plot->SetInputData(rowsOf(*table, *rows));
+      xTarget->assignInputArrayToPlot(*plot, x->value());
+      yTarget->assignInputArrayToPlot(*plot, y->value());
+    }
+    if (!any)
+      return;
+    const std::string colorName = color->value().lock().name();
+    const bool colored = legend->show()->value() && !colorName.empty();
+    selectedFill->SetScalarVisibility(colored);
+    if (colored)
+      selectedFill->SelectColorArray(colorName);
+  }
+
+  // The chart fills the view but for a margin on the right that holds the colour legend, so the
+  // legend never covers a point. Runs before each render, when the view's size is known.
+  void layOut()
+  {
+    const int* size = window->GetSize();
+    if (size[0] <= 0 || size[1] <= 0)
+      return;
+    const bool legendShown = legend && legend->show()->value();
+    const float margin = legendShown && !legendPlacedByUser ? legendMargin : 0.0f;
+    const vtkRectf area(0, 0, std::max(1.0f, static_cast<float>(size[0]) - margin),
+                        static_cast<float>(size[1]));
+    if (chart->GetSize() != area)
+      chart->SetSize(area);
+    auto* representation =
+      vtkScalarBarRepresentation::SafeDownCast(legendWidget->GetRepresentation());
+    if (!representation)
+      return;
+    if (legendPlacedByUser)
+    {
+      representation->SetPosition(legendPlacement[0], legendPlacement[1]);
+      representation->SetPosition2(legendPlacement[2], legendPlacement[3]);
+      return;
+    }
+    const double width = static_cast<double>(size[0]);
+    const double height = static_cast<double>(size[1]);
+    representation->SetPosition((width - margin + 8) / width, 50.0 / height);
+    representation->SetPosition2((margin - 16) / width, std::max(0.1, 1.0 - 80.0 / height));
+  }
+
+  void legendMoved()
+  {
+    auto* representation =
+      vtkScalarBarRepresentation::SafeDownCast(legendWidget->GetRepresentation());
+    if (!representation)
+      return;
+    legendPlacedByUser = true;
+    std::copy(representation->GetPosition(), representation->GetPosition() + 2, legendPlacement);
+    std::copy(representation->GetPosition2(), representation->GetPosition2() + 2, legendPlacement + 2);
+    render();
   }
 
   void render()
   {
+    renderPending = false;
     if (window)
       window->Render();
   }
+
+  // Renders once control returns to the event loop, however many settings changed meanwhile.
+  void scheduleRender()
+  {
+    if (renderPending || !widget)
+      return;
+    renderPending = true;
+    QTimer::singleShot(0, widget, [this] { render(); });
+  }
+
+  static constexpr float legendMargin = 110.0f;
 };
 
 ScatterPlotView::ScatterPlotView(const ViewContext& context)
@@ -150,6 +372,7 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->view->SetInteractor(d->widget->interactor());
   d->view->GetRenderer()->SetBackground(1, 1, 1);
   d->chart = vtkSmartPointer<ChartXY>::New();
+  d->chart->SetLayoutStrategy(vtkChart::FILL_RECT);
   d->view->GetScene()->AddItem(d->chart);
   for (int axis : { vtkAxis::BOTTOM, vtkAxis::LEFT })
     d->chart->GetAxis(axis)->SetBehavior(vtkAxis::FIXED);
@@ -163,6 +386,24 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->lookupTable->SetHueRange(0.667, 0.0);
   d->lookupTable->Build();
   d->points->SetLookupTable(d->lookupTable);
+  // The selection is drawn by the two plots on top, not in the selection pen's single colour.
+  d->points->GetSelectionPen()->SetOpacity(0);
+  d->selectedRing = vtkSmartPointer<vtkPlotPoints>::New();
+  d->selectedRing->SetMarkerStyle(vtkPlotPoints::CIRCLE);
+  d->selectedRing->SetMarkerSize(14);
+  d->selectedRing->SetColor(20, 20, 20, 255);
+  d->selectedRing->ScalarVisibilityOff();
+  d->selectedFill = vtkSmartPointer<vtkPlotPoints>::New();
+  d->selectedFill->SetMarkerStyle(vtkPlotPoints::CIRCLE);
+  d->selectedFill->SetMarkerSize(9);
+  d->selectedFill->SetColor(30, 90, 200, 255);
+  d->selectedFill->SetLookupTable(d->lookupTable);
+  for (vtkPlotPoints* plot : { d->selectedRing.Get(), d->selectedFill.Get() })
+  {
+    plot->SetSelectable(false);
+    plot->SetLegendVisibility(false);
+    plot->SetVisible(false);
+  }
 
   d->xTarget = boost::make_shared<SpatialVariableProperty2D>(d->chart->GetAxis(vtkAxis::BOTTOM), 0);
   d->yTarget = boost::make_shared<SpatialVariableProperty2D>(d->chart->GetAxis(vtkAxis::LEFT), 1);
@@ -177,10 +418,15 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->color = boost::make_shared<VariableProxy>("Color Variable", d->colorTarget);
 
   d->visible = boost::make_shared<plexa::Property<bool>>(true);
-  auto widget = vtkSmartPointer<NiceLabelsColorBarWidget>::New();
+  d->legendWidget = vtkSmartPointer<NiceLabelsColorBarWidget>::New();
   d->legend = std::make_unique<ColorLegend>(
-    d->color, d->visible, pipeline, d->lookupTable, *d->widget->interactor(), widget);
+    d->color, d->visible, pipeline, d->lookupTable, *d->widget->interactor(), d->legendWidget);
   d->legend->show()->setValue(true);
+  // Text of a fixed size: scaled to the bar, it grows with the view's height.
+  vtkScalarBarActor* bar = d->legendWidget->GetScalarBarActor();
+  bar->UnconstrainedFontSizeOn();
+  bar->GetLabelTextProperty()->SetFontSize(13);
+  bar->GetTitleTextProperty()->SetFontSize(13);
 
   d->validPoints = InvalidPointsFilter::New(
     { d->x,
@@ -194,6 +440,8 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   // The constraints region first, so that it is painted behind the points.
   d->chart->AddPlot(ConstraintsRegionPlot::New(pipeline, d->x, d->y, d->points));
   d->chart->AddPlot(d->points);
+  d->chart->AddPlot(d->selectedRing);
+  d->chart->AddPlot(d->selectedFill);
   d->xAxis = std::make_unique<AxisDetailsCharts>("X", *d->x, d->chart->GetAxis(vtkAxis::BOTTOM));
   d->yAxis = std::make_unique<AxisDetailsCharts>("Y", *d->y, d->chart->GetAxis(vtkAxis::LEFT));
 
@@ -207,7 +455,25 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->synchronizer = std::make_unique<DataView2DSelectionSynchronizer>(
     d->chart, d->widget->interactor(), d->plotSelection);
   d->synchronizer->setPlotsToSynchronize({ d->points });
-  d->connections.add(d->synchronizer->connectSignalSelectionsUpdated([impl] { impl->render(); }));
+  d->connections.add(d->synchronizer->connectSignalSelectionsUpdated(
+    [impl]
+    {
+      impl->updateSelectedMarkers();
+      impl->render();
+    }));
+
+  Impl* layout = d.get();
+  d->layoutObserver = vtkPxCommandProxy::New([layout] { layout->layOut(); });
+  d->window->AddObserver(vtkCommand::StartEvent, d->layoutObserver);
+  d->legendMovedObserver = vtkPxCommandProxy::New([layout] { layout->legendMoved(); });
+  d->legendWidget->AddObserver(vtkCommand::EndInteractionEvent, d->legendMovedObserver);
+  // VTK's interactor style answers keys as in a 3-D viewer (3 for stereo, w and s for wireframe
+  // and surface, e and q to quit, r to reset); none of that belongs in a chart, so the keys stop
+  // here.
+  d->swallowKeys = vtkPxCommandProxy::New([layout] { layout->swallowKeys->SetAbortFlag(1); });
+  for (unsigned long event :
+       { vtkCommand::CharEvent, vtkCommand::KeyPressEvent, vtkCommand::KeyReleaseEvent })
+    d->widget->interactor()->AddObserver(event, d->swallowKeys, 10.0);
 
   // A click without a drag outside Select mode picks the case under the mouse; in Select mode
   // the chart's own click selection does it.
@@ -246,16 +512,50 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
     d->color->connectSignalValueChanged([replot](const WeakPtr<Variable>&) { replot(); }));
   d->connections.add(
     d->legend->show()->connectSignalValueChanged([replot](const bool&) { replot(); }));
+  // Settings typed in the panel show at once, not when the mouse next enters the chart.
+  for (const plexa::PropertyItemInterface* setting :
+       std::initializer_list<const plexa::PropertyItemInterface*>{
+         d->xAxis->min().get(),
+         d->xAxis->max().get(),
+         d->xAxis->useCustomGridSpacing().get(),
+         d->xAxis->gridSpacing().get(),
+         d->yAxis->min().get(),
+         d->yAxis->max().get(),
+         d->yAxis->useCustomGridSpacing().get(),
+         d->yAxis->gridSpacing().get(),
+         d->legend->rangeType().get(),
+         d->legend->range().get(),
+         d->legend->numLabels().get() })
+    d->connections.add(setting->connectSignalPropertyChanged([impl] { impl->scheduleRender(); }));
 
   saveVariableSetting("XVariable", d->x, *d->project);
   saveVariableSetting("YVariable", d->y, *d->project);
   saveVariableSetting("ColorVariable", d->color, *d->project);
-  SerializerInterface& settings = serializer();
-  settings.addSubElement(d->legend->serializer());
-  settings.addSubElement(boost::make_shared<GenericSerializer<double>>("XMin", d->xAxis->min()));
-  settings.addSubElement(boost::make_shared<GenericSerializer<double>>("XMax", d->xAxis->max()));
-  settings.addSubElement(boost::make_shared<GenericSerializer<double>>("YMin", d->yAxis->min()));
-  settings.addSubElement(boost::make_shared<GenericSerializer<double>>("YMax", d->yAxis->max()));
+  saveSetting(d->legend->serializer());
+  // The range first: a custom grid spacing is checked against it.
+  for (const auto& [prefix, axis] :
+       { std::make_pair("X", d->xAxis.get()), std::make_pair("Y", d->yAxis.get()) })
+  {
+    const std::string name = prefix;
+    saveSetting(boost::make_shared<GenericSerializer<double>>(name + "Min", axis->min()),
+                "a number");
+    saveSetting(boost::make_shared<GenericSerializer<double>>(name + "Max", axis->max()),
+                "a number");
+    saveSetting(boost::make_shared<GridSpacingSerializer>(name + "GridSpacing", *axis), "a number");
+  }
+  saveSetting(boost::make_shared<LegendPlacementSerializer>(
+    [impl](double* placement)
+    {
+      std::copy(impl->legendPlacement, impl->legendPlacement + 4, placement);
+      return impl->legendPlacedByUser;
+    },
+    [impl](const double* placement)
+    {
+      impl->legendPlacedByUser = placement != nullptr;
+      if (placement)
+        std::copy(placement, placement + 4, impl->legendPlacement);
+      impl->scheduleRender();
+    }));
 
   d->updatePoints();
   fitToData();
@@ -264,12 +564,15 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
 ScatterPlotView::~ScatterPlotView()
 {
   d->connections.clear();
+  d->window->RemoveObserver(d->layoutObserver);
+  d->legendWidget->RemoveObserver(d->legendMovedObserver);
   d->synchronizer.reset();
   d->legend.reset();
   if (d->widget)
   {
     d->widget->interactor()->RemoveObserver(d->pressObserver);
     d->widget->interactor()->RemoveObserver(d->releaseObserver);
+    d->widget->interactor()->RemoveObserver(d->swallowKeys);
     delete d->widget;
   }
 }
@@ -366,6 +669,25 @@ void ScatterPlotView::fitToData()
     d->pendingFit = true;
   }
   vtkChartUtils::fitData(*d->chart, *this);
+  // The fitted range ends on the outermost points, which would be cut in half: widen it by a
+  // few percent, and by at least a marker, to a round number.
+  for (vtkAxis* axis : { d->chart->GetAxis(vtkAxis::BOTTOM), d->chart->GetAxis(vtkAxis::LEFT) })
+  {
+    const double min = axis->GetMinimum();
+    const double max = axis->GetMaximum();
+    const double span = max - min;
+    if (!std::isfinite(span) || span <= 0)
+      continue;
+    const float* start = axis->GetPoint1();
+    const float* end = axis->GetPoint2();
+    const double pixels = std::hypot(end[0] - start[0], end[1] - start[1]);
+    const double marker = pixels > 0 ? span * d->points->GetMarkerSize() / pixels : 0;
+    const double margin = std::max(0.04 * span, marker);
+    const double step = makeNiceNumber(span / 100);
+    axis->SetRange(multipleOf(std::floor((min - margin) / step), step),
+                   multipleOf(std::ceil((max + margin) / step), step));
+  }
+  d->render();
 }
 
 vtkPlotPoints& ScatterPlotView::points() const
