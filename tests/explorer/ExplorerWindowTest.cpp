@@ -357,9 +357,15 @@ TEST_F(ExplorerWindowTest, TheChartShowsEditsAtOnceWithWholePointsRingedSelectio
   };
   const auto darkAround = [&](QPoint at)
   {
+    // The ring spans radii 4.5 to 7 pixels; a plain marker ends at 3.5.
     int dark = 0;
-    for (const QPoint step : { QPoint(6, 0), QPoint(-6, 0), QPoint(0, 6), QPoint(0, -6) })
-      dark += qGray(shown.pixel(at + step)) < 70 ? 1 : 0;
+    for (const QPoint direction : { QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1) })
+    {
+      bool found = false;
+      for (int radius : { 5, 6 })
+        found = found || qGray(shown.pixel(at + radius * direction)) < 70;
+      dark += found ? 1 : 0;
+    }
     return dark;
   };
   EXPECT_GE(darkAround(pixelOf(1008)), 3) << "selected";

@@ -671,10 +671,17 @@ void ScatterPlotView::fitToData()
   vtkChartUtils::fitData(*d->chart, *this);
   // The fitted range ends on the outermost points, which would be cut in half: widen it by a
   // few percent, and by at least a marker, to a round number.
-  for (vtkAxis* axis : { d->chart->GetAxis(vtkAxis::BOTTOM), d->chart->GetAxis(vtkAxis::LEFT) })
+  double bounds[4] = { 0, 0, 0, 0 };
+  const bool points = d->points->GetVisible() && d->points->GetInput() &&
+                      d->points->GetInput()->GetNumberOfRows() > 0;
+  if (points)
+    d->points->GetBounds(bounds);
+  for (int i : { 0, 1 })
   {
-    const double min = axis->GetMinimum();
-    const double max = axis->GetMaximum();
+    vtkAxis* axis = d->chart->GetAxis(i == 0 ? vtkAxis::BOTTOM : vtkAxis::LEFT);
+    // From the points themselves: the fitted range has already been rounded outwards.
+    const double min = points ? bounds[2 * i] : axis->GetMinimum();
+    const double max = points ? bounds[2 * i + 1] : axis->GetMaximum();
     const double span = max - min;
     if (!std::isfinite(span) || span <= 0)
       continue;
