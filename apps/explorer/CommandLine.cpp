@@ -32,6 +32,10 @@ struct Parser
   const QCommandLineOption generate{ "generate-sample",
                                      "Write the sample study into DIR and exit.",
                                      "DIR" };
+  const QCommandLineOption rebase{ "rebase",
+                                   "Read the paths of a Cinema database that start with OLD as "
+                                   "starting with NEW (may be repeated).",
+                                   "OLD=NEW" };
   const QCommandLineOption runs{ "runs", "Runs of the sample study (at least 1).", "N", "288" };
   const QCommandLineOption seed{ "seed", "Seed of the sample study.", "SEED", "20261121" };
 
@@ -40,7 +44,7 @@ struct Parser
     parser.setApplicationDescription("Explores the runs of a study in linked views.");
     parser.addPositionalArgument(
       "study", "The study folder (cases.csv, auxfiles.csv, images).", "[STUDY_DIR]");
-    parser.addOptions({ help, settings, select, screenshots, generate, runs, seed });
+    parser.addOptions({ help, settings, select, screenshots, rebase, generate, runs, seed });
   }
 };
 
@@ -112,6 +116,17 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& error
       return false;
     }
   }
+  for (const QString& rebase : p.parser.values(p.rebase))
+  {
+    const int equals = rebase.indexOf('=');
+    if (equals <= 0)
+    {
+      error = "--rebase takes OLD=NEW, not \"" + rebase + "\"";
+      return false;
+    }
+    options.rebases.push_back(
+      { rebase.left(equals).toStdString(), rebase.mid(equals + 1).toStdString() });
+  }
   if (p.parser.isSet(p.screenshots))
   {
     options.mode = Options::Mode::Screenshots;
@@ -169,7 +184,7 @@ int prepareWindow(ExplorerWindow& window,
   {
     try
     {
-      window.showStudy(readStudyWithProgress(options.study.toStdString(), &window));
+      window.showStudy(readStudyWithProgress(options.study.toStdString(), options.rebases, &window));
     }
     catch (const std::exception& e)
     {
@@ -229,6 +244,7 @@ int writeScreenshotsOfStudy(const Options& options, std::ostream& out, std::ostr
 int openWindow(const Options& options, std::ostream& err)
 {
   ExplorerWindow window;
+  window.setPathRebases(options.rebases);
   prepareWindow(window, options, true, err);
   window.resize(1600, 1000);
   window.show();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SampleStudy.h"
+#include "datamanagement/CinemaReader.h"
 
 #include <QString>
 
@@ -37,6 +38,8 @@ struct Options
   bool selectGiven = false;
   std::set<unsigned long long> select;
   QString screenshots;
+  /// For Cinema databases written elsewhere: OLD=NEW rewrites paths that start with OLD.
+  std::vector<PathRebase> rebases;
   SampleStudyOptions sample;
 };
 

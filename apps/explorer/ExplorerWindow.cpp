@@ -7,6 +7,7 @@
 #include "analyzer_common/DeleteSignaler.h"
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
+#include "datamanagement/CinemaReader.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/StudyReader.h"
 #include "datapipeline/DataPipelineManager.h"
@@ -84,6 +85,7 @@ struct ExplorerWindow::Impl
   std::shared_ptr<std::atomic<bool>> stopPreloading = std::make_shared<std::atomic<bool>>(false);
   // The owner of the window's own undo steps (loading settings): they do nothing once it is gone.
   DeleteSignaler undoOwner;
+  std::vector<PathRebase> rebases;
 
   void stopPreloader()
   {
@@ -446,7 +448,7 @@ void ExplorerWindow::openStudy()
     return;
   try
   {
-    showStudy(readStudyWithProgress(folder.toStdString(), this));
+    showStudy(readStudyWithProgress(folder.toStdString(), d->rebases, this));
     preloadImages();
   }
   catch (const std::exception& e)
@@ -485,7 +487,14 @@ void ExplorerWindow::exportCasesAs(bool fullPrecision)
     report("exported " + QString::number(shownCases()) + " cases to " + path);
 }
 
-std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder, QWidget* parent)
+void ExplorerWindow::setPathRebases(std::vector<PathRebase> rebases)
+{
+  d->rebases = std::move(rebases);
+}
+
+std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder,
+                                                     const std::vector<PathRebase>& rebases,
+                                                     QWidget* parent)
 {
   std::shared_ptr<const Project> project;
   std::exception_ptr failure;
@@ -494,7 +503,7 @@ std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder, 
     {
       try
       {
-        project = readStudy(folder);
+        project = isCinemaDatabase(folder) ? readCinemaDatabase(folder, rebases) : readStudy(folder);
       }
       catch (...)
       {

@@ -7,6 +7,7 @@
 #include <vector>
 
 class Project;
+struct PathRebase;
 class SelectionModel;
 class QAction;
 
@@ -53,6 +54,9 @@ public:
   /// The number of cases the filters let through.
   int shownCases() const;
 
+  /// How File > Open rewrites the paths of Cinema databases written elsewhere.
+  void setPathRebases(std::vector<PathRebase> rebases);
+
   /// Decodes every image of the study in the background, with a progress bar, so that the
   /// image matrix finds them ready.
   void preloadImages();
@@ -71,8 +75,11 @@ private:
   std::unique_ptr<Impl> d;
 };
 
-/// Reads a study folder with a progress dialog, keeping the window responsive. Throws what
-/// readStudy throws.
-std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder, QWidget* parent);
+/// Reads a study folder, or a Cinema database folder (data.csv and no cases.csv) with its paths
+/// rewritten by `rebases`, with a progress dialog, keeping the window responsive. Throws what
+/// the readers throw.
+std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder,
+                                                     const std::vector<PathRebase>& rebases,
+                                                     QWidget* parent);
 
 } // namespace explorer

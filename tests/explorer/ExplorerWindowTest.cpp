@@ -14,8 +14,12 @@
 #include "charts/AxisDetailsInterface.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/StudyReader.h"
+#include "images/ImageMatrixViewProperties.h"
+#include "images/ImageTableView.h"
+#include "images/QImageTableView.h"
 #include "properties/PropertyAbstract.h"
 #include "support/RenderedView.h"
+#include "support/SmallStudy.h"
 #include "support/TemporaryFolder.h"
 
 #include <QApplication>
@@ -235,6 +239,7 @@ TEST(ExplorerCommandLine, ReadsOptionsAndRefusesBadOnes)
     { { "--screenshots", "out" }, false, Mode::Open, 1, "needs a study folder" },
     { { "a", "b" }, false, Mode::Open, 1, "one study folder at most" },
     { { "--no-such-option" }, false, Mode::Open, 1, "no-such-option" },
+    { { "db", "--rebase", "/old" }, false, Mode::Open, 1, "--rebase takes OLD=NEW" },
   };
   for (const auto& c : cases)
   {
@@ -412,4 +417,33 @@ TEST_F(ExplorerWindowTest, AxisFieldsShowTheWholeShortestNumber)
   EXPECT_EQ(minimum->text(), "0.30000000000000004");
   EXPECT_LE(minimum->fontMetrics().horizontalAdvance(minimum->text()),
             minimum->contentsRect().width() - 4);
+}
+
+TEST_F(ExplorerWindowTest, ACinemaDatabaseOpensWithItsImagesLaidOutByItsParameters)
+{
+  TemporaryFolder db;
+  std::string data = "phi,theta,FILE\n";
+  for (int phi : { 0, 90 })
+    for (int theta : { 0, 45, 90 })
+    {
+      const std::string name = std::to_string(phi) + "_" + std::to_string(theta) + ".png";
+      for (int repeat = 0; repeat < 2; ++repeat) // discrete: each value seen twice or more
+        data += std::to_string(phi) + "," + std::to_string(theta) + ",images/" + name + "\n";
+      testsupport::writeImage(db, "images/" + name, 32, 24, QColor(phi, theta, 200));
+    }
+  db.write("data.csv", data);
+  window->showStudy(explorer::readStudyWithProgress(db.path(), {}, window.get()));
+  ASSERT_EQ(window->project()->numberOfRecords(), 12u);
+
+  auto* images = window->view<explorer::ImageMatrixView>();
+  const auto properties = images->properties();
+  EXPECT_EQ(properties->rowVar()->value().lock().name(), "theta");
+  EXPECT_EQ(properties->columnVar()->value().lock().name(), "phi");
+  const QAbstractItemModel* cells = images->imageTable().tableView().model();
+  ASSERT_EQ(cells->rowCount(), 3);
+  ASSERT_EQ(cells->columnCount(), 2);
+  const QImage corner = cells->index(2, 1).data(Qt::DecorationRole).value<QImage>();
+  ASSERT_FALSE(corner.isNull());
+  EXPECT_EQ(corner.pixelColor(corner.width() / 2, corner.height() - 4), QColor(90, 90, 200))
+    << "the cell of phi 90, theta 90 shows that run's image";
 }

@@ -1,0 +1,222 @@
+#include "datamanagement/CinemaReader.h"
+
+#include "datamanagement/Project.h"
+#include "datamanagement/ProjectBuilder.h"
+#include "datamanagement/StudyFormatError.h"
+#include "datamanagement/StudyText_p.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <filesystem>
+#include <stdexcept>
+#include <unordered_set>
+
+namespace fs = std::filesystem;
+using namespace studytext;
+
+namespace
+{
+
+// One column of data.csv as read: its cells' texts and, for messages, where each cell starts.
+struct Column
+{
+  std::string name;
+  std::size_t headerColumn = 0;
+  std::vector<std::string> cells;
+  std::vector<std::size_t> cellColumns;
+};
+
+bool isFileColumn(const std::string& name)
+{
+  return name.rfind("FILE", 0) == 0;
+}
+
+bool isIdColumnName(std::string name)
+{
+  std::transform(name.begin(),
+                 name.end(),
+                 name.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return name == "case_id" || name == "id" || name == "run" || name == "simuid";
+}
+
+// The column's values as case ids, when each is a non-negative integer and none repeats.
+bool asCaseIds(const Column& column, std::vector<unsigned long long>& ids)
+{
+  std::unordered_set<unsigned long long> seen;
+  ids.clear();
+  for (const std::string& cell : column.cells)
+  {
+    const std::string_view text = trimmed(cell);
+    unsigned long long id = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), id);
+    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() ||
+        !seen.insert(id).second)
+      return false;
+    ids.push_back(id);
+  }
+  return true;
+}
+
+// A path of a FILE cell as the folder's files are named: relative to the folder where it lies
+// inside it, absolute where a rebase sends it elsewhere. Throws StudyFormatError otherwise.
+std::string resolvedPath(std::string_view cell,
+                         const fs::path& root,
+                         const std::vector<PathRebase>& rebases,
+                         const std::string& file,
+                         std::size_t line,
+                         std::size_t column,
+                         std::size_t row)
+{
+  std::string text(cell);
+  // file://host/abs/path and file:///abs/path name the absolute path /abs/path.
+  if (text.rfind("file://", 0) == 0)
+  {
+    const std::size_t slash = text.find('/', 7);
+    text = slash == std::string::npos ? std::string() : text.substr(slash);
+  }
+  const auto refuse = [&](const std::string& why)
+  {
+    throw StudyFormatError(file,
+                           line,
+                           column,
+                           "row " + std::to_string(row) + ": path " + inQuotes(cell) + " " + why);
+  };
+  for (const PathRebase& rebase : rebases)
+  {
+    if (!rebase.from.empty() && text.rfind(rebase.from, 0) == 0)
+    {
+      // A rebase is the user's word for where the files are: taken as it is.
+      return rebase.to + text.substr(rebase.from.size());
+    }
+  }
+  fs::path path(text);
+  if (path.is_absolute())
+  {
+    path = path.lexically_normal().lexically_relative(root);
+    if (path.empty() || *path.begin() == "..")
+      refuse("is outside the database folder; --rebase OLD=NEW rewrites such paths");
+  }
+  const fs::path normal = path.lexically_normal();
+  if (normal.empty() || *normal.begin() == "..")
+    refuse("leads out of the database folder; --rebase OLD=NEW rewrites such paths");
+  return normal.generic_string();
+}
+
+} // namespace
+
+bool isCinemaDatabase(const std::string& folder)
+{
+  std::error_code error;
+  const fs::path root(folder);
+  return fs::exists(root / "data.csv", error) && !fs::exists(root / "cases.csv", error);
+}
+
+std::shared_ptr<const Project> readCinemaDatabase(const std::string& folder,
+                                                  const std::vector<PathRebase>& rebases)
+{
+  const fs::path root = fs::path(folder).lexically_normal();
+  std::error_code error;
+  if (!fs::is_directory(root, error))
+    throw StudyFormatError(folder, 0, 0, "the database folder does not exist");
+  const fs::path dataPath = root / "data.csv";
+  if (!fs::exists(dataPath, error))
+    throw StudyFormatError(dataPath.string(), 0, 0, "the database folder has no data.csv");
+  const std::string file = dataPath.string();
+  const std::string contents = readFile(dataPath);
+  CsvTokenizer csv(checkedText(contents, file), file);
+
+  std::vector<CsvTokenizer::Field> fields;
+  if (!csv.next(fields))
+    throw StudyFormatError(file, 1, 1, "the file has no header");
+  std::vector<Column> columns(fields.size());
+  std::unordered_set<std::string> names;
+  for (std::size_t c = 0; c < fields.size(); ++c)
+  {
+    columns[c].name = std::string(trimmed(fields[c].text));
+    columns[c].headerColumn = fields[c].column;
+    if (columns[c].name.empty())
+      throw StudyFormatError(file, csv.recordLine(), fields[c].column, "the column has no name");
+    if (!names.insert(columns[c].name).second)
+      throw StudyFormatError(
+        file, csv.recordLine(), fields[c].column, "column " + inQuotes(columns[c].name) + " is repeated");
+  }
+  std::vector<std::size_t> lineOfRow;
+  while (csv.next(fields))
+  {
+    checkFieldCount(csv, fields, columns.size());
+    lineOfRow.push_back(csv.recordLine());
+    for (std::size_t c = 0; c < columns.size(); ++c)
+    {
+      columns[c].cells.emplace_back(fields[c].text);
+      columns[c].cellColumns.push_back(fields[c].column);
+    }
+  }
+
+  ProjectBuilder builder;
+  builder.setFolder(root.string());
+  // Absolute paths are compared with the folder's absolute form.
+  const fs::path absoluteRoot = fs::absolute(root, error).lexically_normal();
+  std::vector<unsigned long long> caseIds;
+  const Column* idColumn = nullptr;
+  for (const Column& column : columns)
+  {
+    if (!idColumn && isIdColumnName(column.name) && asCaseIds(column, caseIds))
+      idColumn = &column;
+  }
+  for (const Column& column : columns)
+  {
+    // A study keeps that name for its case ids: such a column cannot be a variable.
+    if (&column != idColumn && column.name == ProjectBuilder::caseIdName)
+      throw StudyFormatError(file,
+                             1,
+                             column.headerColumn,
+                             "column " + inQuotes(column.name) +
+                               " must hold unique non-negative integers, the case ids");
+  }
+  if (!idColumn)
+  {
+    caseIds.resize(lineOfRow.size());
+    for (std::size_t row = 0; row < caseIds.size(); ++row)
+      caseIds[row] = row + 1;
+  }
+  builder.setCaseIds(caseIds);
+
+  for (Column& column : columns)
+  {
+    if (&column == idColumn)
+      continue;
+    if (isFileColumn(column.name))
+    {
+      for (std::size_t row = 0; row < column.cells.size(); ++row)
+      {
+        const std::string_view cell = trimmed(column.cells[row]);
+        if (cell.empty() || isNanText(cell))
+          continue;
+        builder.addAuxFile(
+          caseIds[row],
+          resolvedPath(
+            cell, absoluteRoot, rebases, file, lineOfRow[row], column.cellColumns[row], row + 1),
+          { column.name });
+      }
+      continue;
+    }
+    std::vector<double> numbers(column.cells.size());
+    bool numeric = true;
+    for (std::size_t row = 0; row < column.cells.size() && numeric; ++row)
+      numeric = parseNumber(column.cells[row], numbers[row]);
+    if (numeric)
+      builder.addNumericVariable(column.name, std::move(numbers));
+    else
+      builder.addTextVariable(column.name, std::move(column.cells));
+  }
+  try
+  {
+    return builder.build();
+  }
+  catch (const std::invalid_argument& e)
+  {
+    throw StudyFormatError(file, 0, 0, e.what());
+  }
+}

@@ -1,0 +1,116 @@
+#include "datamanagement/StudyText_p.h"
+
+#include "datamanagement/StudyFormatError.h"
+
+#include <charconv>
+#include <fstream>
+#include <limits>
+
+namespace studytext
+{
+
+std::string_view trimmed(std::string_view text)
+{
+  const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
+  while (!text.empty() && isBlank(text.front()))
+    text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back()))
+    text.remove_suffix(1);
+  return text;
+}
+
+std::string inQuotes(std::string_view text)
+{
+  return "\"" + std::string(text) + "\"";
+}
+
+bool isNanText(std::string_view text)
+{
+  return text.size() == 3 && (text[0] == 'n' || text[0] == 'N') &&
+         (text[1] == 'a' || text[1] == 'A') && (text[2] == 'n' || text[2] == 'N');
+}
+
+bool parseNumber(std::string_view field, double& value)
+{
+  const std::string_view text = trimmed(field);
+  if (text.empty() || isNanText(text))
+  {
+    value = std::numeric_limits<double>::quiet_NaN();
+    return true;
+  }
+  std::string_view digits = text;
+  if (digits.front() == '+')
+    digits.remove_prefix(1);
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (result.ec == std::errc::result_out_of_range)
+  {
+    // Beyond the double range: keep the sign, as other CSV readers do.
+    value = digits.front() == '-' ? -std::numeric_limits<double>::infinity()
+                                  : std::numeric_limits<double>::infinity();
+    return result.ptr == digits.data() + digits.size();
+  }
+  return result.ec == std::errc() && result.ptr == digits.data() + digits.size();
+}
+
+std::string readFile(const std::filesystem::path& path)
+{
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream)
+    throw StudyFormatError(path.string(), 0, 0, "cannot open the file");
+  stream.seekg(0, std::ios::end);
+  const std::streamoff size = stream.tellg();
+  stream.seekg(0, std::ios::beg);
+  std::string contents(static_cast<std::size_t>(std::max<std::streamoff>(size, 0)), '\0');
+  if (size > 0 && !stream.read(contents.data(), size))
+    throw StudyFormatError(path.string(), 0, 0, "cannot read the file");
+  return contents;
+}
+
+std::string_view checkedText(const std::string& contents, const std::string& file)
+{
+  const auto [line, column] = firstInvalidUtf8(contents);
+  if (line != 0)
+    throw StudyFormatError(file, line, column, "the text is not valid UTF-8");
+  std::string_view text = contents;
+  if (text.substr(0, 3) == "\xEF\xBB\xBF")
+    text.remove_prefix(3);
+  return text;
+}
+
+unsigned long long parseCaseId(const CsvTokenizer& csv, const CsvTokenizer::Field& field)
+{
+  const std::string_view text = trimmed(field.text);
+  if (text.empty())
+    throw StudyFormatError(csv.file(), csv.recordLine(), field.column, "the case id is empty");
+  unsigned long long id = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), id);
+  if (result.ec == std::errc::result_out_of_range && result.ptr == text.data() + text.size())
+    throw StudyFormatError(csv.file(),
+                           csv.recordLine(),
+                           field.column,
+                           "case id " + inQuotes(text) +
+                             " is beyond the largest case id, 18446744073709551615");
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size())
+    throw StudyFormatError(csv.file(),
+                           csv.recordLine(),
+                           field.column,
+                           "case id " + inQuotes(text) + " is not a non-negative integer");
+  return id;
+}
+
+void checkFieldCount(const CsvTokenizer& csv,
+                     const std::vector<CsvTokenizer::Field>& fields,
+                     std::size_t expected)
+{
+  if (fields.size() != expected)
+  {
+    const std::size_t column = fields.size() > expected ? fields[expected].column : 1;
+    throw StudyFormatError(csv.file(),
+                           csv.recordLine(),
+                           column,
+                           "expected " + std::to_string(expected) + " fields, found " +
+                             std::to_string(fields.size()));
+  }
+}
+
+} // namespace studytext
