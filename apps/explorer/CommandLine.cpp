@@ -37,6 +37,7 @@ struct Parser
                                    "starting with NEW (may be repeated).",
                                    "OLD=NEW" };
   const QCommandLineOption runs{ "runs", "Runs of the sample study (at least 1).", "N", "288" };
+  const QCommandLineOption noImages{ "no-images", "Write the sample study without images." };
   const QCommandLineOption seed{ "seed", "Seed of the sample study.", "SEED", "20261121" };
 
   Parser()
@@ -44,7 +45,7 @@ struct Parser
     parser.setApplicationDescription("Explores the runs of a study in linked views.");
     parser.addPositionalArgument(
       "study", "The study folder (cases.csv, auxfiles.csv, images).", "[STUDY_DIR]");
-    parser.addOptions({ help, settings, select, screenshots, rebase, generate, runs, seed });
+    parser.addOptions({ help, settings, select, screenshots, rebase, generate, runs, noImages, seed });
   }
 };
 
@@ -89,6 +90,7 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& error
               p.parser.value(p.runs) + "\"";
       return false;
     }
+    options.sample.images = !p.parser.isSet(p.noImages);
     options.sample.seed = p.parser.value(p.seed).toUInt(&ok);
     if (!ok)
     {

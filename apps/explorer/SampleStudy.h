@@ -17,6 +17,8 @@ struct SampleStudyOptions
   unsigned seed = 20261121;
   /// Runs to write; the sweep is cut or repeated with other masses to reach it.
   int runs = 288;
+  /// Without images the study has no auxfiles.csv, and a million runs take seconds.
+  bool images = true;
   int imageWidth = 240;
   int imageHeight = 160;
 };
