@@ -1,6 +1,8 @@
 #include "BenchSupport.h"
 
 #include <QApplication>
+#include <QSurfaceFormat>
+#include <QVTKOpenGLNativeWidget.h>
 #include <QDir>
 
 #include <cstdlib>
@@ -33,6 +35,16 @@ std::string dataFolder()
   return path;
 }
 
+namespace
+{
+std::vector<std::function<void()>> cleanUps;
+}
+
+void atEnd(std::function<void()> cleanUp)
+{
+  cleanUps.push_back(std::move(cleanUp));
+}
+
 int run(int argc, char** argv)
 {
   std::vector<char*> arguments;
@@ -46,10 +58,13 @@ int run(int argc, char** argv)
   int count = static_cast<int>(arguments.size());
   if (std::getenv("DISPLAY") == nullptr && std::getenv("QT_QPA_PLATFORM") == nullptr)
     qputenv("QT_QPA_PLATFORM", "offscreen");
+  QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
   QApplication application(count, arguments.data());
   benchmark::Initialize(&count, arguments.data());
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
+  for (const auto& cleanUp : cleanUps)
+    cleanUp();
   return 0;
 }
 

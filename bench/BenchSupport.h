@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <functional>
 #include <string>
 
 namespace bench
@@ -14,6 +15,10 @@ long long size(long long full, long long tiny);
 /// The folder where benchmarks leave their data for the pandas anchors (QUEN_BENCH_DATA, or
 /// a folder in the temporary directory).
 std::string dataFolder();
+
+/// Runs `cleanUp` after the benchmarks, while the QApplication still exists (for widgets kept
+/// between benchmarks).
+void atEnd(std::function<void()> cleanUp);
 
 /// The main of every benchmark program: a QApplication, --smoke, then Google Benchmark.
 int run(int argc, char** argv);

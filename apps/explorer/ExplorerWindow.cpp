@@ -387,6 +387,11 @@ SelectionModel& ExplorerWindow::selection() const
   return *d->selection;
 }
 
+DataPipelineManager& ExplorerWindow::pipeline() const
+{
+  return *d->pipeline;
+}
+
 std::vector<ExplorerView*> ExplorerWindow::views() const
 {
   std::vector<ExplorerView*> list;

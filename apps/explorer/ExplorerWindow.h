@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+class DataPipelineManager;
 class Project;
 struct PathRebase;
 class SelectionModel;
@@ -38,6 +39,8 @@ public:
   bool exportCases(const QString& path, bool fullPrecision, QString& error) const;
 
   SelectionModel& selection() const;
+  /// The cases of the study and the range filters on them.
+  DataPipelineManager& pipeline() const;
   /// The views, in registry order.
   std::vector<ExplorerView*> views() const;
   /// The first view of a kind, or null.

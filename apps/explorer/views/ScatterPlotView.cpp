@@ -702,6 +702,11 @@ vtkPlotPoints& ScatterPlotView::points() const
   return *d->points;
 }
 
+ChartXY& ScatterPlotView::chart() const
+{
+  return *d->chart;
+}
+
 int ScatterPlotView::highlightedPoints() const
 {
   vtkIdTypeArray* selection = d->points->GetSelection();

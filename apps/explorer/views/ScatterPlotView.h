@@ -5,6 +5,7 @@
 #include <memory>
 
 class AxisDetailsInterface;
+class ChartXY;
 class ColorLegend;
 class vtkPlotPoints;
 
@@ -48,6 +49,8 @@ public:
   void fitToData() override;
   /// The points plot and the number of its rows that are selected.
   vtkPlotPoints& points() const;
+  /// The chart, for mouse events sent to it directly.
+  ChartXY& chart() const;
   int highlightedPoints() const;
 
 protected:

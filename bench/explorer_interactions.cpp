@@ -1,0 +1,315 @@
+// What a user feels: each interaction on a real explorer window, timed until every view has been
+// updated and drawn, over generated studies of 1e4, 1e5 and 1e6 cases (and 1e4 with images).
+// ./dev bench reports each interaction at each size and the ratio t(1e6) / t(1e4).
+
+#include "BenchSupport.h"
+
+#include "ExplorerWindow.h"
+#include "SampleStudy.h"
+#include "views/CasesTableView.h"
+#include "views/ImageMatrixView.h"
+#include "views/ScatterPlotView.h"
+
+#include "analyzer_common/SelectionModel.h"
+#include "analyzer_common/UndoStack.h"
+#include "charts/ChartXY.h"
+#include "datamanagement/Project.h"
+#include "datamanagement/StudyReader.h"
+#include "datapipeline/DataPipelineManager.h"
+#include "images/ImageTableView.h"
+#include "images/QImageTableView.h"
+#include "properties/PropertyAbstract.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QItemSelectionModel>
+#include <QTableView>
+#include <QVTKOpenGLNativeWidget.h>
+#include <vtkAxis.h>
+#include <vtkContextMouseEvent.h>
+#include <vtkGenericOpenGLRenderWindow.h>
+
+#include <map>
+#include <memory>
+
+namespace
+{
+
+using explorer::ExplorerWindow;
+
+// A window over a study of `runs` cases, made once per size and kept for every interaction.
+ExplorerWindow& windowOver(long long runs, bool images)
+{
+  static std::map<std::pair<long long, bool>, std::unique_ptr<ExplorerWindow>> windows;
+  if (windows.empty())
+    bench::atEnd([] { windows.clear(); });
+  auto& window = windows[{ runs, images }];
+  if (window)
+    return *window;
+  explorer::SampleStudyOptions options;
+  options.folder = bench::dataFolder() + "/explorer-" + std::to_string(runs) + (images ? "-images" : "");
+  options.runs = static_cast<int>(runs);
+  options.images = images;
+  if (!QDir(QString::fromStdString(options.folder)).exists("cases.csv"))
+    explorer::writeSampleStudy(options);
+  // Only one window is on screen at a time: the others would be drawn too.
+  for (auto& [key, other] : windows)
+    if (other)
+      other->hide();
+  window = std::make_unique<ExplorerWindow>();
+  window->showStudy(readStudy(options.folder));
+  window->resize(1600, 1000);
+  window->show();
+  QApplication::processEvents();
+  return *window;
+}
+
+// Lets every view take in the change and draws every one of them, now.
+void drawn(ExplorerWindow& window)
+{
+  QApplication::processEvents();
+  for (explorer::ExplorerView* view : window.views())
+  {
+    if (auto* vtk = qobject_cast<QVTKOpenGLNativeWidget*>(view->widget()))
+      vtk->renderWindow()->Render();
+    view->widget()->repaint();
+  }
+}
+
+explorer::ScatterPlotView& scatter(ExplorerWindow& window)
+{
+  return *window.view<explorer::ScatterPlotView>();
+}
+
+vtkContextMouseEvent mouseAt(explorer::ScatterPlotView& view, double x, double y)
+{
+  ChartXY& chart = view.chart();
+  const auto pixel = [](vtkAxis* axis, int c, double value)
+  {
+    return axis->GetPoint1()[c] + static_cast<float>((value - axis->GetMinimum()) /
+                                                     (axis->GetMaximum() - axis->GetMinimum())) *
+                                    (axis->GetPoint2()[c] - axis->GetPoint1()[c]);
+  };
+  const vtkVector2f at(pixel(chart.GetAxis(vtkAxis::BOTTOM), 0, x),
+                       pixel(chart.GetAxis(vtkAxis::LEFT), 1, y));
+  vtkContextMouseEvent event;
+  event.SetInteractor(qobject_cast<QVTKOpenGLNativeWidget*>(view.widget())->interactor());
+  event.SetButton(vtkContextMouseEvent::LEFT_BUTTON);
+  event.SetPos(at);
+  event.SetScenePos(at);
+  event.SetScreenPos(vtkVector2i(static_cast<int>(at[0]), static_cast<int>(at[1])));
+  event.SetLastPos(at);
+  event.SetLastScenePos(at);
+  event.SetLastScreenPos(vtkVector2i(static_cast<int>(at[0]), static_cast<int>(at[1])));
+  return event;
+}
+
+// Each benchmark gets the window of its size; the iterations alternate between two states so
+// that every one of them changes what is shown.
+template<typename Interaction>
+void measure(benchmark::State& state, Interaction interaction)
+{
+  // --smoke is read after the sizes are registered: it keeps the first size, shrunk.
+  if (bench::smoke() && (state.range(0) != 10000 || state.range(1) != 0))
+  {
+    for (auto _ : state)
+    {
+    }
+    return;
+  }
+  ExplorerWindow& window = windowOver(bench::size(state.range(0), 300), state.range(1) != 0);
+  window.selection().setSelection({});
+  drawn(window);
+  bool flip = false;
+  for (auto _ : state)
+  {
+    interaction(window, flip, state);
+    drawn(window);
+    flip = !flip;
+  }
+}
+
+void SelectOneCase(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State&)
+          { window.selection().setSelection({ flip ? 1003ULL : 1008ULL }); });
+}
+
+void SelectTenPercentByRubberBand(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State& s)
+          {
+            s.PauseTiming();
+            window.selection().setSelection({});
+            drawn(window);
+            s.ResumeTiming();
+            // The runs at one launch angle (a sixth), in the lower part of the range.
+            ChartXY& chart = scatter(window).chart();
+            vtkAxis* y = chart.GetAxis(vtkAxis::LEFT);
+            const double top = y->GetMinimum() + (y->GetMaximum() - y->GetMinimum()) * (flip ? 0.6 : 0.5);
+            vtkAbstractContextItem& item = chart;
+            item.MouseButtonPressEvent(mouseAt(scatter(window), 12, y->GetMinimum()));
+            const vtkContextMouseEvent release = mouseAt(scatter(window), 18, top);
+            item.MouseMoveEvent(release);
+            item.MouseButtonReleaseEvent(release);
+          });
+}
+
+void ToggleOneCase(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State&)
+          {
+            std::set<unsigned long long> ids = window.selection().getSelections();
+            if (flip)
+              ids.erase(1005);
+            else
+              ids.insert(1005);
+            window.selection().setSelection(ids);
+          });
+}
+
+void SelectMatrixCell(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State&)
+          {
+            QTableView& cells = window.view<explorer::ImageMatrixView>()->imageTable().tableView();
+            cells.selectionModel()->select(cells.model()->index(flip ? 1 : 0, flip ? 1 : 0),
+                                           QItemSelectionModel::ClearAndSelect);
+          });
+}
+
+void SelectAllTableRows(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool, benchmark::State& s)
+          {
+            s.PauseTiming();
+            window.selection().setSelection({});
+            drawn(window);
+            s.ResumeTiming();
+            window.view<explorer::CasesTableView>()->table().selectAll();
+          });
+}
+
+void ClearSelection(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool, benchmark::State& s)
+          {
+            s.PauseTiming();
+            std::set<unsigned long long> tenth;
+            for (unsigned long long id : window.project()->caseIds())
+              if (id % 10 == 0)
+                tenth.insert(id);
+            window.selection().setSelection(tenth);
+            drawn(window);
+            s.ResumeTiming();
+            window.selection().setSelection({});
+          });
+}
+
+void ChangeVariable(benchmark::State& state, bool color)
+{
+  measure(state,
+          [color](ExplorerWindow& window, bool flip, benchmark::State&)
+          {
+            auto& view = scatter(window);
+            const auto property = color ? view.colorVariable() : view.xVariable();
+            property->setValue(window.project()->variable(flip ? "speed" : "flight_time"));
+          });
+}
+
+void ChangeXVariable(benchmark::State& state)
+{
+  ChangeVariable(state, false);
+}
+
+void ChangeColorVariable(benchmark::State& state)
+{
+  ChangeVariable(state, true);
+}
+
+void FitToData(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool, benchmark::State& s)
+          {
+            s.PauseTiming();
+            ChartXY& chart = scatter(window).chart();
+            chart.GetAxis(vtkAxis::BOTTOM)->SetRange(30, 40);
+            drawn(window);
+            s.ResumeTiming();
+            scatter(window).fitToData();
+          });
+}
+
+void ZoomStep(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State&)
+          {
+            ChartXY& chart = scatter(window).chart();
+            vtkAbstractContextItem& item = chart;
+            item.MouseWheelEvent(mouseAt(scatter(window), 40, 100), flip ? -1 : 1);
+          });
+}
+
+void RangeFilterOn(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State& s)
+          {
+            DataPipelineManager& pipeline = window.pipeline();
+            const auto angle = window.project()->variable("angle");
+            s.PauseTiming();
+            pipeline.setRangeFilter(angle, 20, flip ? 50 : 60);
+            pipeline.setFilterEnabled(angle, false);
+            drawn(window);
+            s.ResumeTiming();
+            pipeline.setFilterEnabled(angle, true);
+          });
+}
+
+void Undo(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State& s)
+          {
+            s.PauseTiming();
+            scatter(window).xVariable()->setValue(
+              window.project()->variable(flip ? "speed" : "flight_time"));
+            drawn(window);
+            s.ResumeTiming();
+            UndoStack().undo();
+          });
+}
+
+// 1e4, 1e5 and 1e6 cases without images, 1e4 with; a few iterations, since at a million cases
+// an interaction that misses its target can take seconds.
+void sizes(benchmark::internal::Benchmark* b)
+{
+  b->Unit(benchmark::kMillisecond)->UseRealTime();
+  b->Args({ 10000, 0 })->Args({ 100000, 0 })->Args({ 1000000, 0 })->Args({ 10000, 1 });
+  b->Iterations(4);
+}
+
+} // namespace
+
+BENCHMARK(SelectOneCase)->Apply(sizes);
+BENCHMARK(SelectTenPercentByRubberBand)->Apply(sizes);
+BENCHMARK(ToggleOneCase)->Apply(sizes);
+BENCHMARK(SelectMatrixCell)->Apply(sizes);
+BENCHMARK(SelectAllTableRows)->Apply(sizes);
+BENCHMARK(ClearSelection)->Apply(sizes);
+BENCHMARK(ChangeXVariable)->Apply(sizes);
+BENCHMARK(ChangeColorVariable)->Apply(sizes);
+BENCHMARK(FitToData)->Apply(sizes);
+BENCHMARK(ZoomStep)->Apply(sizes);
+BENCHMARK(RangeFilterOn)->Apply(sizes);
+BENCHMARK(Undo)->Apply(sizes);
+
+QUEN_BENCH_MAIN()
