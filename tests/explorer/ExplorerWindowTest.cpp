@@ -120,6 +120,16 @@ TEST_F(ExplorerWindowTest, ShowsOneViewOfEachKindLinkedByOneSelection)
   EXPECT_EQ(window->selection().getSelections(), (std::set<unsigned long long>{ 1001 }));
   EXPECT_EQ(scatter->highlightedPoints(), 1);
 
+  // Scattered rows from another view, then every row from the table itself.
+  window->selection().setSelection({ 1001, 1002, 1003, 1010, 1020, 1021 });
+  EXPECT_EQ(table->selectedRows(), 6);
+  EXPECT_EQ(rows.selectionModel()->selection().size(), 3) << "one range per run of rows";
+  rows.selectAll();
+  EXPECT_EQ(window->selection().getSelections().size(), 48u);
+  EXPECT_EQ(scatter->highlightedPoints(), static_cast<int>(scatter->points().GetInput()->GetNumberOfRows()));
+  rows.selectionModel()->select(rows.model()->index(1, 0),
+                                QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+
   // Reloading the table after a filter keeps the selection shown without sending it back.
   EXPECT_TRUE(load(R"(<ExplorerSettings><Filters>
     <Filter variable="angle" min="10" max="30" enabled="1"/></Filters></ExplorerSettings>)")

@@ -21,6 +21,7 @@
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
 
+#include <algorithm>
 #include <cmath>
 #include <unordered_map>
 
@@ -100,6 +101,24 @@ private:
   std::unordered_map<unsigned long long, int> rowOfCase;
 };
 
+// Rows as runs of consecutive rows: one selection range per run, not per row.
+QItemSelection rowRanges(const QAbstractItemModel& model, std::vector<int>& rows)
+{
+  std::sort(rows.begin(), rows.end());
+  QItemSelection selection;
+  const int lastColumn = model.columnCount() - 1;
+  for (std::size_t i = 0; i < rows.size();)
+  {
+    std::size_t end = i + 1;
+    while (end < rows.size() && rows[end] <= rows[end - 1] + 1)
+      ++end;
+    selection.append(
+      QItemSelectionRange(model.index(rows[i], 0), model.index(rows[end - 1], lastColumn)));
+    i = end;
+  }
+  return selection;
+}
+
 // A row stands for its case.
 class RowConverter : public SelectionConverterInterface
 {
@@ -109,30 +128,56 @@ public:
   {
   }
 
+  // From the ranges themselves: QItemSelectionModel::selectedRows() asks, for each row, every
+  // range whether the whole row is in it, which is quadratic in scattered selections.
   std::set<unsigned long long> caseIDsFromSelection(
     const QItemSelectionModel& selection) const override
   {
-    std::set<unsigned long long> ids;
-    for (const QModelIndex& index : selection.selectedRows())
-      ids.insert(model.caseOfRow(index.row()));
-    return ids;
+    std::vector<unsigned long long> ids;
+    for (const QItemSelectionRange& range : selection.selection())
+      for (int row = range.top(); row <= range.bottom(); ++row)
+        ids.push_back(model.caseOfRow(row));
+    std::sort(ids.begin(), ids.end());
+    return std::set<unsigned long long>(ids.begin(), std::unique(ids.begin(), ids.end()));
   }
 
   QItemSelection selectionFromCaseIDs(const std::set<unsigned long long>& ids) const override
   {
-    QItemSelection selection;
-    const int lastColumn = model.columnCount() - 1;
+    std::vector<int> rows;
+    rows.reserve(ids.size());
     for (unsigned long long id : ids)
     {
       const int row = model.rowOf(id);
       if (row >= 0)
-        selection.select(model.index(row, 0), model.index(row, lastColumn));
+        rows.push_back(row);
     }
-    return selection;
+    return rowRanges(model, rows);
   }
 
 private:
   const CasesModel& model;
+};
+
+// To report a change of selection, Qt compares the old selection with the new one range by
+// range, which is quadratic; a selection made in another view (the cases of a matrix cell) is
+// tens of thousands of scattered rows. A selection that replaces another is therefore made in
+// two steps that Qt reports without comparing: the old one goes, then the new one comes.
+class ReplacingSelectionModel : public QItemSelectionModel
+{
+public:
+  using QItemSelectionModel::QItemSelectionModel;
+  using QItemSelectionModel::select;
+
+  void select(const QItemSelection& selection, SelectionFlags command) override
+  {
+    if ((command & Clear) && (command & Select) && hasSelection())
+    {
+      QItemSelectionModel::select(QItemSelection(), Clear);
+      QItemSelectionModel::select(selection, command & ~Clear);
+      return;
+    }
+    QItemSelectionModel::select(selection, command);
+  }
 };
 
 } // namespace
@@ -157,6 +202,10 @@ CasesTableView::CasesTableView(const ViewContext& context)
   d->table->verticalHeader()->setDefaultSectionSize(22);
   d->model = std::make_unique<CasesModel>(pipeline);
   d->table->setModel(d->model.get());
+  // A view does not delete the selection model it is given, nor the one it replaces.
+  QItemSelectionModel* first = d->table->selectionModel();
+  d->table->setSelectionModel(new ReplacingSelectionModel(d->model.get(), d->table));
+  delete first;
   d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
     context.selection, *d->table, boost::make_shared<RowConverter>(*d->model));
   Impl* impl = d.get();
@@ -219,7 +268,10 @@ QTableView& CasesTableView::table() const
 
 int CasesTableView::selectedRows() const
 {
-  return d->table->selectionModel()->selectedRows().size();
+  int rows = 0;
+  for (const QItemSelectionRange& range : d->table->selectionModel()->selection())
+    rows += range.height();
+  return rows;
 }
 
 } // namespace explorer

@@ -73,8 +73,10 @@ WeakPtr<Variable> pick(const Project& project, Variable::Nature nature, int skip
   return {};
 }
 
-// The rows of a table whose ids are listed, in that order, with every column.
-vtkSmartPointer<vtkTable> rowsOf(vtkTable& table, vtkIdTypeArray& rows)
+// The listed rows of the named columns of a table.
+vtkSmartPointer<vtkTable> rowsOf(vtkTable& table,
+                                 vtkIdTypeArray& rows,
+                                 const std::vector<std::string>& names)
 {
   auto ids = vtkSmartPointer<vtkIdList>::New();
   auto positions = vtkSmartPointer<vtkIdList>::New();
@@ -86,9 +88,11 @@ vtkSmartPointer<vtkTable> rowsOf(vtkTable& table, vtkIdTypeArray& rows)
     positions->SetId(i, i);
   }
   auto subset = vtkSmartPointer<vtkTable>::New();
-  for (vtkIdType c = 0; c < table.GetNumberOfColumns(); ++c)
+  for (const std::string& name : names)
   {
-    vtkAbstractArray* column = table.GetColumn(c);
+    vtkAbstractArray* column = table.GetColumnByName(name.c_str());
+    if (!column || subset->GetColumnByName(name.c_str()))
+      continue;
     vtkSmartPointer<vtkAbstractArray> copy;
     copy.TakeReference(vtkAbstractArray::CreateArray(column->GetDataType()));
     copy->SetName(column->GetName());
@@ -270,31 +274,36 @@ struct ScatterPlotView::Impl
   }
 
   // Copies the selected rows into the plots drawn on top; costs the selection, not the study.
+  // Past `ringedSelection` points the rings would cost two more passes over most of the points:
+  // the plot then draws the selected points itself, larger and in the ring's colour.
   void updateSelectedMarkers()
   {
     vtkTable* table = points->GetInput();
     vtkIdTypeArray* rows = points->GetSelection();
-    const bool any = points->GetVisible() && table && rows && rows->GetNumberOfTuples() > 0;
+    const vtkIdType count = rows ? rows->GetNumberOfTuples() : 0;
+    const bool ringed = points->GetVisible() && table && count > 0 && count <= ringedSelection;
+    points->GetSelectionPen()->SetOpacity(count > ringedSelection ? 255 : 0);
+    const std::string colorName = color->value().lock().name();
+    const bool colored = legend->show()->value() && !colorName.empty();
     for (vtkPlotPoints* plot : { selectedRing.Get(), selectedFill.Get() })
     {
-      plot->SetVisible(any);
-      if (!any)
+      plot->SetVisible(ringed);
+      if (!ringed)
       {
         plot->SetInputData(nullptr);
         continue;
       }
-      plot->SetInputData(rowsOf(*table, *rows));
+      plot->SetInputData(
+        rowsOf(*table, *rows, { x->value().lock().name(), y->value().lock().name(), colorName }));
       xTarget->assignInputArrayToPlot(*plot, x->value());
       yTarget->assignInputArrayToPlot(*plot, y->value());
     }
-    if (!any)
-      return;
-    const std::string colorName = color->value().lock().name();
-    const bool colored = legend->show()->value() && !colorName.empty();
-    selectedFill->SetScalarVisibility(colored);
-    if (colored)
+    selectedFill->SetScalarVisibility(ringed && colored);
+    if (ringed && colored)
       selectedFill->SelectColorArray(colorName);
   }
+
+  static constexpr vtkIdType ringedSelection = 100000;
 
   // The chart fills the view but for a margin on the right that holds the colour legend, so the
   // legend never covers a point. Runs before each render, when the view's size is known.
@@ -386,7 +395,9 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->lookupTable->SetHueRange(0.667, 0.0);
   d->lookupTable->Build();
   d->points->SetLookupTable(d->lookupTable);
-  // The selection is drawn by the two plots on top, not in the selection pen's single colour.
+  // The selection is drawn by the two plots on top, not in the selection pen's single colour,
+  // unless it is very large (see updateSelectedMarkers).
+  d->points->GetSelectionPen()->SetColor(20, 20, 20);
   d->points->GetSelectionPen()->SetOpacity(0);
   d->selectedRing = vtkSmartPointer<vtkPlotPoints>::New();
   d->selectedRing->SetMarkerStyle(vtkPlotPoints::CIRCLE);
