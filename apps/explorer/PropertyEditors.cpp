@@ -57,9 +57,9 @@ void PropertyEditors::edit(const std::function<void()>& change,
 }
 
 void PropertyEditors::follow(const plexa::PropertyItemInterface& property,
-                             std::function<void()> show)
+                             const std::function<void()>& show)
 {
-  connections.add(property.connectSignalPropertyChanged(std::move(show)));
+  connections.add(property.connectSignalPropertyChanged(show));
 }
 
 QComboBox* PropertyEditors::variableChooser(boost::shared_ptr<VariableProperty> property,

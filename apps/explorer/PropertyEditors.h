@@ -76,7 +76,7 @@ public:
   /// Runs an edit; a refused value is reported and the editor is brought back by `restore`.
   void edit(const std::function<void()>& change, const std::function<void()>& restore) const;
   /// Keeps `show` called whenever the property changes.
-  void follow(const plexa::PropertyItemInterface& property, std::function<void()> show);
+  void follow(const plexa::PropertyItemInterface& property, const std::function<void()>& show);
 
 private:
   std::shared_ptr<const Project> studyProject;

@@ -100,7 +100,7 @@ QString SettingsFile::write(const std::vector<ExplorerView*>& views,
 {
   QDomDocument document;
   document.appendChild(
-    document.createProcessingInstruction("xml", "version=\"1.0\" encoding=\"UTF-8\""));
+    document.createProcessingInstruction("xml", R"(version="1.0" encoding="UTF-8")"));
   QDomElement root = document.createElement("ExplorerSettings");
   root.setAttribute("version", 1);
   document.appendChild(root);
@@ -142,7 +142,7 @@ void SettingsFile::load(const QString& xml,
   const QDomElement root = document.documentElement();
   if (root.tagName() != "ExplorerSettings")
     throw SettingsError(source + ": these are not explorer settings (the root element is \"" +
-                        root.tagName().toStdString() + "\", not \"ExplorerSettings\")");
+                        root.tagName().toStdString() + R"(", not "ExplorerSettings"))");
 
   std::set<std::string> names;
   collectVariableNames(root.firstChildElement("Filters"), {}, names);
@@ -179,7 +179,7 @@ void SettingsFile::load(const QString& xml,
 
   // Both documents applied cleanly once; undo and redo apply them again. The stack runs redo on
   // push, when the settings are already in place.
-  const auto apply = [views, pipeline = &pipeline, project = &project, source](QDomDocument doc)
+  const auto apply = [views, pipeline = &pipeline, project = &project, source](const QDomDocument& doc)
   {
     return [=]
     {

@@ -30,10 +30,8 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT UndoablePropertyProxy
 public:
   UndoablePropertyProxy(const std::string& name, boost::shared_ptr<PropertyAbstract<T>> target)
     : PropertyAbstract<T>(target->validator())
-    , storeDepth(0)
     , undoText(QString::fromStdString("Change " + name))
     , target(std::move(target))
-    , mergeId(-1)
   {
     targetConnection = this->target->connectSignalValueChanged(
       [this](const T& value) { this->emitValueChangedSignal(value); });
@@ -109,10 +107,10 @@ private:
     unsigned long long& depth;
   };
 
-  unsigned long long storeDepth;
+  unsigned long long storeDepth = 0;
   QString undoText;
   boost::shared_ptr<PropertyAbstract<T>> target;
-  int mergeId;
+  int mergeId = -1;
   boost::signals2::connection targetConnection;
 };
 

@@ -210,6 +210,7 @@ std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& 
                  [&editors, &project, p](const std::vector<std::string>& checked)
                  {
                    std::vector<WeakPtr<Variable>> chosen;
+                   chosen.reserve(checked.size());
                    for (const auto& name : checked)
                      chosen.push_back(project.variable(name));
                    editors.edit([&] { p->variablesInLabel()->setValue(chosen); }, [] {});

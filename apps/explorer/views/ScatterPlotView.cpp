@@ -52,6 +52,7 @@
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
 
+#include <array>
 #include <cmath>
 
 namespace explorer
@@ -328,8 +329,8 @@ struct ScatterPlotView::Impl
       representation->SetPosition2(legendPlacement[2], legendPlacement[3]);
       return;
     }
-    const double width = static_cast<double>(size[0]);
-    const double height = static_cast<double>(size[1]);
+    const auto width = static_cast<double>(size[0]);
+    const auto height = static_cast<double>(size[1]);
     representation->SetPosition((width - margin + 8) / width, 50.0 / height);
     representation->SetPosition2((margin - 16) / width, std::max(0.1, 1.0 - 80.0 / height));
   }
@@ -682,12 +683,12 @@ void ScatterPlotView::fitToData()
   vtkChartUtils::fitData(*d->chart, *this);
   // The fitted range ends on the outermost points, which would be cut in half: widen it by a
   // few percent, and by at least a marker, to a round number.
-  double bounds[4] = { 0, 0, 0, 0 };
+  std::array<double, 4> bounds = { 0, 0, 0, 0 };
   const bool points = d->points->GetVisible() && d->points->GetInput() &&
                       d->points->GetInput()->GetNumberOfRows() > 0;
   if (points)
-    d->points->GetBounds(bounds);
-  for (int i : { 0, 1 })
+    d->points->GetBounds(bounds.data());
+  for (const std::size_t i : { 0u, 1u })
   {
     vtkAxis* axis = d->chart->GetAxis(i == 0 ? vtkAxis::BOTTOM : vtkAxis::LEFT);
     // From the points themselves: the fitted range has already been rounded outwards.
