@@ -12,6 +12,7 @@
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "charts/AxisDetailsInterface.h"
+#include "charts/ChartXY.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/StudyReader.h"
 #include "images/ImageMatrixViewProperties.h"
@@ -36,11 +37,13 @@
 #include <gtest/gtest.h>
 #include <vtkAxis.h>
 #include <vtkCallbackCommand.h>
+#include <vtkContextMouseEvent.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkPlotPoints.h>
 #include <vtkTable.h>
 
 #include <cmath>
+#include <map>
 
 using explorer::ExplorerWindow;
 using testsupport::TemporaryFolder;
@@ -456,4 +459,75 @@ TEST_F(ExplorerWindowTest, ACinemaDatabaseOpensWithItsImagesLaidOutByItsParamete
   ASSERT_FALSE(corner.isNull());
   EXPECT_EQ(corner.pixelColor(corner.width() / 2, corner.height() - 4), QColor(90, 90, 200))
     << "the cell of phi 90, theta 90 shows that run's image";
+}
+
+TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
+{
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  auto* scatter = window->view<explorer::ScatterPlotView>();
+  ChartXY& chart = scatter->chart();
+  auto* widget = qobject_cast<QVTKOpenGLNativeWidget*>(scatter->widget());
+  scatter->fitToData();
+  const auto mouseAt = [&](double x, double y)
+  {
+    const auto pixel = [](vtkAxis* axis, int c, double value)
+    {
+      return axis->GetPoint1()[c] + static_cast<float>((value - axis->GetMinimum()) /
+                                                       (axis->GetMaximum() - axis->GetMinimum())) *
+                                      (axis->GetPoint2()[c] - axis->GetPoint1()[c]);
+    };
+    const vtkVector2f at(pixel(chart.GetAxis(vtkAxis::BOTTOM), 0, x),
+                         pixel(chart.GetAxis(vtkAxis::LEFT), 1, y));
+    vtkContextMouseEvent event;
+    event.SetInteractor(widget->interactor());
+    event.SetButton(vtkContextMouseEvent::LEFT_BUTTON);
+    event.SetPos(at);
+    event.SetScenePos(at);
+    event.SetScreenPos(vtkVector2i(static_cast<int>(at[0]), static_cast<int>(at[1])));
+    return event;
+  };
+  // A rubber band over the runs at 25 and 35 degrees with ranges up to 100, and a click on the
+  // point of case 1008, in each mode.
+  std::map<short, std::set<unsigned long long>> banded;
+  std::map<short, std::set<unsigned long long>> clicked;
+  for (const short mode : { explorer::ScatterPlotView::MarkerPoints,
+                            explorer::ScatterPlotView::DensityPoints })
+  {
+    scatter->pointsMode()->setValue(mode);
+    widget->renderWindow()->Render();
+    window->selection().setSelection({});
+    vtkAbstractContextItem& item = chart;
+    item.MouseButtonPressEvent(mouseAt(20, 0));
+    item.MouseMoveEvent(mouseAt(40, 100));
+    item.MouseButtonReleaseEvent(mouseAt(40, 100));
+    banded[mode] = window->selection().getSelections();
+
+    window->selection().setSelection({});
+    vtkTable* table = scatter->points().GetInput();
+    double x = 0;
+    double y = 0;
+    for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
+      if (table->GetValue(row, 0).ToDouble() == 1008.0)
+      {
+        x = table->GetValueByName(row, "angle").ToDouble();
+        y = table->GetValueByName(row, "range").ToDouble();
+      }
+    item.MouseButtonPressEvent(mouseAt(x, y));
+    item.MouseButtonReleaseEvent(mouseAt(x, y));
+    clicked[mode] = window->selection().getSelections();
+  }
+  EXPECT_GE(banded[explorer::ScatterPlotView::MarkerPoints].size(), 5u);
+  EXPECT_EQ(banded[explorer::ScatterPlotView::DensityPoints],
+            banded[explorer::ScatterPlotView::MarkerPoints]);
+  EXPECT_EQ(clicked[explorer::ScatterPlotView::MarkerPoints], (std::set<unsigned long long>{ 1008 }));
+  EXPECT_EQ(clicked[explorer::ScatterPlotView::DensityPoints],
+            clicked[explorer::ScatterPlotView::MarkerPoints]);
+
+  // The density image shows the points: coloured pixels inside the plot area.
+  const QImage shown = widget->grabFramebuffer();
+  int coloured = 0;
+  for (int y = 0; y < shown.height(); ++y)
+    for (int x = 0; x < qRound(chart.GetAxis(vtkAxis::BOTTOM)->GetPoint2()[0]); ++x)
+      coloured += shown.pixelColor(x, y).saturation() > 150 ? 1 : 0;
+  EXPECT_GT(coloured, 50);
 }

@@ -1,6 +1,7 @@
 #include "views/ScatterPlotView.h"
 
 #include "PropertyEditors.h"
+#include "vtkDensityPlotPoints.h"
 #include "vtkPlottableCaseIds.h"
 
 #include "analyzer_common/NiceNumber.h"
@@ -18,6 +19,7 @@
 #include "datapipeline/DataPipelineManager.h"
 #include "dataviews/DataView2DSelectionSynchronizer.h"
 #include "dataviews/PlotSelectionModel.h"
+#include "properties/BoundedValueValidator.h"
 #include "properties/ColorVariableProperty.h"
 #include "properties/Property.h"
 #include "properties/SpatialVariableProperty2D.h"
@@ -208,7 +210,8 @@ struct ScatterPlotView::Impl
   vtkSmartPointer<vtkGenericOpenGLRenderWindow> window;
   vtkSmartPointer<vtkContextView> view;
   vtkSmartPointer<ChartXY> chart;
-  vtkSmartPointer<vtkPlotPoints> points;
+  vtkSmartPointer<vtkDensityPlotPoints> points;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<short>> pointsMode;
   // The selected cases, drawn over the others as larger markers in a dark ring, so that they
   // stand out in any colour of the map.
   vtkSmartPointer<vtkPlotPoints> selectedRing;
@@ -267,11 +270,20 @@ struct ScatterPlotView::Impl
     auto table = vtkSmartPointer<vtkTable>::New();
     table->ShallowCopy(validPoints->GetOutput());
     points->SetInputData(table);
+    applyPointsMode();
     xTarget->assignInputArrayToPlot(*points, x->value());
     yTarget->assignInputArrayToPlot(*points, y->value());
     colorTarget->assignColorArray(color->value().lock().name());
     synchronizer->updateChartSelections();
     updateSelectedMarkers();
+  }
+
+  void applyPointsMode()
+  {
+    vtkTable* table = points->GetInput();
+    const vtkIdType rows = table ? table->GetNumberOfRows() : 0;
+    const short mode = pointsMode->value();
+    points->SetDrawDensity(mode == DensityPoints || (mode == AutomaticPoints && rows > densityAbove));
   }
 
   // Copies the selected rows into the plots drawn on top; costs the selection, not the study.
@@ -305,6 +317,7 @@ struct ScatterPlotView::Impl
   }
 
   static constexpr vtkIdType ringedSelection = 100000;
+  static constexpr vtkIdType densityAbove = 100000;
 
   // The chart fills the view but for a margin on the right that holds the colour legend, so the
   // legend never covers a point. Runs before each render, when the view's size is known.
@@ -387,7 +400,7 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   for (int axis : { vtkAxis::BOTTOM, vtkAxis::LEFT })
     d->chart->GetAxis(axis)->SetBehavior(vtkAxis::FIXED);
 
-  d->points = vtkSmartPointer<vtkPlotPoints>::New();
+  d->points = vtkSmartPointer<vtkDensityPlotPoints>::New();
   d->points->SetMarkerStyle(vtkPlotPoints::CIRCLE);
   d->points->SetMarkerSize(7);
   d->points->SetColor(30, 90, 200, 255);
@@ -428,6 +441,12 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->x = boost::make_shared<VariableProxy>("X Variable", d->xTarget);
   d->y = boost::make_shared<VariableProxy>("Y Variable", d->yTarget);
   d->color = boost::make_shared<VariableProxy>("Color Variable", d->colorTarget);
+  using Bounded = plexa::BoundedValueValidator<short>;
+  d->pointsMode = boost::make_shared<plexa::UndoablePropertyProxy<short>>(
+    "Points",
+    boost::make_shared<plexa::Property<short>>(
+      AutomaticPoints,
+      boost::make_shared<Bounded>(AutomaticPoints, Bounded::Inclusive, DensityPoints, Bounded::Inclusive)));
 
   d->visible = boost::make_shared<plexa::Property<bool>>(true);
   d->legendWidget = vtkSmartPointer<NiceLabelsColorBarWidget>::New();
@@ -524,6 +543,12 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
     d->color->connectSignalValueChanged([replot](const WeakPtr<Variable>&) { replot(); }));
   d->connections.add(
     d->legend->show()->connectSignalValueChanged([replot](const bool&) { replot(); }));
+  d->connections.add(d->pointsMode->connectSignalValueChanged(
+    [impl](const short&)
+    {
+      impl->applyPointsMode();
+      impl->scheduleRender();
+    }));
   // Settings typed in the panel show at once, not when the mouse next enters the chart.
   for (const plexa::PropertyItemInterface* setting :
        std::initializer_list<const plexa::PropertyItemInterface*>{
@@ -544,6 +569,7 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   saveVariableSetting("YVariable", d->y, *d->project);
   saveVariableSetting("ColorVariable", d->color, *d->project);
   saveSetting(d->legend->serializer());
+  saveSetting(boost::make_shared<GenericSerializer<short>>("Points", d->pointsMode), "0, 1 or 2");
   // The range first: a custom grid spacing is checked against it.
   for (const auto& [prefix, axis] :
        { std::make_pair("X", d->xAxis.get()), std::make_pair("Y", d->yAxis.get()) })
@@ -639,6 +665,11 @@ std::vector<SettingsSection> ScatterPlotView::settingsSections(PropertyEditors& 
   form->addRow("X", editors.variableChooser(d->x, true, false));
   form->addRow("Y", editors.variableChooser(d->y, true, false));
   form->addRow("Colour", editors.variableChooser(d->color, true, true));
+  form->addRow("Points",
+               editors.enumChooser<short>(d->pointsMode,
+                                          { { "Automatic (density above 100,000)", AutomaticPoints },
+                                            { "Markers", MarkerPoints },
+                                            { "Density", DensityPoints } }));
   form->addRow(editors.axisEditor("X axis", *d->xAxis));
   form->addRow(editors.axisEditor("Y axis", *d->yAxis));
   return { { title(), chart }, { "Colour legend", editors.colorLegendEditor(*d->legend) } };
@@ -712,6 +743,11 @@ void ScatterPlotView::fitToData()
 vtkPlotPoints& ScatterPlotView::points() const
 {
   return *d->points;
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<short>> ScatterPlotView::pointsMode() const
+{
+  return d->pointsMode;
 }
 
 ChartXY& ScatterPlotView::chart() const

@@ -49,6 +49,15 @@ public:
   void fitToData() override;
   /// The points plot and the number of its rows that are selected.
   vtkPlotPoints& points() const;
+  /// How the points are drawn: one marker each, or a density image (binned, costing the plot
+  /// area rather than the points), or markers up to 100,000 points and density above.
+  enum PointsMode : short
+  {
+    AutomaticPoints = 0,
+    MarkerPoints = 1,
+    DensityPoints = 2
+  };
+  boost::shared_ptr<plexa::PropertyAbstract<short>> pointsMode() const;
   /// The chart, for mouse events sent to it directly.
   ChartXY& chart() const;
   int highlightedPoints() const;

@@ -1,0 +1,130 @@
+#include "vtkDensityPlotPoints.h"
+
+#include <vtkAxis.h>
+#include <vtkContext2D.h>
+#include <vtkImageData.h>
+#include <vtkObjectFactory.h>
+#include <vtkPoints2D.h>
+#include <vtkUnsignedCharArray.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace explorer
+{
+
+vtkStandardNewMacro(vtkDensityPlotPoints);
+
+vtkDensityPlotPoints::vtkDensityPlotPoints() = default;
+
+vtkDensityPlotPoints::~vtkDensityPlotPoints() = default;
+
+void vtkDensityPlotPoints::PrintSelf(ostream& os, vtkIndent indent)
+{
+  this->Superclass::PrintSelf(os, indent);
+  os << indent << "DrawDensity: " << this->DrawDensity << "\n";
+}
+
+bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
+{
+  if (!this->DrawDensity)
+  {
+    return this->Superclass::Paint(painter);
+  }
+  if (!this->Visible || !this->Points || this->Points->GetNumberOfPoints() == 0 ||
+      !this->XAxis || !this->YAxis)
+  {
+    return false;
+  }
+
+  // The visible area in the plot's (shifted and scaled) coordinates, and its size in pixels.
+  const vtkRectd shiftScale = this->GetShiftScale();
+  const double area[4] = {
+    (this->XAxis->GetMinimum() + shiftScale.GetX()) * shiftScale.GetWidth(),
+    (this->XAxis->GetMaximum() + shiftScale.GetX()) * shiftScale.GetWidth(),
+    (this->YAxis->GetMinimum() + shiftScale.GetY()) * shiftScale.GetHeight(),
+    (this->YAxis->GetMaximum() + shiftScale.GetY()) * shiftScale.GetHeight(),
+  };
+  const float pixelsX = std::abs(this->XAxis->GetPoint2()[0] - this->XAxis->GetPoint1()[0]);
+  const float pixelsY = std::abs(this->YAxis->GetPoint2()[1] - this->YAxis->GetPoint1()[1]);
+  constexpr int binPixels = 2;
+  const int size[2] = { std::max(1, static_cast<int>(pixelsX) / binPixels),
+                        std::max(1, static_cast<int>(pixelsY) / binPixels) };
+  if (!(area[1] > area[0]) || !(area[3] > area[2]))
+  {
+    return false;
+  }
+
+  unsigned char plain[4];
+  this->GetColor(plain);
+  const bool colored = this->ScalarVisibility && this->Colors &&
+                       this->Colors->GetNumberOfTuples() == this->Points->GetNumberOfPoints();
+  const vtkMTimeType colorsTime = colored ? this->Colors->GetMTime() : 0;
+  const bool same = this->BinnedPointsTime == this->Points->GetMTime() &&
+                    this->BinnedColorsTime == colorsTime &&
+                    std::equal(area, area + 4, this->BinnedArea) &&
+                    std::equal(size, size + 2, this->BinnedSize) &&
+                    std::equal(plain, plain + 4, this->BinnedColor);
+  if (!same)
+  {
+    const std::size_t bins = static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]);
+    std::vector<unsigned> counts(bins, 0);
+    std::vector<double> sums(colored ? bins * 3 : 0, 0.0);
+    const vtkIdType n = this->Points->GetNumberOfPoints();
+    const double toBinX = size[0] / (area[1] - area[0]);
+    const double toBinY = size[1] / (area[3] - area[2]);
+    for (vtkIdType i = 0; i < n; ++i)
+    {
+      double p[3];
+      this->Points->GetPoint(i, p);
+      const double bx = std::floor((p[0] - area[0]) * toBinX);
+      const double by = std::floor((p[1] - area[2]) * toBinY);
+      // Points outside the axes' range, and non-finite ones, fall outside every bin.
+      if (!(bx >= 0 && bx < size[0] && by >= 0 && by < size[1]))
+        continue;
+      const std::size_t bin = static_cast<std::size_t>(by) * static_cast<std::size_t>(size[0]) +
+                              static_cast<std::size_t>(bx);
+      ++counts[bin];
+      if (colored)
+      {
+        const unsigned char* rgba = this->Colors->GetPointer(i * this->Colors->GetNumberOfComponents());
+        for (int c = 0; c < 3; ++c)
+          sums[bin * 3 + static_cast<std::size_t>(c)] += rgba[c];
+      }
+    }
+    const unsigned most = std::max(1u, *std::max_element(counts.begin(), counts.end()));
+    this->Density->SetDimensions(size[0], size[1], 1);
+    this->Density->AllocateScalars(VTK_UNSIGNED_CHAR, 4);
+    auto* pixels = static_cast<unsigned char*>(this->Density->GetScalarPointer());
+    for (std::size_t bin = 0; bin < bins; ++bin)
+    {
+      unsigned char* pixel = pixels + bin * 4;
+      const unsigned count = counts[bin];
+      if (count == 0)
+      {
+        std::fill(pixel, pixel + 4, 0);
+        continue;
+      }
+      for (std::size_t c = 0; c < 3; ++c)
+        pixel[c] = colored ? static_cast<unsigned char>(sums[bin * 3 + c] / count + 0.5) : plain[c];
+      // A lone point stays visible; the densest bin is opaque.
+      const double weight = std::log1p(count) / std::log1p(most);
+      pixel[3] = static_cast<unsigned char>(96 + 159 * weight);
+    }
+    this->Density->Modified();
+    this->BinnedPointsTime = this->Points->GetMTime();
+    this->BinnedColorsTime = colorsTime;
+    std::copy(area, area + 4, this->BinnedArea);
+    std::copy(size, size + 2, this->BinnedSize);
+    std::copy(plain, plain + 4, this->BinnedColor);
+  }
+  painter->DrawImage(vtkRectf(static_cast<float>(area[0]),
+                              static_cast<float>(area[2]),
+                              static_cast<float>(area[1] - area[0]),
+                              static_cast<float>(area[3] - area[2])),
+                     this->Density);
+  return true;
+}
+
+} // namespace explorer
