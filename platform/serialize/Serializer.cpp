@@ -3,6 +3,8 @@
 #include <QDomDocument>
 #include <QDomElement>
 
+#include <utility>
+
 bool Serializer::isInMiddleOfDeserialization = false;
 
 namespace
@@ -34,8 +36,8 @@ private:
 
 } // namespace
 
-Serializer::Serializer(const std::string& name)
-  : elementName(name)
+Serializer::Serializer(std::string name)
+  : elementName(std::move(name))
 {
 }
 

@@ -11,7 +11,7 @@
 class QUEN_ANALYZER_SERIALIZE_EXPORT Serializer : public virtual SerializerInterface
 {
 public:
-  explicit Serializer(const std::string& name);
+  explicit Serializer(std::string name);
   ~Serializer() override;
 
   QDomElement serialize(QDomDocument& document) override;

@@ -267,8 +267,8 @@ ColorLegend::ColorLegend(boost::shared_ptr<const VariableProperty> colorVariable
       DEFAULT_NUMLABELS,
       boost::make_shared<Bounded>(
         NUMLABELS_MIN, Bounded::Inclusive, NUMLABELS_MAX, Bounded::Inclusive)));
-  d->lookupTable = std::move(lookupTable);
-  d->widget = std::move(widget);
+  d->lookupTable = lookupTable;
+  d->widget = widget;
 
   d->titleUpdater =
     std::make_unique<ColorLegendTitleUpdater>(d->widget->GetScalarBarActor(), *d->colorVariable);

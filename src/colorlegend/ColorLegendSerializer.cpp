@@ -39,7 +39,7 @@ void ColorLegendSerializer::deserializeSelf(QDomElement& element) const
   const QDomElement labels = element.firstChildElement("NumLabels");
   if (!labels.isNull())
   {
-    const short count = savedtext::parse<short>(labels.text().toStdString());
+    const auto count = savedtext::parse<short>(labels.text().toStdString());
     const plexa::ValidationResult result = numLabels->validator()->validate(count);
     if (!result.isValid())
       throw plexa::InvalidPropertyValueException(result.errorString());

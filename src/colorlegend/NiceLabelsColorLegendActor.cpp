@@ -142,7 +142,9 @@ void NiceLabelsColorLegendActor::LayoutTicks()
     }
 
     // The first and last labels are centred on the ends of the bar.
-    this->P->ScalarBarBox.Posn[this->P->TL[1]] += labelSize[this->P->TL[1]] / 2.;
+    // VTK keeps boxes in whole pixels: the sum is truncated, as the compound assignment did.
+    this->P->ScalarBarBox.Posn[this->P->TL[1]] = static_cast<int>(
+      this->P->ScalarBarBox.Posn[this->P->TL[1]] + labelSize[this->P->TL[1]] / 2.);
     this->P->ScalarBarBox.Size[1] -= labelSize[this->P->TL[1]];
     this->P->TickBox.Posn[this->P->TL[1]] =
       static_cast<int>(this->P->TickBox.Posn[this->P->TL[1]] + (labelSize[this->P->TL[1]] / 2.));
@@ -150,8 +152,10 @@ void NiceLabelsColorLegendActor::LayoutTicks()
 
     if (this->Orientation == VTK_ORIENT_HORIZONTAL)
     {
-      this->P->ScalarBarBox.Posn[0] += this->P->BelowRangeSwatchSize;
-      this->P->TickBox.Posn[0] += this->P->BelowRangeSwatchSize;
+      this->P->ScalarBarBox.Posn[0] =
+        static_cast<int>(this->P->ScalarBarBox.Posn[0] + this->P->BelowRangeSwatchSize);
+      this->P->TickBox.Posn[0] =
+        static_cast<int>(this->P->TickBox.Posn[0] + this->P->BelowRangeSwatchSize);
       this->P->TickBox.Posn[1] += this->TextPad * (this->TextPosition == PrecedeScalarBar ? -1 : 1);
       this->P->TickBox.Size[1] -= this->TextPad;
     }

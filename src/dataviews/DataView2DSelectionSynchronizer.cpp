@@ -157,17 +157,13 @@ void DataView2DSelectionSynchronizer::chartSelectionChanged()
     return;
   }
   const std::set<unsigned long long> current = plotSelectionModel->getSelections();
-  if (picked.size() == 1 && current.count(*picked.begin()) != 0)
-  {
-    plotSelectionModel->setSelection(picked); // toggles the case off
-  }
-  else if (std::includes(current.begin(), current.end(), picked.begin(), picked.end()))
+  const bool togglesOff = picked.size() == 1 && current.count(*picked.begin()) != 0;
+  if (!togglesOff && std::includes(current.begin(), current.end(), picked.begin(), picked.end()))
   {
     // Nothing new: the master stays, the chart shows it again.
     setNewSelections(plotSelectionModel->getSelections());
+    return;
   }
-  else
-  {
-    plotSelectionModel->setSelection(picked);
-  }
+  // One selected case picked again toggles it off; anything else new goes to the master.
+  plotSelectionModel->setSelection(picked);
 }

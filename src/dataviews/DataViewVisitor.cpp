@@ -12,11 +12,7 @@ DataViewVisitorAbstract::DataViewVisitorAbstract(AssertStatus status)
 {
 }
 
-DataViewVisitorAbstract::DataViewVisitorAbstract(const DataViewVisitorAbstract& other)
-  : DataViewVisitorInterface(other)
-  , status(other.status)
-{
-}
+DataViewVisitorAbstract::DataViewVisitorAbstract(const DataViewVisitorAbstract& other) = default;
 
 DataViewVisitorAbstract::~DataViewVisitorAbstract() = default;
 

@@ -226,7 +226,7 @@ ImageTableModel::ImageTableModel(vtkSmartPointer<vtkTableAlgorithm> input,
                                  std::shared_ptr<ImageMatrixViewProperties> properties)
   : d(std::make_unique<Impl>())
 {
-  d->input = std::move(input);
+  d->input = input;
   d->properties = std::move(properties);
   d->observer = vtkPxCommandProxy::New([this] { rebuild(); });
   d->input->AddObserver(vtkCommand::ModifiedEvent, d->observer, 0.0);

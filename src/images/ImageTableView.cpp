@@ -140,7 +140,7 @@ ImageTableView::ImageTableView(QWidget& parent,
   , d(std::make_unique<Impl>())
 {
   d->setupUi(*this);
-  d->input = std::move(input);
+  d->input = input;
   d->selectionModel = std::move(selectionModel);
   d->source = std::move(loader);
   d->properties =

@@ -21,7 +21,9 @@
 namespace
 {
 
-constexpr int captionFlags = Qt::TextWordWrap | Qt::AlignTop | Qt::AlignVCenter | Qt::AlignHCenter;
+// A text flag and alignment flags in one int, as QFontMetrics::boundingRect takes them.
+constexpr int captionFlags =
+  static_cast<int>(Qt::TextWordWrap) | (Qt::AlignTop | Qt::AlignVCenter | Qt::AlignHCenter);
 
 } // namespace
 
@@ -84,7 +86,7 @@ void ImageViewItemDelegate::paint(QPainter* painter,
   {
     painter->fillRect(option.rect, option.palette.brush(QPalette::Active, QPalette::Highlight));
   }
-  const QImage image = index.data(Qt::DecorationRole).value<QImage>();
+  const auto image = index.data(Qt::DecorationRole).value<QImage>();
   if (!image.isNull())
   {
     const int x = option.rect.x() + (option.rect.width() - image.width()) / 2;

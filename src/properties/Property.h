@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "properties/PropertyAbstract.h"
 
 namespace plexa
@@ -17,18 +19,18 @@ public:
   }
 
   /// Accepts every value; the initial value is stored without a signal.
-  explicit Property(const T& initial)
-    : heldValue(initial)
+  explicit Property(T initial)
+    : heldValue(std::move(initial))
   {
   }
 
   /// Throws InvalidPropertyValueException when the validator refuses the initial value.
   /// Construction never signals.
-  Property(const T& initial, boost::shared_ptr<const ValidatorInterface<T>> validator)
+  Property(T initial, boost::shared_ptr<const ValidatorInterface<T>> validator)
     : PropertyAbstract<T>(std::move(validator))
-    , heldValue(initial)
+    , heldValue(std::move(initial))
   {
-    this->validate(initial);
+    this->validate(heldValue);
   }
 
   void operator=(const T& value) { this->setValue(value); }

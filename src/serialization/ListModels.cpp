@@ -128,7 +128,7 @@ void StandardListModel<std::string>::copy(const ListModelInterface<std::string>&
   emitSignalModelChanged();
 }
 
-StringListModel::StringListModel(std::set<std::string> strings)
+StringListModel::StringListModel(const std::set<std::string>& strings)
 {
   for (const auto& s : strings)
   {

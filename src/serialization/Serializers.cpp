@@ -28,10 +28,10 @@ WeakPtr<Variable, unsigned long long> findByName(
 VariableInfoSerializer::VariableInfoSerializer(
   const std::string& name,
   boost::shared_ptr<VariableProperty> property,
-  const std::vector<WeakPtr<Variable, unsigned long long>>& candidates)
+  std::vector<WeakPtr<Variable, unsigned long long>> candidates)
   : Serializer(name)
   , property(std::move(property))
-  , candidates(candidates)
+  , candidates(std::move(candidates))
 {
 }
 
@@ -64,10 +64,10 @@ void VariableInfoSerializer::deserializeSelf(QDomElement& element) const
 VariableListSerializer::VariableListSerializer(
   const std::string& name,
   boost::shared_ptr<VariableListProperty> property,
-  const std::vector<WeakPtr<Variable, unsigned long long>>& candidates)
+  std::vector<WeakPtr<Variable, unsigned long long>> candidates)
   : Serializer(name)
   , property(std::move(property))
-  , candidates(candidates)
+  , candidates(std::move(candidates))
 {
 }
 

@@ -9,6 +9,6 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT StringListModel : public StandardLis
 {
 public:
   /// Appends each string of the set in ascending order, signalling after each one.
-  explicit StringListModel(std::set<std::string> strings);
+  explicit StringListModel(const std::set<std::string>& strings);
   ~StringListModel() override;
 };

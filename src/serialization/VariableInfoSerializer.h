@@ -24,7 +24,7 @@ public:
 
   VariableInfoSerializer(const std::string& name,
                          boost::shared_ptr<VariableProperty> property,
-                         const std::vector<WeakPtr<Variable, unsigned long long>>& candidates);
+                         std::vector<WeakPtr<Variable, unsigned long long>> candidates);
   ~VariableInfoSerializer() override;
 
 private:
@@ -46,7 +46,7 @@ public:
 
   VariableListSerializer(const std::string& name,
                          boost::shared_ptr<VariableListProperty> property,
-                         const std::vector<WeakPtr<Variable, unsigned long long>>& candidates);
+                         std::vector<WeakPtr<Variable, unsigned long long>> candidates);
   ~VariableListSerializer() override;
 
 private:
