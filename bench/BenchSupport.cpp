@@ -1,9 +1,9 @@
 #include "BenchSupport.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QSurfaceFormat>
 #include <QVTKOpenGLNativeWidget.h>
-#include <QDir>
 
 #include <cstdlib>
 #include <cstring>

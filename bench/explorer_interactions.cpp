@@ -47,7 +47,8 @@ ExplorerWindow& windowOver(long long runs, bool images)
   if (window)
     return *window;
   explorer::SampleStudyOptions options;
-  options.folder = bench::dataFolder() + "/explorer-" + std::to_string(runs) + (images ? "-images" : "");
+  options.folder =
+    bench::dataFolder() + "/explorer-" + std::to_string(runs) + (images ? "-images" : "");
   options.runs = static_cast<int>(runs);
   options.images = images;
   if (!QDir(QString::fromStdString(options.folder)).exists("cases.csv"))
@@ -148,7 +149,8 @@ void SelectTenPercentByRubberBand(benchmark::State& state)
             // The runs at one launch angle (a sixth), in the lower part of the range.
             ChartXY& chart = scatter(window).chart();
             vtkAxis* y = chart.GetAxis(vtkAxis::LEFT);
-            const double top = y->GetMinimum() + (y->GetMaximum() - y->GetMinimum()) * (flip ? 0.6 : 0.5);
+            const double top =
+              y->GetMinimum() + (y->GetMaximum() - y->GetMinimum()) * (flip ? 0.6 : 0.5);
             vtkAbstractContextItem& item = chart;
             item.MouseButtonPressEvent(mouseAt(scatter(window), 12, y->GetMinimum()));
             const vtkContextMouseEvent release = mouseAt(scatter(window), 18, top);

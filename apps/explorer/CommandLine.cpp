@@ -45,7 +45,8 @@ struct Parser
     parser.setApplicationDescription("Explores the runs of a study in linked views.");
     parser.addPositionalArgument(
       "study", "The study folder (cases.csv, auxfiles.csv, images).", "[STUDY_DIR]");
-    parser.addOptions({ help, settings, select, screenshots, rebase, generate, runs, noImages, seed });
+    parser.addOptions(
+      { help, settings, select, screenshots, rebase, generate, runs, noImages, seed });
   }
 };
 
@@ -86,8 +87,8 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& error
     options.sample.runs = p.parser.value(p.runs).toInt(&ok);
     if (!ok || options.sample.runs < 1)
     {
-      error = "--runs takes a whole number of runs, at least 1, not \"" +
-              p.parser.value(p.runs) + "\"";
+      error =
+        "--runs takes a whole number of runs, at least 1, not \"" + p.parser.value(p.runs) + "\"";
       return false;
     }
     options.sample.images = !p.parser.isSet(p.noImages);
@@ -112,8 +113,8 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& error
     options.selectGiven = true;
     if (!parseIds(p.parser.value(p.select), options.select))
     {
-      error = "--select takes case ids separated by commas, not \"" + p.parser.value(p.select) +
-              "\"";
+      error =
+        "--select takes case ids separated by commas, not \"" + p.parser.value(p.select) + "\"";
       code = SelectionError;
       return false;
     }
@@ -186,7 +187,8 @@ int prepareWindow(ExplorerWindow& window,
   {
     try
     {
-      window.showStudy(readStudyWithProgress(options.study.toStdString(), options.rebases, &window));
+      window.showStudy(
+        readStudyWithProgress(options.study.toStdString(), options.rebases, &window));
     }
     catch (const std::exception& e)
     {

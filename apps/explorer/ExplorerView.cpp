@@ -21,7 +21,9 @@ namespace
 class NamedSetting : public SerializerInterface
 {
 public:
-  NamedSetting(std::string view, boost::shared_ptr<SerializerInterface> setting, std::string expected)
+  NamedSetting(std::string view,
+               boost::shared_ptr<SerializerInterface> setting,
+               std::string expected)
     : view(std::move(view))
     , setting(std::move(setting))
     , expected(std::move(expected))
@@ -78,7 +80,8 @@ ExplorerView::~ExplorerView() = default;
 void ExplorerView::saveSetting(boost::shared_ptr<SerializerInterface> setting,
                                const std::string& expected)
 {
-  serializer().addSubElement(boost::make_shared<NamedSetting>(domName(), std::move(setting), expected));
+  serializer().addSubElement(
+    boost::make_shared<NamedSetting>(domName(), std::move(setting), expected));
 }
 
 void ExplorerView::saveVariableSetting(

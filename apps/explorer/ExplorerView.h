@@ -94,10 +94,9 @@ protected:
   void saveSetting(boost::shared_ptr<SerializerInterface> setting,
                    const std::string& expected = "a valid value");
   /// Saves a variable setting under `element`, by name, and records the element.
-  void saveVariableSetting(
-    const std::string& element,
-    boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> property,
-    const Project& project);
+  void saveVariableSetting(const std::string& element,
+                           boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> property,
+                           const Project& project);
 
 private:
   std::vector<std::string> variableElementNames;

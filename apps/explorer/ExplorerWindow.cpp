@@ -508,7 +508,8 @@ std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder,
     {
       try
       {
-        project = isCinemaDatabase(folder) ? readCinemaDatabase(folder, rebases) : readStudy(folder);
+        project =
+          isCinemaDatabase(folder) ? readCinemaDatabase(folder, rebases) : readStudy(folder);
       }
       catch (...)
       {

@@ -99,7 +99,8 @@ QComboBox* PropertyEditors::variableChooser(boost::shared_ptr<VariableProperty> 
   return combo;
 }
 
-QLineEdit* PropertyEditors::numberEditor(boost::shared_ptr<plexa::PropertyAbstract<double>> property)
+QLineEdit* PropertyEditors::numberEditor(
+  boost::shared_ptr<plexa::PropertyAbstract<double>> property)
 {
   auto* line = new QLineEdit();
   // Wide enough for the longest shortest form of a double, so that the whole number shows.
@@ -140,7 +141,8 @@ QCheckBox* PropertyEditors::checkBox(const QString& text,
   follow(*property, show);
   QObject::connect(box,
                    &QCheckBox::toggled,
-                   [this, property, show](bool on) { edit([&] { property->setValue(on); }, show); });
+                   [this, property, show](bool on)
+                   { edit([&] { property->setValue(on); }, show); });
   return box;
 }
 

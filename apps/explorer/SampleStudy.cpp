@@ -7,8 +7,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
-#include <cmath>
 #include <charconv>
+#include <cmath>
 #include <fstream>
 #include <iomanip>
 #include <limits>
@@ -192,7 +192,8 @@ int writeSampleStudy(const SampleStudyOptions& options)
       [&runs, w, workers]
       {
         for (std::size_t i = w; i < runs.size(); i += workers)
-          runs[i].outputs = fly(runs[i].angle, runs[i].launchSpeed, runs[i].drag, runs[i].mass, false);
+          runs[i].outputs =
+            fly(runs[i].angle, runs[i].launchSpeed, runs[i].drag, runs[i].mass, false);
       });
   for (std::thread& thread : threads)
     thread.join();

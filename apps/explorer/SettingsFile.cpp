@@ -179,7 +179,8 @@ void SettingsFile::load(const QString& xml,
 
   // Both documents applied cleanly once; undo and redo apply them again. The stack runs redo on
   // push, when the settings are already in place.
-  const auto apply = [views, pipeline = &pipeline, project = &project, source](const QDomDocument& doc)
+  const auto apply =
+    [views, pipeline = &pipeline, project = &project, source](const QDomDocument& doc)
   {
     return [=]
     {

@@ -42,7 +42,9 @@ FilterState filterState(const DataPipelineManager& pipeline, const WeakPtr<Varia
   const auto filter = boost::dynamic_pointer_cast<RangeFilter>(pipeline.filter(variable));
   if (!filter)
     return {};
-  return { true, filter->range().first, filter->range().second, pipeline.isFilterEnabled(variable) };
+  return {
+    true, filter->range().first, filter->range().second, pipeline.isFilterEnabled(variable)
+  };
 }
 
 void applyFilterState(DataPipelineManager& pipeline,

@@ -15,9 +15,9 @@ namespace
 template<typename View>
 ViewKind kind(ViewArea area, int stretch)
 {
-  return { area,
-           stretch,
-           [](const ViewContext& context) { return boost::make_shared<View>(context); } };
+  return { area, stretch, [](const ViewContext& context) {
+            return boost::make_shared<View>(context);
+          } };
 }
 
 } // namespace

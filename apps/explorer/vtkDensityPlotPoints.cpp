@@ -32,8 +32,8 @@ bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
   {
     return this->Superclass::Paint(painter);
   }
-  if (!this->Visible || !this->Points || this->Points->GetNumberOfPoints() == 0 ||
-      !this->XAxis || !this->YAxis)
+  if (!this->Visible || !this->Points || this->Points->GetNumberOfPoints() == 0 || !this->XAxis ||
+      !this->YAxis)
   {
     return false;
   }
@@ -61,11 +61,10 @@ bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
   const bool colored = this->ScalarVisibility && this->Colors &&
                        this->Colors->GetNumberOfTuples() == this->Points->GetNumberOfPoints();
   const vtkMTimeType colorsTime = colored ? this->Colors->GetMTime() : 0;
-  const bool same = this->BinnedPointsTime == this->Points->GetMTime() &&
-                    this->BinnedColorsTime == colorsTime &&
-                    std::equal(area, area + 4, this->BinnedArea) &&
-                    std::equal(size, size + 2, this->BinnedSize) &&
-                    std::equal(plain, plain + 4, this->BinnedColor);
+  const bool same =
+    this->BinnedPointsTime == this->Points->GetMTime() && this->BinnedColorsTime == colorsTime &&
+    std::equal(area, area + 4, this->BinnedArea) && std::equal(size, size + 2, this->BinnedSize) &&
+    std::equal(plain, plain + 4, this->BinnedColor);
   if (!same)
   {
     const std::size_t bins = static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]);
@@ -88,7 +87,8 @@ bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
       ++counts[bin];
       if (colored)
       {
-        const unsigned char* rgba = this->Colors->GetPointer(i * this->Colors->GetNumberOfComponents());
+        const unsigned char* rgba =
+          this->Colors->GetPointer(i * this->Colors->GetNumberOfComponents());
         for (int c = 0; c < 3; ++c)
           sums[bin * 3 + static_cast<std::size_t>(c)] += rgba[c];
       }

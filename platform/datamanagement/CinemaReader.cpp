@@ -78,10 +78,8 @@ std::string resolvedPath(std::string_view cell,
   }
   const auto refuse = [&](const std::string& why)
   {
-    throw StudyFormatError(file,
-                           line,
-                           column,
-                           "row " + std::to_string(row) + ": path " + inQuotes(cell) + " " + why);
+    throw StudyFormatError(
+      file, line, column, "row " + std::to_string(row) + ": path " + inQuotes(cell) + " " + why);
   };
   for (const PathRebase& rebase : rebases)
   {
@@ -139,8 +137,10 @@ std::shared_ptr<const Project> readCinemaDatabase(const std::string& folder,
     if (columns[c].name.empty())
       throw StudyFormatError(file, csv.recordLine(), fields[c].column, "the column has no name");
     if (!names.insert(columns[c].name).second)
-      throw StudyFormatError(
-        file, csv.recordLine(), fields[c].column, "column " + inQuotes(columns[c].name) + " is repeated");
+      throw StudyFormatError(file,
+                             csv.recordLine(),
+                             fields[c].column,
+                             "column " + inQuotes(columns[c].name) + " is repeated");
   }
   std::vector<std::size_t> lineOfRow;
   while (csv.next(fields))

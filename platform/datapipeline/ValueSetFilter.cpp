@@ -27,12 +27,14 @@ void ValueSetFilter::apply(vtkAbstractArray& column, std::vector<unsigned char>&
   if (auto* numbers = vtkDoubleArray::SafeDownCast(&column))
   {
     for (std::size_t row = 0; row < rows; ++row)
-      keep[row] &= static_cast<unsigned char>(allowed.count(Variant(numbers->GetValue(static_cast<vtkIdType>(row)))));
+      keep[row] &= static_cast<unsigned char>(
+        allowed.count(Variant(numbers->GetValue(static_cast<vtkIdType>(row)))));
   }
   else if (auto* texts = vtkStringArray::SafeDownCast(&column))
   {
     for (std::size_t row = 0; row < rows; ++row)
-      keep[row] &= static_cast<unsigned char>(allowed.count(Variant(texts->GetValue(static_cast<vtkIdType>(row)))));
+      keep[row] &= static_cast<unsigned char>(
+        allowed.count(Variant(texts->GetValue(static_cast<vtkIdType>(row)))));
   }
   else
   {

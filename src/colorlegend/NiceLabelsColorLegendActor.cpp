@@ -143,8 +143,8 @@ void NiceLabelsColorLegendActor::LayoutTicks()
 
     // The first and last labels are centred on the ends of the bar.
     // VTK keeps boxes in whole pixels: the sum is truncated, as the compound assignment did.
-    this->P->ScalarBarBox.Posn[this->P->TL[1]] = static_cast<int>(
-      this->P->ScalarBarBox.Posn[this->P->TL[1]] + labelSize[this->P->TL[1]] / 2.);
+    this->P->ScalarBarBox.Posn[this->P->TL[1]] =
+      static_cast<int>(this->P->ScalarBarBox.Posn[this->P->TL[1]] + labelSize[this->P->TL[1]] / 2.);
     this->P->ScalarBarBox.Size[1] -= labelSize[this->P->TL[1]];
     this->P->TickBox.Posn[this->P->TL[1]] =
       static_cast<int>(this->P->TickBox.Posn[this->P->TL[1]] + (labelSize[this->P->TL[1]] / 2.));

@@ -1,7 +1,7 @@
+#include "dataviews/TableViewSelectionSynchronizer.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "common/ScopedGuards.h"
 #include "dataviews/SelectionConverterInterface.h"
-#include "dataviews/TableViewSelectionSynchronizer.h"
 
 #include <QItemSelectionModel>
 #include <QPalette>

@@ -100,7 +100,8 @@ TEST(ChartXY, AMoveWithoutAButtonShowsThePointsToolTipInEveryMouseMode)
   DiagonalChart diagonal;
   VTKChartsMouseModeProperty mode(diagonal.chart.Get());
   vtkAbstractContextItem& item = *diagonal.chart;
-  for (const auto m : { DataViewMouseMode::Select, DataViewMouseMode::Pan, DataViewMouseMode::Zoom })
+  for (const auto m :
+       { DataViewMouseMode::Select, DataViewMouseMode::Pan, DataViewMouseMode::Zoom })
   {
     mode.setValue(m);
     vtkContextMouseEvent away = diagonal.at(55, 5);

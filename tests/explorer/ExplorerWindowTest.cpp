@@ -1,8 +1,8 @@
 // The explorer's window in-process, over a generated sample study: views made from the registry,
 // selection linked between them, settings saved, loaded and refused.
 
-#include "CommandLine.h"
 #include "ExplorerWindow.h"
+#include "CommandLine.h"
 #include "SampleStudy.h"
 #include "ViewRegistry.h"
 #include "views/CasesTableView.h"
@@ -129,7 +129,8 @@ TEST_F(ExplorerWindowTest, ShowsOneViewOfEachKindLinkedByOneSelection)
   EXPECT_EQ(rows.selectionModel()->selection().size(), 3) << "one range per run of rows";
   rows.selectAll();
   EXPECT_EQ(window->selection().getSelections().size(), 48u);
-  EXPECT_EQ(scatter->highlightedPoints(), static_cast<int>(scatter->points().GetInput()->GetNumberOfRows()));
+  EXPECT_EQ(scatter->highlightedPoints(),
+            static_cast<int>(scatter->points().GetInput()->GetNumberOfRows()));
   rows.selectionModel()->select(rows.model()->index(1, 0),
                                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 
@@ -490,8 +491,8 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
   // point of case 1008, in each mode.
   std::map<short, std::set<unsigned long long>> banded;
   std::map<short, std::set<unsigned long long>> clicked;
-  for (const short mode : { explorer::ScatterPlotView::MarkerPoints,
-                            explorer::ScatterPlotView::DensityPoints })
+  for (const short mode :
+       { explorer::ScatterPlotView::MarkerPoints, explorer::ScatterPlotView::DensityPoints })
   {
     scatter->pointsMode()->setValue(mode);
     widget->renderWindow()->Render();
@@ -519,7 +520,8 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
   EXPECT_GE(banded[explorer::ScatterPlotView::MarkerPoints].size(), 5u);
   EXPECT_EQ(banded[explorer::ScatterPlotView::DensityPoints],
             banded[explorer::ScatterPlotView::MarkerPoints]);
-  EXPECT_EQ(clicked[explorer::ScatterPlotView::MarkerPoints], (std::set<unsigned long long>{ 1008 }));
+  EXPECT_EQ(clicked[explorer::ScatterPlotView::MarkerPoints],
+            (std::set<unsigned long long>{ 1008 }));
   EXPECT_EQ(clicked[explorer::ScatterPlotView::DensityPoints],
             clicked[explorer::ScatterPlotView::MarkerPoints]);
 

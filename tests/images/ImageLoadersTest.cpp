@@ -1,6 +1,6 @@
 #include "images/ImageCache.h"
-#include "images/ImageCache_p.h"
 #include "images/ImageCacheClient.h"
+#include "images/ImageCache_p.h"
 #include "images/ImageDecorator.h"
 #include "images/ScalingImageLoader.h"
 #include "support/SmallStudy.h"

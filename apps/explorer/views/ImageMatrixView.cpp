@@ -16,14 +16,14 @@
 #include "serialization/VariableInfoSerializer.h"
 #include "serialize/Serializer.h"
 
-#include <QDomDocument>
 #include <QCheckBox>
+#include <QDomDocument>
 #include <QDomElement>
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QSlider>
 #include <QPointer>
+#include <QSlider>
 #include <QVBoxLayout>
 #include <boost/make_shared.hpp>
 
@@ -101,10 +101,10 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
   d->properties = std::make_shared<ImageMatrixViewProperties>();
   d->properties->zoom()->setValue(12);
   d->table = new ImageTableView(*d->container,
-                               context.pipeline,
-                               context.selection,
-                               context.images->imageLoader(),
-                               d->properties);
+                                context.pipeline,
+                                context.selection,
+                                context.images->imageLoader(),
+                                d->properties);
   layout->addWidget(d->table);
 
   using Matrix = ImageMatrixViewProperties;
@@ -166,12 +166,12 @@ std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& 
   form->addRow("Row variable", editors.variableChooser(p->rowVar(), false, true));
   form->addRow("Columns by", editors.enumChooser(p->dimensionColumnsBy(), axes));
   form->addRow("Column variable", editors.variableChooser(p->columnVar(), false, true));
-  form->addRow("Pages",
-               editors.enumChooser<Matrix::PageDimensionBy>(
-                 p->dimensionPagesBy(),
-                 { { "None", Matrix::NoPages },
-                   { "By variable", Matrix::PageByVariable },
-                   { "By tag", Matrix::PageByTag } }));
+  form->addRow(
+    "Pages",
+    editors.enumChooser<Matrix::PageDimensionBy>(p->dimensionPagesBy(),
+                                                 { { "None", Matrix::NoPages },
+                                                   { "By variable", Matrix::PageByVariable },
+                                                   { "By tag", Matrix::PageByTag } }));
   form->addRow("Page variable", editors.variableChooser(p->pageVar(), false, true));
 
   // A page value typed as a number is a number; anything else is a text value.
@@ -216,14 +216,14 @@ std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& 
                    editors.edit([&] { p->variablesInLabel()->setValue(chosen); }, [] {});
                  }));
   const auto tagsToShow = p->tagsToShow()->value();
-  form->addRow(
-    "Tags to show",
-    editors.checkList(
-      project.tags(),
-      [tagsToShow](const std::string& tag)
-      { return std::find(tagsToShow.begin(), tagsToShow.end(), tag) != tagsToShow.end(); },
-      [&editors, p](const std::vector<std::string>& checked)
-      { editors.edit([&] { p->tagsToShow()->setValue(checked); }, [] {}); }));
+  form->addRow("Tags to show",
+               editors.checkList(
+                 project.tags(),
+                 [tagsToShow](const std::string& tag) {
+                   return std::find(tagsToShow.begin(), tagsToShow.end(), tag) != tagsToShow.end();
+                 },
+                 [&editors, p](const std::vector<std::string>& checked)
+                 { editors.edit([&] { p->tagsToShow()->setValue(checked); }, [] {}); }));
 
   auto* zoom = new QSlider(Qt::Horizontal);
   zoom->setRange(0, 100);
@@ -234,13 +234,12 @@ std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& 
   };
   showZoom();
   editors.follow(*p->zoom(), showZoom);
-  QObject::connect(zoom,
-                   &QSlider::valueChanged,
-                   [&editors, p, showZoom](int value)
-                   {
-                     editors.edit([&] { p->zoom()->setValue(static_cast<unsigned long long>(value)); },
-                                  showZoom);
-                   });
+  QObject::connect(
+    zoom,
+    &QSlider::valueChanged,
+    [&editors, p, showZoom](int value) {
+      editors.edit([&] { p->zoom()->setValue(static_cast<unsigned long long>(value)); }, showZoom);
+    });
   form->addRow("Zoom", zoom);
   return { { title(), box } };
 }

@@ -29,8 +29,8 @@
 #include "serialize/Serializer.h"
 #include "signals/SignalConnectionCollection.h"
 
-#include <QFormLayout>
 #include <QDomElement>
+#include <QFormLayout>
 #include <QPointer>
 #include <QTimer>
 #include <QVTKOpenGLNativeWidget.h>
@@ -43,16 +43,16 @@
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkIdList.h>
 #include <vtkIdTypeArray.h>
-#include <vtkPen.h>
-#include <vtkScalarBarActor.h>
-#include <vtkScalarBarRepresentation.h>
-#include <vtkTextProperty.h>
 #include <vtkLookupTable.h>
+#include <vtkPen.h>
 #include <vtkPlotPoints.h>
 #include <vtkRenderWindowInteractor.h>
 #include <vtkRenderer.h>
+#include <vtkScalarBarActor.h>
+#include <vtkScalarBarRepresentation.h>
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
+#include <vtkTextProperty.h>
 
 #include <array>
 #include <cmath>
@@ -155,7 +155,8 @@ private:
 class LegendPlacementSerializer : public Serializer
 {
 public:
-  LegendPlacementSerializer(std::function<bool(double*)> get, std::function<void(const double*)> set)
+  LegendPlacementSerializer(std::function<bool(double*)> get,
+                            std::function<void(const double*)> set)
     : Serializer("ColorLegendPlacement")
     , get(std::move(get))
     , set(std::move(set))
@@ -173,7 +174,8 @@ private:
     }
     const char* names[] = { "x", "y", "width", "height" };
     for (int i = 0; i < 4; ++i)
-      element.setAttribute(names[i], QString::fromStdString(numberText(placement[i]).toStdString()));
+      element.setAttribute(names[i],
+                           QString::fromStdString(numberText(placement[i]).toStdString()));
   }
 
   void deserializeSelf(QDomElement& element) const override
@@ -283,7 +285,8 @@ struct ScatterPlotView::Impl
     vtkTable* table = points->GetInput();
     const vtkIdType rows = table ? table->GetNumberOfRows() : 0;
     const short mode = pointsMode->value();
-    points->SetDrawDensity(mode == DensityPoints || (mode == AutomaticPoints && rows > densityAbove));
+    points->SetDrawDensity(mode == DensityPoints ||
+                           (mode == AutomaticPoints && rows > densityAbove));
   }
 
   // Copies the selected rows into the plots drawn on top; costs the selection, not the study.
@@ -328,8 +331,8 @@ struct ScatterPlotView::Impl
       return;
     const bool legendShown = legend && legend->show()->value();
     const float margin = legendShown && !legendPlacedByUser ? legendMargin : 0.0f;
-    const vtkRectf area(0, 0, std::max(1.0f, static_cast<float>(size[0]) - margin),
-                        static_cast<float>(size[1]));
+    const vtkRectf area(
+      0, 0, std::max(1.0f, static_cast<float>(size[0]) - margin), static_cast<float>(size[1]));
     if (chart->GetSize() != area)
       chart->SetSize(area);
     auto* representation =
@@ -356,7 +359,8 @@ struct ScatterPlotView::Impl
       return;
     legendPlacedByUser = true;
     std::copy(representation->GetPosition(), representation->GetPosition() + 2, legendPlacement);
-    std::copy(representation->GetPosition2(), representation->GetPosition2() + 2, legendPlacement + 2);
+    std::copy(
+      representation->GetPosition2(), representation->GetPosition2() + 2, legendPlacement + 2);
     render();
   }
 
@@ -446,7 +450,8 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
     "Points",
     boost::make_shared<plexa::Property<short>>(
       AutomaticPoints,
-      boost::make_shared<Bounded>(AutomaticPoints, Bounded::Inclusive, DensityPoints, Bounded::Inclusive)));
+      boost::make_shared<Bounded>(
+        AutomaticPoints, Bounded::Inclusive, DensityPoints, Bounded::Inclusive)));
 
   d->visible = boost::make_shared<plexa::Property<bool>>(true);
   d->legendWidget = vtkSmartPointer<NiceLabelsColorBarWidget>::New();
@@ -665,11 +670,12 @@ std::vector<SettingsSection> ScatterPlotView::settingsSections(PropertyEditors& 
   form->addRow("X", editors.variableChooser(d->x, true, false));
   form->addRow("Y", editors.variableChooser(d->y, true, false));
   form->addRow("Colour", editors.variableChooser(d->color, true, true));
-  form->addRow("Points",
-               editors.enumChooser<short>(d->pointsMode,
-                                          { { "Automatic (density above 100,000)", AutomaticPoints },
-                                            { "Markers", MarkerPoints },
-                                            { "Density", DensityPoints } }));
+  form->addRow(
+    "Points",
+    editors.enumChooser<short>(d->pointsMode,
+                               { { "Automatic (density above 100,000)", AutomaticPoints },
+                                 { "Markers", MarkerPoints },
+                                 { "Density", DensityPoints } }));
   form->addRow(editors.axisEditor("X axis", *d->xAxis));
   form->addRow(editors.axisEditor("Y axis", *d->yAxis));
   return { { title(), chart }, { "Colour legend", editors.colorLegendEditor(*d->legend) } };

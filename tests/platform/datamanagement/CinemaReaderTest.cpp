@@ -1,5 +1,5 @@
-#include "datamanagement/AuxFile.h"
 #include "datamanagement/CinemaReader.h"
+#include "datamanagement/AuxFile.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/Record.h"
 #include "datamanagement/StudyFormatError.h"
@@ -65,9 +65,9 @@ TEST(CinemaReader, AnIdColumnGivesTheCaseIdsOnlyWhenItsValuesAreUniqueIntegers)
     std::size_t variables;
   } cases[] = {
     { "x,RUN\n1,7\n2,3\n", { 7, 3 }, 1 },
-    { "simuID,x\n5,1\n5,2\n", { 1, 2 }, 2 },  // repeated: a variable
-    { "id,x\n-1,1\n2,2\n", { 1, 2 }, 2 },     // negative
-    { "x,FILE\n", {}, 1 },                    // a header only
+    { "simuID,x\n5,1\n5,2\n", { 1, 2 }, 2 }, // repeated: a variable
+    { "id,x\n-1,1\n2,2\n", { 1, 2 }, 2 },    // negative
+    { "x,FILE\n", {}, 1 },                   // a header only
   };
   for (const auto& c : cases)
   {
@@ -90,7 +90,8 @@ TEST(CinemaReader, PathsOutsideTheFolderAreRefusedWithTheirRowUnlessRebased)
     const char* path;
     const char* message;
   } refused[] = {
-    { "file://cluster/scratch/a.png", "data.csv:3:3: row 2: path \"file://cluster/scratch/a.png\" is outside" },
+    { "file://cluster/scratch/a.png",
+      "data.csv:3:3: row 2: path \"file://cluster/scratch/a.png\" is outside" },
     { "/scratch/a.png", "row 2: path \"/scratch/a.png\" is outside the database folder" },
     { "../a.png", "row 2: path \"../a.png\" leads out of the database folder" },
     { "images/../../a.png", "leads out of the database folder" },
