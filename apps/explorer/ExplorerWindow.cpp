@@ -35,6 +35,7 @@
 #include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTabWidget>
 #include <QTextStream>
 #include <QThread>
 #include <QTimer>
@@ -242,6 +243,8 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   while (d->splitter->count() > 0)
     delete d->splitter->widget(0);
   auto* side = new QSplitter(Qt::Vertical);
+  QTabWidget* tabs = nullptr;
+  int tabsStretch = 0;
   QList<int> mainSizes;
   QList<int> sideSizes;
   for (const ViewKind& kind : viewKinds())
@@ -253,12 +256,25 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
       d->splitter->addWidget(widget);
       mainSizes.append(kind.stretch);
     }
-    else
+    else if (kind.area == ViewArea::Side)
     {
       side->addWidget(widget);
       sideSizes.append(kind.stretch);
     }
+    else
+    {
+      if (!tabs)
+      {
+        tabs = new QTabWidget();
+        tabs->setObjectName("viewTabs");
+        side->addWidget(tabs);
+      }
+      tabs->addTab(widget, d->views.back()->title());
+      tabsStretch = std::max(tabsStretch, kind.stretch);
+    }
   }
+  if (tabs)
+    sideSizes.append(tabsStretch);
   d->splitter->addWidget(side);
   // Sizes in proportion to the kinds' stretches: the main area takes about half the width.
   const auto scaled = [](QList<int> stretches, int total)

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QImage>
 #include <QPixmap>
+#include <QTabWidget>
 #include <QThread>
 
 #include <vector>
@@ -64,7 +65,19 @@ bool writeScreenshots(ExplorerWindow& window,
     return false;
   for (ExplorerView* view : window.views())
   {
-    if (!save(view->widget()->grab(), QString::fromStdString(view->shortName()) + ".png"))
+    // A view on a tab that is not shown is brought forward first, so that it is laid out.
+    QWidget* widget = view->widget();
+    for (QWidget* parent = widget->parentWidget(); parent; parent = parent->parentWidget())
+    {
+      if (auto* tabs = qobject_cast<QTabWidget*>(parent))
+      {
+        tabs->setCurrentWidget(widget);
+        settle();
+        view->refresh();
+        break;
+      }
+    }
+    if (!save(widget->grab(), QString::fromStdString(view->shortName()) + ".png"))
       return false;
   }
   for (const auto& [name, fullPrecision] :

@@ -3,6 +3,7 @@
 #include "views/CasesTableView.h"
 #include "views/ImageMatrixView.h"
 #include "views/ScatterPlotView.h"
+#include "views/SelectedCasesView.h"
 
 #include <boost/make_shared.hpp>
 
@@ -29,6 +30,7 @@ const std::vector<ViewKind>& viewKinds()
     kind<ScatterPlotView>(ViewArea::Main, 1),
     kind<CasesTableView>(ViewArea::Side, 2),
     kind<ImageMatrixView>(ViewArea::Side, 5),
+    kind<SelectedCasesView>(ViewArea::Tabs, 3),
   };
   return kinds;
 }

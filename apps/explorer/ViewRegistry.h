@@ -8,12 +8,13 @@
 namespace explorer
 {
 
-/// Where the window puts a view: the main area (left, the larger share) or the side column,
-/// where views are stacked top to bottom in registry order.
+/// Where the window puts a view: the main area (left, the larger share), the side column, where
+/// views are stacked top to bottom in registry order, or the tabs below the side column.
 enum class ViewArea
 {
   Main,
-  Side
+  Side,
+  Tabs
 };
 
 /// A kind of view the explorer can show: how to make one, and where it goes.

@@ -1,0 +1,362 @@
+#include "views/SelectedCasesView.h"
+
+#include "PropertyEditors.h"
+#include "analyzer_common/SelectionModelInterface.h"
+#include "analyzer_common/VariantDisplayText.h"
+#include "datamanagement/Project.h"
+#include "datamanagement/Record.h"
+#include "export/FullPrecisionCSVExporter.h"
+#include "properties/BoundedValueValidator.h"
+#include "properties/Property.h"
+#include "properties/UndoablePropertyProxy.h"
+#include "serialization/GenericSerializer.h"
+#include "serialize/Serializer.h"
+#include "signals/SignalConnectionCollection.h"
+
+#include <QAbstractTableModel>
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+#include <QTableView>
+#include <QVBoxLayout>
+#include <boost/make_shared.hpp>
+#include <vtkDoubleArray.h>
+#include <vtkStringArray.h>
+#include <vtkTable.h>
+#include <vtkUnsignedLongLongArray.h>
+
+#include <cmath>
+
+namespace explorer
+{
+
+namespace
+{
+
+// The selected records, one row each: the case id, then every variable. Sorting reads the
+// numbers as numbers (Qt::UserRole), NaN last.
+class SelectedCasesModel : public QAbstractTableModel
+{
+public:
+  explicit SelectedCasesModel(std::shared_ptr<const Project> project)
+    : project(std::move(project))
+    , variables(this->project->variables())
+  {
+  }
+
+  void show(const std::set<unsigned long long>& selected)
+  {
+    beginResetModel();
+    records.clear();
+    for (unsigned long long id : selected)
+    {
+      const Record record = project->record(id).lock();
+      if (!record.isNull())
+        records.push_back(record);
+    }
+    endResetModel();
+  }
+
+  int rowCount(const QModelIndex& parent = QModelIndex()) const override
+  {
+    return parent.isValid() ? 0 : static_cast<int>(records.size());
+  }
+  int columnCount(const QModelIndex& parent = QModelIndex()) const override
+  {
+    return parent.isValid() ? 0 : static_cast<int>(variables.size()) + 1;
+  }
+
+  Variant value(int row, int column) const
+  {
+    const Record& record = records[static_cast<std::size_t>(row)];
+    if (column == 0)
+      return Variant(record.caseId());
+    return record.data(variables[static_cast<std::size_t>(column - 1)]);
+  }
+
+  QVariant data(const QModelIndex& index, int role) const override
+  {
+    if (!index.isValid())
+      return {};
+    const Variant v = value(index.row(), index.column());
+    switch (role)
+    {
+      case Qt::DisplayRole:
+        return v.isNumber() && std::isnan(v.toDouble()) ? QString()
+                                                        : QString::fromStdString(variantDisplayText(v));
+      case Qt::UserRole:
+        if (v.isNumber())
+          return std::isnan(v.toDouble()) ? QVariant(std::numeric_limits<double>::infinity())
+                                          : QVariant(v.toDouble());
+        return QString::fromStdString(v.toString());
+      case Qt::TextAlignmentRole:
+        return v.isString() ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
+                            : QVariant(Qt::AlignRight | Qt::AlignVCenter);
+      default:
+        return {};
+    }
+  }
+
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override
+  {
+    if (role != Qt::DisplayRole || orientation != Qt::Horizontal)
+      return QAbstractTableModel::headerData(section, orientation, role);
+    if (section == 0)
+      return QString("case_id");
+    return QString::fromStdString(variables[static_cast<std::size_t>(section - 1)].lock().name());
+  }
+
+  const std::vector<WeakPtr<Variable>>& columns() const { return variables; }
+  unsigned long long caseId(int row) const { return records[static_cast<std::size_t>(row)].caseId(); }
+
+private:
+  std::shared_ptr<const Project> project;
+  std::vector<WeakPtr<Variable>> variables;
+  std::vector<Record> records;
+};
+
+} // namespace
+
+struct SelectedCasesView::Impl
+{
+  std::shared_ptr<const Project> project;
+  boost::shared_ptr<SelectionModelInterface> selection;
+  QPointer<QWidget> container;
+  QTableView* table = nullptr;
+  QLabel* count = nullptr;
+  std::unique_ptr<SelectedCasesModel> model;
+  std::unique_ptr<QSortFilterProxyModel> sorted;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<short>> sortColumn;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
+  SignalConnectionCollection connections;
+
+  void showSelection()
+  {
+    const auto ids = selection->getSelections();
+    model->show(ids);
+    count->setText(QString("%1 cases").arg(model->rowCount()));
+  }
+
+  void applySort()
+  {
+    const int column = sortColumn->value();
+    const Qt::SortOrder order = sortDescending->value() ? Qt::DescendingOrder : Qt::AscendingOrder;
+    const QSignalBlocker blocker(table->horizontalHeader());
+    table->horizontalHeader()->setSortIndicator(column, order);
+    sorted->sort(column, order);
+  }
+};
+
+SelectedCasesView::SelectedCasesView(const ViewContext& context)
+  : ExplorerView(std::make_unique<Serializer>("SelectedCases"), context.selection)
+  , d(std::make_unique<Impl>())
+{
+  d->project = context.project;
+  d->selection = context.selection;
+  d->container = new QWidget();
+  d->container->setObjectName("selectedCases");
+  auto* layout = new QVBoxLayout(d->container);
+  layout->setContentsMargins(2, 2, 2, 2);
+  auto* bar = new QHBoxLayout();
+  d->count = new QLabel();
+  auto* copy = new QPushButton("Copy");
+  auto* exportButton = new QPushButton("Export selection as CSV...");
+  bar->addWidget(d->count);
+  bar->addStretch();
+  bar->addWidget(copy);
+  bar->addWidget(exportButton);
+  layout->addLayout(bar);
+
+  d->table = new QTableView();
+  d->model = std::make_unique<SelectedCasesModel>(d->project);
+  d->sorted = std::make_unique<QSortFilterProxyModel>();
+  d->sorted->setSourceModel(d->model.get());
+  d->sorted->setSortRole(Qt::UserRole);
+  d->table->setModel(d->sorted.get());
+  d->table->setSortingEnabled(false);
+  d->table->horizontalHeader()->setSectionsClickable(true);
+  d->table->horizontalHeader()->setSortIndicatorShown(true);
+  d->table->verticalHeader()->setDefaultSectionSize(22);
+  layout->addWidget(d->table);
+
+  using Bounded = plexa::BoundedValueValidator<short>;
+  d->sortColumn = boost::make_shared<plexa::UndoablePropertyProxy<short>>(
+    "Sort Column",
+    boost::make_shared<plexa::Property<short>>(
+      0,
+      boost::make_shared<Bounded>(-1,
+                                  Bounded::Inclusive,
+                                  static_cast<short>(d->model->columnCount() - 1),
+                                  Bounded::Inclusive)));
+  d->sortDescending = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
+    "Sort Descending", boost::make_shared<plexa::Property<bool>>(false));
+  Impl* impl = d.get();
+  // A click on a header sorts by that column, the second click the other way round; both are
+  // settings, so they are undone and saved like any other.
+  QObject::connect(d->table->horizontalHeader(),
+                   &QHeaderView::sectionClicked,
+                   d->container,
+                   [impl](int column)
+                   {
+                     if (impl->sortColumn->value() == column)
+                       impl->sortDescending->setValue(!impl->sortDescending->value());
+                     else
+                       impl->sortColumn->setValue(static_cast<short>(column));
+                   });
+  d->connections.add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  d->connections.add(
+    d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  d->connections.add(context.selection->connectSignalSelectionChanged(
+    [impl](const std::set<unsigned long long>&) { impl->showSelection(); }));
+
+  QObject::connect(copy,
+                   &QPushButton::clicked,
+                   d->container,
+                   [this] { QApplication::clipboard()->setText(shownText()); });
+  QObject::connect(exportButton,
+                   &QPushButton::clicked,
+                   d->container,
+                   [this]
+                   {
+                     const QString path = QFileDialog::getSaveFileName(
+                       d->container, "Export Selection", "selection.csv", "CSV (*.csv)");
+                     if (path.isEmpty())
+                       return;
+                     try
+                     {
+                       exportSelection(path.toStdString());
+                     }
+                     catch (const std::exception& e)
+                     {
+                       QMessageBox::critical(
+                         d->container, "Cannot export the selection", QString::fromStdString(e.what()));
+                     }
+                   });
+
+  saveSetting(boost::make_shared<GenericSerializer<short>>("SortColumn", d->sortColumn), "a column");
+  saveSetting(boost::make_shared<GenericSerializer<bool>>("SortDescending", d->sortDescending),
+              "0 or 1");
+  d->showSelection();
+  d->applySort();
+}
+
+SelectedCasesView::~SelectedCasesView()
+{
+  d->connections.clear();
+  if (d->container)
+  {
+    d->table->setModel(nullptr);
+    delete d->container;
+  }
+}
+
+QWidget* SelectedCasesView::widget() const
+{
+  return d->container;
+}
+
+void SelectedCasesView::accept(DataViewVisitorInterface& visitor)
+{
+  visitor.visit(boost::dynamic_pointer_cast<SelectedCasesViewInterface>(shared_from_this()));
+}
+
+std::vector<SettingsSection> SelectedCasesView::settingsSections(PropertyEditors&)
+{
+  return {};
+}
+
+std::string SelectedCasesView::selectionSummary() const
+{
+  return std::to_string(d->model->rowCount()) + " rows";
+}
+
+void SelectedCasesView::suspend()
+{
+  d->connections.block();
+}
+
+void SelectedCasesView::resume()
+{
+  d->connections.unblock();
+  d->showSelection();
+}
+
+void SelectedCasesView::refresh()
+{
+  d->table->viewport()->update();
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<short>> SelectedCasesView::sortColumn() const
+{
+  return d->sortColumn;
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<bool>> SelectedCasesView::sortDescending() const
+{
+  return d->sortDescending;
+}
+
+QTableView& SelectedCasesView::table() const
+{
+  return *d->table;
+}
+
+QString SelectedCasesView::shownText() const
+{
+  QStringList lines;
+  QStringList header;
+  for (int c = 0; c < d->sorted->columnCount(); ++c)
+    header << d->sorted->headerData(c, Qt::Horizontal).toString();
+  lines << header.join('\t');
+  for (int r = 0; r < d->sorted->rowCount(); ++r)
+  {
+    QStringList cells;
+    for (int c = 0; c < d->sorted->columnCount(); ++c)
+      cells << d->sorted->index(r, c).data().toString();
+    lines << cells.join('\t');
+  }
+  return lines.join('\n') + '\n';
+}
+
+void SelectedCasesView::exportSelection(const std::string& path) const
+{
+  auto table = vtkSmartPointer<vtkTable>::New();
+  auto ids = vtkSmartPointer<vtkUnsignedLongLongArray>::New();
+  ids->SetName("case_id");
+  table->AddColumn(ids);
+  for (const auto& variable : d->model->columns())
+  {
+    vtkSmartPointer<vtkAbstractArray> column;
+    if (variable.lock().nature() == Variable::Text)
+      column = vtkSmartPointer<vtkStringArray>::New();
+    else
+      column = vtkSmartPointer<vtkDoubleArray>::New();
+    column->SetName(variable.lock().name().c_str());
+    table->AddColumn(column);
+  }
+  // In the order shown, so that the file matches the table.
+  for (int r = 0; r < d->sorted->rowCount(); ++r)
+  {
+    const int row = d->sorted->mapToSource(d->sorted->index(r, 0)).row();
+    ids->InsertNextValue(d->model->caseId(row));
+    for (int c = 1; c < d->model->columnCount(); ++c)
+    {
+      const Variant v = d->model->value(row, c);
+      vtkAbstractArray* column = table->GetColumn(c);
+      if (auto* numbers = vtkDoubleArray::SafeDownCast(column))
+        numbers->InsertNextValue(v.toDouble());
+      else
+        vtkStringArray::SafeDownCast(column)->InsertNextValue(v.toString());
+    }
+  }
+  FullPrecisionCSVExporter().writeCSVFile(*table, path);
+}
+
+} // namespace explorer
