@@ -1,9 +1,11 @@
 #include "ViewRegistry.h"
 
 #include "views/CasesTableView.h"
+#include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/ScatterPlotView.h"
 #include "views/SelectedCasesView.h"
+#include "views/SelectedImageView.h"
 
 #include <boost/make_shared.hpp>
 
@@ -27,10 +29,9 @@ const std::vector<ViewKind>& viewKinds()
 {
   // A new kind of view is a file pair in views/ and one line here.
   static const std::vector<ViewKind> kinds = {
-    kind<ScatterPlotView>(ViewArea::Main, 1),
-    kind<CasesTableView>(ViewArea::Side, 2),
-    kind<ImageMatrixView>(ViewArea::Side, 5),
-    kind<SelectedCasesView>(ViewArea::Tabs, 3),
+    kind<ScatterPlotView>(ViewArea::Main, 1),   kind<CasesTableView>(ViewArea::Side, 2),
+    kind<ImageMatrixView>(ViewArea::Side, 5),   kind<SelectedCasesView>(ViewArea::Tabs, 3),
+    kind<SelectedImageView>(ViewArea::Tabs, 3), kind<ImageDiffView>(ViewArea::Tabs, 3),
   };
   return kinds;
 }

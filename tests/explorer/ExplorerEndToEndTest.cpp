@@ -111,7 +111,13 @@ TEST_F(Explorer, RendersEveryViewWithTheSelectionShownEverywhere)
   EXPECT_EQ(line(run.out, "table"), "2 selected rows");
   const std::string cells = line(run.out, "images");
   EXPECT_TRUE(cells == "2 selected cells" || cells == "1 selected cells") << cells;
-  for (const char* name : { "window.png", "scatter.png", "table.png", "images.png" })
+  for (const char* name : { "window.png",
+                            "scatter.png",
+                            "table.png",
+                            "images.png",
+                            "selected-cases.png",
+                            "selected-image.png",
+                            "image-difference.png" })
   {
     EXPECT_GT(greyDeviation(shots + "/" + name), 5.0) << name << " looks blank";
   }

@@ -6,8 +6,11 @@
 #include "SampleStudy.h"
 #include "ViewRegistry.h"
 #include "views/CasesTableView.h"
+#include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/ScatterPlotView.h"
+#include "views/SelectedCasesView.h"
+#include "views/SelectedImageView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
@@ -532,4 +535,91 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
     for (int x = 0; x < qRound(chart.GetAxis(vtkAxis::BOTTOM)->GetPoint2()[0]); ++x)
       coloured += shown.pixelColor(x, y).saturation() > 150 ? 1 : 0;
   EXPECT_GT(coloured, 50);
+}
+
+TEST_F(ExplorerWindowTest, SelectedCasesImagesAndDifferencesFollowTheSelection)
+{
+  const testsupport::SmallStudy small;
+  window->showStudy(small.project);
+  window->selection().setSelection({ 3, 1, 2 });
+
+  // The selected cases, sorted by a column: an undoable setting.
+  auto* cases = window->view<explorer::SelectedCasesView>();
+  EXPECT_TRUE(cases->shownText().startsWith("case_id\tangle\tspeed\tmaterial\n1\t30\t10\tsteel\n"));
+  cases->sortColumn()->setValue(3);
+  cases->sortDescending()->setValue(true);
+  EXPECT_TRUE(cases->shownText().contains("material\n2\t30\t20\twood\n")) << "wood first";
+  UndoStack().undo(); // ascending again, still by material: ties keep the case order
+  EXPECT_TRUE(
+    cases->shownText().contains("\n1\t30\t10\tsteel\n3\t45\t10\tsteel\n2\t30\t20\twood\n"));
+  const std::string exported = output.filePath("selection.csv");
+  cases->exportSelection(exported);
+  EXPECT_EQ(testsupport::readFile(exported),
+            "case_id,angle,speed,material\n1,30,10,steel\n3,45,10,steel\n2,30,20,wood\n");
+
+  // Stepping through the cases (wrapping) and their images, by call and by key.
+  auto* images = window->view<explorer::SelectedImageView>();
+  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1 }));
+  images->stepCases(-1);
+  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 3 }));
+  QTest::keyClick(images->widget(), Qt::Key_Right);
+  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1 }));
+  images->sideBySide()->setValue(2);
+  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1, 2 }));
+  EXPECT_TRUE(images->captions()[1].startsWith("case 2, angle 30, speed 20, material wood"));
+  const auto pixmapColour = [&](int pane)
+  {
+    const auto labels = images->widget()->findChildren<QLabel*>();
+    std::vector<QColor> colours;
+    for (QLabel* label : labels)
+      if (!label->pixmap(Qt::ReturnByValue).isNull())
+        colours.push_back(label->pixmap(Qt::ReturnByValue).toImage().pixelColor(5, 5));
+    return pane < static_cast<int>(colours.size()) ? colours[static_cast<std::size_t>(pane)]
+                                                   : QColor();
+  };
+  EXPECT_EQ(pixmapColour(0), QColor(Qt::red)) << "case 1's first image";
+  QTest::keyClick(images->widget(), Qt::Key_Down);
+  EXPECT_EQ(pixmapColour(0), QColor(Qt::green)) << "case 1's second image";
+  EXPECT_EQ(pixmapColour(1), QColor(Qt::cyan)) << "case 2's second image";
+
+  // Differences: the first two selected, or a pinned reference and another; reasons when an
+  // image is missing.
+  auto* difference = window->view<explorer::ImageDiffView>();
+  EXPECT_EQ(difference->comparedCases(), (std::vector<unsigned long long>{ 1, 2 }));
+  EXPECT_EQ(difference->largestDifference(), 255) << "red against blue";
+  difference->pinReference(true);
+  window->selection().setSelection({ 5 });
+  EXPECT_EQ(difference->comparedCases(), (std::vector<unsigned long long>{ 1, 5 }));
+  EXPECT_EQ(difference->message(), "case 5 has no images");
+  window->selection().setSelection({ 4 });
+  EXPECT_TRUE(difference->message().contains("largest difference 164"))
+    << "red against grey (160, 160, 164): " << difference->message().toStdString();
+}
+
+TEST(ImageDifference, IsTheLargestChannelDifferenceWhateverTheFormatsAndSizes)
+{
+  QImage red(4, 2, QImage::Format_RGB32);
+  red.fill(QColor(255, 0, 0));
+  QImage small(2, 1, QImage::Format_ARGB32);
+  small.fill(QColor(200, 10, 0));
+  int largest = -1;
+  const QImage difference = explorer::ImageDiffView::absoluteDifference(red, small, largest);
+  ASSERT_EQ(difference.size(), QSize(4, 2)) << "the second image is scaled to the first's size";
+  EXPECT_EQ(largest, 55);
+  EXPECT_EQ(qGray(difference.pixel(3, 1)), 55);
+
+  QImage deep(3, 3, QImage::Format_Grayscale16);
+  deep.fill(QColor(255, 255, 255));
+  QImage white(3, 3, QImage::Format_Indexed8);
+  white.setColorTable({ qRgb(255, 255, 255) });
+  white.fill(0);
+  EXPECT_EQ(explorer::ImageDiffView::absoluteDifference(deep, white, largest).size(), QSize(3, 3));
+  EXPECT_EQ(largest, 0) << "16-bit grey against indexed white";
+  EXPECT_TRUE(explorer::ImageDiffView::absoluteDifference(QImage(), white, largest).isNull());
+
+  const QImage heat = explorer::ImageDiffView::heatMap(difference, 55);
+  EXPECT_EQ(heat.pixelColor(0, 0), QColor(255, 255, 255)) << "the largest difference is white";
+  QImage none(1, 1, QImage::Format_Grayscale8);
+  none.fill(0);
+  EXPECT_EQ(explorer::ImageDiffView::heatMap(none, 55).pixelColor(0, 0), QColor(0, 0, 0));
 }

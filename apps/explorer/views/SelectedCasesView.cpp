@@ -89,8 +89,9 @@ public:
     switch (role)
     {
       case Qt::DisplayRole:
-        return v.isNumber() && std::isnan(v.toDouble()) ? QString()
-                                                        : QString::fromStdString(variantDisplayText(v));
+        return v.isNumber() && std::isnan(v.toDouble())
+                 ? QString()
+                 : QString::fromStdString(variantDisplayText(v));
       case Qt::UserRole:
         if (v.isNumber())
           return std::isnan(v.toDouble()) ? QVariant(std::numeric_limits<double>::infinity())
@@ -114,7 +115,10 @@ public:
   }
 
   const std::vector<WeakPtr<Variable>>& columns() const { return variables; }
-  unsigned long long caseId(int row) const { return records[static_cast<std::size_t>(row)].caseId(); }
+  unsigned long long caseId(int row) const
+  {
+    return records[static_cast<std::size_t>(row)].caseId();
+  }
 
 private:
   std::shared_ptr<const Project> project;
@@ -235,12 +239,14 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
                      }
                      catch (const std::exception& e)
                      {
-                       QMessageBox::critical(
-                         d->container, "Cannot export the selection", QString::fromStdString(e.what()));
+                       QMessageBox::critical(d->container,
+                                             "Cannot export the selection",
+                                             QString::fromStdString(e.what()));
                      }
                    });
 
-  saveSetting(boost::make_shared<GenericSerializer<short>>("SortColumn", d->sortColumn), "a column");
+  saveSetting(boost::make_shared<GenericSerializer<short>>("SortColumn", d->sortColumn),
+              "a column");
   saveSetting(boost::make_shared<GenericSerializer<bool>>("SortDescending", d->sortDescending),
               "0 or 1");
   d->showSelection();

@@ -1,0 +1,312 @@
+#include "views/ImageDiffView.h"
+
+#include "PropertyEditors.h"
+#include "analyzer_common/SelectionModelInterface.h"
+#include "datamanagement/AuxFile.h"
+#include "datamanagement/Project.h"
+#include "datamanagement/Record.h"
+#include "images/ImageCache.h"
+#include "images/ImageFileLoaderInterface.h"
+#include "properties/Property.h"
+#include "properties/UndoablePropertyProxy.h"
+#include "serialization/GenericSerializer.h"
+#include "serialize/Serializer.h"
+#include "signals/SignalConnectionCollection.h"
+
+#include <QCheckBox>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPointer>
+#include <QVBoxLayout>
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace explorer
+{
+
+namespace
+{
+
+QRgb heat(int value, int largest)
+{
+  const double t = largest > 0 ? static_cast<double>(value) / largest : 0.0;
+  const auto channel = [t](double start)
+  { return static_cast<int>(255 * std::clamp(3 * t - start, 0.0, 1.0) + 0.5); };
+  return qRgb(channel(0), channel(1), channel(2));
+}
+
+} // namespace
+
+QImage ImageDiffView::absoluteDifference(const QImage& first, const QImage& second, int& largest)
+{
+  largest = 0;
+  if (first.isNull() || second.isNull())
+    return {};
+  const QImage a = first.convertToFormat(QImage::Format_RGB32);
+  QImage b = second.convertToFormat(QImage::Format_RGB32);
+  if (b.size() != a.size())
+    b = b.scaled(a.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  QImage difference(a.size(), QImage::Format_Grayscale8);
+  for (int y = 0; y < a.height(); ++y)
+  {
+    const auto* rowA = reinterpret_cast<const QRgb*>(a.constScanLine(y));
+    const auto* rowB = reinterpret_cast<const QRgb*>(b.constScanLine(y));
+    uchar* out = difference.scanLine(y);
+    for (int x = 0; x < a.width(); ++x)
+    {
+      const int d = std::max({ std::abs(qRed(rowA[x]) - qRed(rowB[x])),
+                               std::abs(qGreen(rowA[x]) - qGreen(rowB[x])),
+                               std::abs(qBlue(rowA[x]) - qBlue(rowB[x])) });
+      out[x] = static_cast<uchar>(d);
+      largest = std::max(largest, d);
+    }
+  }
+  return difference;
+}
+
+QImage ImageDiffView::heatMap(const QImage& difference, int largest)
+{
+  QImage colored(difference.size(), QImage::Format_RGB32);
+  for (int y = 0; y < difference.height(); ++y)
+  {
+    const uchar* in = difference.constScanLine(y);
+    auto* out = reinterpret_cast<QRgb*>(colored.scanLine(y));
+    for (int x = 0; x < difference.width(); ++x)
+      out[x] = heat(in[x], largest);
+  }
+  return colored;
+}
+
+struct ImageDiffView::Impl
+{
+  std::shared_ptr<const Project> project;
+  boost::shared_ptr<SelectionModelInterface> selection;
+  std::shared_ptr<ImageFileLoaderInterface> loader;
+  QPointer<QWidget> container;
+  QLabel* panes[3] = { nullptr, nullptr, nullptr };
+  QLabel* titles[3] = { nullptr, nullptr, nullptr };
+  QLabel* scale = nullptr;
+  QLabel* text = nullptr;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> pinned;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<unsigned long long>> reference;
+  std::vector<unsigned long long> compared;
+  int largest = 0;
+  SignalConnectionCollection connections;
+
+  // The image of a case with the tag, or its first one; empty with the reason when there is none.
+  std::shared_ptr<QImage> imageOf(unsigned long long id, std::string& tag, QString& problem) const
+  {
+    const auto files = project->record(id).lock().auxFiles();
+    if (files.empty())
+    {
+      problem = QString("case %1 has no images").arg(id);
+      return nullptr;
+    }
+    AuxFile chosen = files.front().lock();
+    for (const auto& handle : files)
+    {
+      const AuxFile file = handle.lock();
+      if (!tag.empty() && !file.tags().empty() && file.tags().front() == tag)
+        chosen = file;
+    }
+    if (tag.empty() && !chosen.tags().empty())
+      tag = chosen.tags().front();
+    if (!QFileInfo::exists(QString::fromStdString(chosen.filePath())))
+    {
+      problem = QString("case %1: %2 is missing")
+                  .arg(id)
+                  .arg(QString::fromStdString(chosen.relativePath()));
+      return nullptr;
+    }
+    auto image = loader->image(chosen.filePath());
+    if (!image || image->isNull())
+    {
+      problem = QString("case %1: %2 cannot be read")
+                  .arg(id)
+                  .arg(QString::fromStdString(chosen.relativePath()));
+      return nullptr;
+    }
+    return image;
+  }
+
+  void show()
+  {
+    const auto ids = selection->getSelections();
+    compared.clear();
+    if (pinned->value() && project->record(reference->value()).lock().isNull() == false)
+      compared.push_back(reference->value());
+    for (unsigned long long id : ids)
+      if (compared.size() < 2 && (compared.empty() || compared.front() != id))
+        compared.push_back(id);
+    largest = 0;
+    for (QLabel* label : panes)
+      label->clear();
+    for (QLabel* label : titles)
+      label->clear();
+    scale->clear();
+    if (compared.size() < 2)
+    {
+      compared.clear();
+      text->setText("Select two cases, or pin a reference case and select another.");
+      return;
+    }
+    std::string tag;
+    QString problem;
+    const auto first = imageOf(compared[0], tag, problem);
+    const auto second = first ? imageOf(compared[1], tag, problem) : nullptr;
+    for (int i = 0; i < 2; ++i)
+      titles[i]->setText(QString("case %1%2")
+                           .arg(compared[static_cast<std::size_t>(i)])
+                           .arg(i == 0 && pinned->value() ? " (reference)" : ""));
+    if (!first || !second)
+    {
+      text->setText(problem);
+      return;
+    }
+    const QImage difference = absoluteDifference(*first, *second, largest);
+    panes[0]->setPixmap(QPixmap::fromImage(*first));
+    panes[1]->setPixmap(QPixmap::fromImage(second->scaled(first->size())));
+    panes[2]->setPixmap(QPixmap::fromImage(heatMap(difference, largest)));
+    titles[2]->setText("difference");
+    QImage bar(256, 12, QImage::Format_RGB32);
+    for (int x = 0; x < bar.width(); ++x)
+      for (int y = 0; y < bar.height(); ++y)
+        bar.setPixel(x, y, heat(x, 255));
+    scale->setPixmap(QPixmap::fromImage(bar));
+    text->setText(
+      QString("%1: largest difference %2 of 255%3")
+        .arg(QString::fromStdString(tag))
+        .arg(largest)
+        .arg(first->size() != second->size() ? " (second image scaled to the first's size)" : ""));
+  }
+};
+
+ImageDiffView::ImageDiffView(const ViewContext& context)
+  : ExplorerView(std::make_unique<Serializer>("ImageDifference"), context.selection)
+  , d(std::make_unique<Impl>())
+{
+  d->project = context.project;
+  d->selection = context.selection;
+  d->loader = context.images->imageLoader();
+  d->container = new QWidget();
+  d->container->setObjectName("imageDifference");
+  auto* layout = new QVBoxLayout(d->container);
+  layout->setContentsMargins(2, 2, 2, 2);
+  auto* pin = new QCheckBox("Keep the first case as the reference");
+  layout->addWidget(pin);
+  auto* grid = new QGridLayout();
+  for (int i = 0; i < 3; ++i)
+  {
+    d->titles[i] = new QLabel();
+    d->panes[i] = new QLabel();
+    d->panes[i]->setAlignment(Qt::AlignCenter);
+    grid->addWidget(d->titles[i], 0, i);
+    grid->addWidget(d->panes[i], 1, i);
+  }
+  layout->addLayout(grid, 1);
+  auto* scaleRow = new QGridLayout();
+  d->scale = new QLabel();
+  scaleRow->addWidget(new QLabel("same"), 0, 0);
+  scaleRow->addWidget(d->scale, 0, 1);
+  scaleRow->addWidget(new QLabel("largest"), 0, 2);
+  layout->addLayout(scaleRow);
+  d->text = new QLabel();
+  d->text->setWordWrap(true);
+  layout->addWidget(d->text);
+
+  d->pinned = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
+    "Pinned Reference", boost::make_shared<plexa::Property<bool>>(false));
+  d->reference = boost::make_shared<plexa::UndoablePropertyProxy<unsigned long long>>(
+    "Reference Case", boost::make_shared<plexa::Property<unsigned long long>>(0));
+  Impl* impl = d.get();
+  QObject::connect(pin, &QCheckBox::toggled, d->container, [this](bool on) { pinReference(on); });
+  d->connections.add(d->pinned->connectSignalPropertyChanged(
+    [impl, pin]
+    {
+      const QSignalBlocker blocker(pin);
+      pin->setChecked(impl->pinned->value());
+      impl->show();
+    }));
+  d->connections.add(d->reference->connectSignalPropertyChanged([impl] { impl->show(); }));
+  d->connections.add(context.selection->connectSignalSelectionChanged(
+    [impl](const std::set<unsigned long long>&) { impl->show(); }));
+  // The case first, then the pin: a pin read back refers to the case read just before.
+  saveSetting(
+    boost::make_shared<GenericSerializer<unsigned long long>>("ReferenceCase", d->reference),
+    "a case id");
+  saveSetting(boost::make_shared<GenericSerializer<bool>>("PinnedReference", d->pinned), "0 or 1");
+  d->show();
+}
+
+ImageDiffView::~ImageDiffView()
+{
+  d->connections.clear();
+  delete d->container;
+}
+
+QWidget* ImageDiffView::widget() const
+{
+  return d->container;
+}
+
+void ImageDiffView::accept(DataViewVisitorInterface& visitor)
+{
+  visitor.visit(boost::dynamic_pointer_cast<ImageDiffViewInterface>(shared_from_this()));
+}
+
+std::vector<SettingsSection> ImageDiffView::settingsSections(PropertyEditors&)
+{
+  return {};
+}
+
+std::string ImageDiffView::selectionSummary() const
+{
+  if (d->compared.size() < 2)
+    return "nothing compared";
+  return "case " + std::to_string(d->compared[0]) + " against " + std::to_string(d->compared[1]) +
+         ", largest difference " + std::to_string(d->largest);
+}
+
+void ImageDiffView::suspend()
+{
+  d->connections.block();
+}
+
+void ImageDiffView::resume()
+{
+  d->connections.unblock();
+  d->show();
+}
+
+void ImageDiffView::refresh()
+{
+  d->container->update();
+}
+
+void ImageDiffView::pinReference(bool pinned)
+{
+  const auto ids = d->selection->getSelections();
+  if (pinned && !ids.empty() && !d->pinned->value())
+    d->reference->setValue(*ids.begin());
+  d->pinned->setValue(pinned && !ids.empty());
+}
+
+std::vector<unsigned long long> ImageDiffView::comparedCases() const
+{
+  return d->compared;
+}
+
+QString ImageDiffView::message() const
+{
+  return d->text->text();
+}
+
+int ImageDiffView::largestDifference() const
+{
+  return d->largest;
+}
+
+} // namespace explorer
