@@ -107,7 +107,8 @@ bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
         continue;
       }
       for (std::size_t c = 0; c < 3; ++c)
-        pixel[c] = colored ? static_cast<unsigned char>(std::lround(sums[bin * 3 + c] / count)) : plain[c];
+        pixel[c] =
+          colored ? static_cast<unsigned char>(std::lround(sums[bin * 3 + c] / count)) : plain[c];
       // A lone point stays visible; the densest bin is opaque.
       const double weight = std::log1p(count) / std::log1p(most);
       pixel[3] = static_cast<unsigned char>(96 + 159 * weight);

@@ -22,6 +22,7 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace explorer
@@ -34,7 +35,7 @@ QRgb heat(int value, int largest)
 {
   const double t = largest > 0 ? static_cast<double>(value) / largest : 0.0;
   const auto channel = [t](double start)
-  { return static_cast<int>(255 * std::clamp(3 * t - start, 0.0, 1.0) + 0.5); };
+  { return static_cast<int>(std::lround(255 * std::clamp(3 * t - start, 0.0, 1.0))); };
   return qRgb(channel(0), channel(1), channel(2));
 }
 
