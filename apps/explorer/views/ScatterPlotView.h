@@ -50,7 +50,7 @@ public:
   /// The points plot and the number of its rows that are selected.
   vtkPlotPoints& points() const;
   /// How the points are drawn: one marker each, or a density image (binned, costing the plot
-  /// area rather than the points), or markers up to 100,000 points and density above.
+  /// area rather than the points), or markers up to 25,000 points and density above.
   enum PointsMode : short
   {
     AutomaticPoints = 0,
