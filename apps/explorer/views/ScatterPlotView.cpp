@@ -328,7 +328,7 @@ struct ScatterPlotView::Impl
       selectedFill->SelectColorArray(colorName);
   }
 
-  static constexpr vtkIdType ringedSelection = 100000;
+  static constexpr vtkIdType ringedSelection = 10000;
   // Markers cost about 40 ms per 10,000 points here (software GL); density costs the plot area.
   static constexpr vtkIdType densityAbove = 25000;
 

@@ -23,7 +23,6 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
-#include <QSortFilterProxyModel>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <boost/make_shared.hpp>
@@ -32,7 +31,9 @@
 #include <vtkTable.h>
 #include <vtkUnsignedLongLongArray.h>
 
+#include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace explorer
 {
@@ -40,8 +41,9 @@ namespace explorer
 namespace
 {
 
-// The selected records, one row each: the case id, then every variable. Sorting reads the
-// numbers as numbers (Qt::UserRole), NaN last.
+// The selected records, one row each: the case id, then every variable, in the order of a
+// column. Sorting works on keys read once per row, not through data(): a selection can be every
+// one of a million cases.
 class SelectedCasesModel : public QAbstractTableModel
 {
 public:
@@ -55,12 +57,24 @@ public:
   {
     beginResetModel();
     records.clear();
+    records.reserve(selected.size());
     for (unsigned long long id : selected)
     {
-      const Record record = project->record(id).lock();
+      Record record = project->record(id).lock();
       if (!record.isNull())
-        records.push_back(record);
+        records.push_back(std::move(record));
     }
+    arrange();
+    endResetModel();
+  }
+
+  // Numbers by value with NaN last, texts as text; ties keep the case id order.
+  void sortBy(int column, bool descending)
+  {
+    sortColumn = column;
+    sortDescending = descending;
+    beginResetModel();
+    arrange();
     endResetModel();
   }
 
@@ -73,12 +87,17 @@ public:
     return parent.isValid() ? 0 : static_cast<int>(variables.size()) + 1;
   }
 
+  // The value shown in a row (in the sorted order) and column.
   Variant value(int row, int column) const
   {
-    const Record& record = records[static_cast<std::size_t>(row)];
+    const Record& record = records[order[static_cast<std::size_t>(row)]];
     if (column == 0)
       return Variant(record.caseId());
     return record.data(variables[static_cast<std::size_t>(column - 1)]);
+  }
+  unsigned long long caseId(int row) const
+  {
+    return records[order[static_cast<std::size_t>(row)]].caseId();
   }
 
   QVariant data(const QModelIndex& index, int role) const override
@@ -86,23 +105,14 @@ public:
     if (!index.isValid())
       return {};
     const Variant v = value(index.row(), index.column());
-    switch (role)
-    {
-      case Qt::DisplayRole:
-        return v.isNumber() && std::isnan(v.toDouble())
-                 ? QString()
-                 : QString::fromStdString(variantDisplayText(v));
-      case Qt::UserRole:
-        if (v.isNumber())
-          return std::isnan(v.toDouble()) ? QVariant(std::numeric_limits<double>::infinity())
-                                          : QVariant(v.toDouble());
-        return QString::fromStdString(v.toString());
-      case Qt::TextAlignmentRole:
-        return v.isString() ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
-                            : QVariant(Qt::AlignRight | Qt::AlignVCenter);
-      default:
-        return {};
-    }
+    if (role == Qt::DisplayRole)
+      return v.isNumber() && std::isnan(v.toDouble())
+               ? QString()
+               : QString::fromStdString(variantDisplayText(v));
+    if (role == Qt::TextAlignmentRole)
+      return v.isString() ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
+                          : QVariant(Qt::AlignRight | Qt::AlignVCenter);
+    return {};
   }
 
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override
@@ -115,15 +125,52 @@ public:
   }
 
   const std::vector<WeakPtr<Variable>>& columns() const { return variables; }
-  unsigned long long caseId(int row) const
-  {
-    return records[static_cast<std::size_t>(row)].caseId();
-  }
 
 private:
+  void arrange()
+  {
+    order.resize(records.size());
+    std::iota(order.begin(), order.end(), 0);
+    // The records come in case id order already.
+    if (sortColumn <= 0 || sortColumn >= columnCount())
+    {
+      if (sortColumn == 0 && sortDescending)
+        std::reverse(order.begin(), order.end());
+      return;
+    }
+    const WeakPtr<Variable>& variable = variables[static_cast<std::size_t>(sortColumn - 1)];
+    if (variable.lock().nature() == Variable::Text)
+    {
+      std::vector<std::string> keys;
+      keys.reserve(records.size());
+      for (const Record& record : records)
+        keys.push_back(record.data(variable).toString());
+      std::stable_sort(order.begin(),
+                       order.end(),
+                       [&](std::size_t a, std::size_t b)
+                       { return sortDescending ? keys[b] < keys[a] : keys[a] < keys[b]; });
+      return;
+    }
+    std::vector<double> keys;
+    keys.reserve(records.size());
+    for (const Record& record : records)
+      keys.push_back(record.data(variable).toDouble());
+    std::stable_sort(order.begin(),
+                     order.end(),
+                     [&](std::size_t a, std::size_t b)
+                     {
+                       if (std::isnan(keys[a]) || std::isnan(keys[b]))
+                         return !std::isnan(keys[a]) && std::isnan(keys[b]);
+                       return sortDescending ? keys[b] < keys[a] : keys[a] < keys[b];
+                     });
+  }
+
   std::shared_ptr<const Project> project;
   std::vector<WeakPtr<Variable>> variables;
   std::vector<Record> records;
+  std::vector<std::size_t> order;
+  int sortColumn = 0;
+  bool sortDescending = false;
 };
 
 } // namespace
@@ -136,7 +183,6 @@ struct SelectedCasesView::Impl
   QTableView* table = nullptr;
   QLabel* count = nullptr;
   std::unique_ptr<SelectedCasesModel> model;
-  std::unique_ptr<QSortFilterProxyModel> sorted;
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> sortColumn;
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
   SignalConnectionCollection connections;
@@ -154,7 +200,7 @@ struct SelectedCasesView::Impl
     const Qt::SortOrder order = sortDescending->value() ? Qt::DescendingOrder : Qt::AscendingOrder;
     const QSignalBlocker blocker(table->horizontalHeader());
     table->horizontalHeader()->setSortIndicator(column, order);
-    sorted->sort(column, order);
+    model->sortBy(column, sortDescending->value());
   }
 };
 
@@ -180,10 +226,7 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
 
   d->table = new QTableView();
   d->model = std::make_unique<SelectedCasesModel>(d->project);
-  d->sorted = std::make_unique<QSortFilterProxyModel>();
-  d->sorted->setSourceModel(d->model.get());
-  d->sorted->setSortRole(Qt::UserRole);
-  d->table->setModel(d->sorted.get());
+  d->table->setModel(d->model.get());
   d->table->setSortingEnabled(false);
   d->table->horizontalHeader()->setSectionsClickable(true);
   d->table->horizontalHeader()->setSortIndicatorShown(true);
@@ -318,14 +361,14 @@ QString SelectedCasesView::shownText() const
 {
   QStringList lines;
   QStringList header;
-  for (int c = 0; c < d->sorted->columnCount(); ++c)
-    header << d->sorted->headerData(c, Qt::Horizontal).toString();
+  for (int c = 0; c < d->model->columnCount(); ++c)
+    header << d->model->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString();
   lines << header.join('\t');
-  for (int r = 0; r < d->sorted->rowCount(); ++r)
+  for (int r = 0; r < d->model->rowCount(); ++r)
   {
     QStringList cells;
-    for (int c = 0; c < d->sorted->columnCount(); ++c)
-      cells << d->sorted->index(r, c).data().toString();
+    for (int c = 0; c < d->model->columnCount(); ++c)
+      cells << d->model->index(r, c).data().toString();
     lines << cells.join('\t');
   }
   return lines.join('\n') + '\n';
@@ -348,9 +391,8 @@ void SelectedCasesView::exportSelection(const std::string& path) const
     table->AddColumn(column);
   }
   // In the order shown, so that the file matches the table.
-  for (int r = 0; r < d->sorted->rowCount(); ++r)
+  for (int row = 0; row < d->model->rowCount(); ++row)
   {
-    const int row = d->sorted->mapToSource(d->sorted->index(r, 0)).row();
     ids->InsertNextValue(d->model->caseId(row));
     for (int c = 1; c < d->model->columnCount(); ++c)
     {
