@@ -43,8 +43,8 @@ void AxisDetailsInterface::signalAxisDetailsChangedConnected() const {}
 namespace
 {
 
-// One flag for all range properties, as the axis details are specified: moving the other end
-// stores into the other property, whose own store would come back here.
+// One flag for all range properties: moving the other end stores into the other property,
+// whose own store would come back here. A guard that sets it also gives its old value back.
 bool adjustingOtherEnd = false;
 
 } // namespace

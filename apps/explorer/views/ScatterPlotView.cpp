@@ -308,12 +308,12 @@ struct ScatterPlotView::Impl
     const bool ringVisible = any && (!many || density);
     const bool fillVisible = any && !many;
     selectedRing->SetDrawDensity(many && density);
-    for (const auto& [plot, visible] :
+    for (const auto& [plot, shown] :
          { std::make_pair(static_cast<vtkPlotPoints*>(selectedRing), ringVisible),
            std::make_pair(static_cast<vtkPlotPoints*>(selectedFill), fillVisible) })
     {
-      plot->SetVisible(visible);
-      if (!visible)
+      plot->SetVisible(shown);
+      if (!shown)
       {
         plot->SetInputData(nullptr);
         continue;
