@@ -7,6 +7,9 @@
 #include "serialize/SerializerInterface.h"
 
 #include <QDomElement>
+#include <QItemSelectionModel>
+#include <QTableView>
+#include <QTimer>
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
 
@@ -74,6 +77,20 @@ private:
 };
 
 } // namespace
+
+void scrollToSelectionLater(QTableView& table)
+{
+  QTimer::singleShot(0,
+                     &table,
+                     [view = &table]
+                     {
+                       if (view->hasFocus() || !view->selectionModel())
+                         return;
+                       const QItemSelection selection = view->selectionModel()->selection();
+                       if (!selection.isEmpty())
+                         view->scrollTo(selection.first().topLeft());
+                     });
+}
 
 ExplorerView::~ExplorerView() = default;
 

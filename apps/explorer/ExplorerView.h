@@ -18,6 +18,7 @@ class DataPipelineManager;
 class SerializerInterface;
 class ImageCache;
 class Project;
+class QTableView;
 class QWidget;
 
 // The kinds of data view, as the visitor tells them apart.
@@ -48,6 +49,11 @@ struct ViewContext
   boost::shared_ptr<SelectionModelInterface> selection;
   ImageCache* images = nullptr;
 };
+
+/// Brings the first selected item of a table into sight once control returns to the event loop
+/// (when every view has taken in the selection), unless the table has the focus: a selection made
+/// in the table itself never makes it jump.
+void scrollToSelectionLater(QTableView& table);
 
 /// One section of the settings panel: a titled widget of editors bound to a view's properties.
 struct SettingsSection

@@ -5,10 +5,12 @@
 #include <vtkImageData.h>
 #include <vtkObjectFactory.h>
 #include <vtkPoints2D.h>
+#include <vtkTable.h>
 #include <vtkUnsignedCharArray.h>
 
 #include <algorithm>
 #include <cmath>
+#include <sstream>
 #include <vector>
 
 namespace explorer
@@ -126,6 +128,27 @@ bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
                               static_cast<float>(area[3] - area[2])),
                      this->Density);
   return true;
+}
+
+vtkStdString vtkDensityPlotPoints::GetTooltipLabel(const vtkVector2d& plotPos,
+                                                   vtkIdType seriesIndex,
+                                                   vtkIdType segmentIndex)
+{
+  vtkTable* table = this->GetInput();
+  if (!table || table->GetNumberOfColumns() == 0 || seriesIndex < 0 ||
+      seriesIndex >= table->GetNumberOfRows())
+  {
+    return this->Superclass::GetTooltipLabel(plotPos, seriesIndex, segmentIndex);
+  }
+  // Case ids travel as doubles in the plotted table; exact up to 2^53.
+  const auto id = static_cast<unsigned long long>(table->GetValue(seriesIndex, 0).ToDouble());
+  std::ostringstream label;
+  label << "case " << id << "\n"
+        << (this->XAxis ? this->XAxis->GetTitle() : std::string("x")) << " "
+        << vtkVariant(plotPos.GetX()).ToString() << ", "
+        << (this->YAxis ? this->YAxis->GetTitle() : std::string("y")) << " "
+        << vtkVariant(plotPos.GetY()).ToString();
+  return label.str();
 }
 
 } // namespace explorer

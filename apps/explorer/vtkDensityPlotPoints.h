@@ -32,6 +32,12 @@ public:
 
   bool Paint(vtkContext2D* painter) override;
 
+  /// The hovered point's case (column 0 of the input) and its values, named by the axes:
+  /// "case 1003\nangle 45, range 37.76".
+  vtkStdString GetTooltipLabel(const vtkVector2d& plotPos,
+                               vtkIdType seriesIndex,
+                               vtkIdType segmentIndex) override;
+
 protected:
   vtkDensityPlotPoints();
   ~vtkDensityPlotPoints() override;

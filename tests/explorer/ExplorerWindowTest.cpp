@@ -44,6 +44,7 @@
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkPlotPoints.h>
 #include <vtkTable.h>
+#include <vtkTooltipItem.h>
 
 #include <cmath>
 #include <map>
@@ -136,6 +137,20 @@ TEST_F(ExplorerWindowTest, ShowsOneViewOfEachKindLinkedByOneSelection)
             static_cast<int>(scatter->points().GetInput()->GetNumberOfRows()));
   rows.selectionModel()->select(rows.model()->index(1, 0),
                                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+
+  // A case selected elsewhere is scrolled into sight in the table and the matrix.
+  QTableView& cells = images->imageTable().tableView();
+  rows.clearFocus();
+  cells.clearFocus();
+  window->selection().setSelection({ 1047 }); // the last run: last row, last matrix cell
+  QApplication::processEvents();
+  const int last = rows.model()->rowCount() - 1;
+  EXPECT_GE(rows.rowViewportPosition(last), 0);
+  EXPECT_LT(rows.rowViewportPosition(last), rows.viewport()->height());
+  const QModelIndexList selectedCells = cells.selectionModel()->selectedIndexes();
+  ASSERT_EQ(selectedCells.size(), 1);
+  EXPECT_TRUE(cells.visualRect(selectedCells.front()).intersects(cells.viewport()->rect()));
+  window->selection().setSelection({ 1001 });
 
   // Reloading the table after a filter keeps the selection shown without sending it back.
   EXPECT_TRUE(load(R"(<ExplorerSettings><Filters>
@@ -519,6 +534,13 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
     item.MouseButtonPressEvent(mouseAt(x, y));
     item.MouseButtonReleaseEvent(mouseAt(x, y));
     clicked[mode] = window->selection().getSelections();
+
+    vtkContextMouseEvent hover = mouseAt(x, y);
+    hover.SetButton(vtkContextMouseEvent::NO_BUTTON);
+    item.MouseMoveEvent(hover);
+    EXPECT_EQ(QString::fromStdString(chart.GetTooltip()->GetText()).section(',', 0, 0),
+              "case 1008\nangle 35")
+      << "the tool tip names the case and its values";
   }
   EXPECT_GE(banded[explorer::ScatterPlotView::MarkerPoints].size(), 5u);
   EXPECT_EQ(banded[explorer::ScatterPlotView::DensityPoints],

@@ -209,6 +209,8 @@ CasesTableView::CasesTableView(const ViewContext& context)
   d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
     context.selection, *d->table, boost::make_shared<RowConverter>(*d->model));
   Impl* impl = d.get();
+  d->connections.add(context.selection->connectSignalSelectionChanged(
+    [impl](const std::set<unsigned long long>&) { scrollToSelectionLater(*impl->table); }));
   d->connections.add(pipeline.connectSignalPipelineChanged(
     [impl]
     {

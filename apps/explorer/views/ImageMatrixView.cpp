@@ -15,6 +15,7 @@
 #include "serialization/TagSerializers.h"
 #include "serialization/VariableInfoSerializer.h"
 #include "serialize/Serializer.h"
+#include "signals/SignalConnectionCollection.h"
 
 #include <QCheckBox>
 #include <QDomDocument>
@@ -87,6 +88,7 @@ struct ImageMatrixView::Impl
   QPointer<QWidget> container;
   ImageTableView* table = nullptr;
   std::shared_ptr<ImageMatrixViewProperties> properties;
+  SignalConnectionCollection connections;
 };
 
 ImageMatrixView::ImageMatrixView(const ViewContext& context)
@@ -106,6 +108,9 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
                                 context.images->imageLoader(),
                                 d->properties);
   layout->addWidget(d->table);
+  QTableView* cells = &d->table->tableView();
+  d->connections.add(context.selection->connectSignalSelectionChanged(
+    [cells](const std::set<unsigned long long>&) { scrollToSelectionLater(*cells); }));
 
   using Matrix = ImageMatrixViewProperties;
   NamedValueTranslator<Matrix::RowColumnDimensionBy> axes;
@@ -139,6 +144,7 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
 
 ImageMatrixView::~ImageMatrixView()
 {
+  d->connections.clear();
   delete d->container;
 }
 

@@ -217,7 +217,7 @@ struct ScatterPlotView::Impl
   // The selected cases, drawn over the others as larger markers in a dark ring, so that they
   // stand out in any colour of the map.
   vtkSmartPointer<vtkDensityPlotPoints> selectedRing;
-  vtkSmartPointer<vtkPlotPoints> selectedFill;
+  vtkSmartPointer<vtkDensityPlotPoints> selectedFill;
   vtkSmartPointer<vtkLookupTable> lookupTable;
   vtkSmartPointer<NiceLabelsColorBarWidget> legendWidget;
   // The legend's corners in fractions of the view once the user has moved it; until then it
@@ -318,8 +318,13 @@ struct ScatterPlotView::Impl
         plot->SetInputData(nullptr);
         continue;
       }
-      plot->SetInputData(
-        rowsOf(*table, *rows, { x->value().lock().name(), y->value().lock().name(), colorName }));
+      // The case ids first, as in the points' table: the tool tips read them there.
+      plot->SetInputData(rowsOf(*table,
+                                *rows,
+                                { table->GetColumnName(0),
+                                  x->value().lock().name(),
+                                  y->value().lock().name(),
+                                  colorName }));
       xTarget->assignInputArrayToPlot(*plot, x->value());
       yTarget->assignInputArrayToPlot(*plot, y->value());
     }
@@ -432,13 +437,13 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->selectedRing->SetMarkerSize(14);
   d->selectedRing->SetColor(20, 20, 20, 255);
   d->selectedRing->ScalarVisibilityOff();
-  d->selectedFill = vtkSmartPointer<vtkPlotPoints>::New();
+  d->selectedFill = vtkSmartPointer<vtkDensityPlotPoints>::New();
   d->selectedFill->SetMarkerStyle(vtkPlotPoints::CIRCLE);
   d->selectedFill->SetMarkerSize(9);
   d->selectedFill->SetColor(30, 90, 200, 255);
   d->selectedFill->SetLookupTable(d->lookupTable);
-  for (vtkPlotPoints* plot :
-       { static_cast<vtkPlotPoints*>(d->selectedRing), d->selectedFill.Get() })
+  for (vtkPlotPoints* plot : { static_cast<vtkPlotPoints*>(d->selectedRing),
+                               static_cast<vtkPlotPoints*>(d->selectedFill) })
   {
     plot->SetSelectable(false);
     plot->SetLegendVisibility(false);
