@@ -14,6 +14,7 @@
 #include "charts/vtkChartUtils.h"
 #include "colorlegend/ColorLegend.h"
 #include "colorlegend/NiceLabelsColorBarWidget.h"
+#include "common/ScopedGuards.h"
 #include "common_vtk/vtkPxCommandProxy.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
@@ -228,6 +229,9 @@ struct ScatterPlotView::Impl
   vtkSmartPointer<vtkPxCommandProxy> legendMovedObserver;
   vtkSmartPointer<vtkPxCommandProxy> swallowKeys;
   bool renderPending = false;
+  // Set while the chart fits itself: refresh() then updates it without drawing, since the fit
+  // goes on to widen the range and draws once at the end.
+  bool fitting = false;
   vtkSmartPointer<vtkPlottableCaseIds> plottable;
   vtkSmartPointer<InvalidPointsFilter> validPoints;
   boost::shared_ptr<SpatialVariableProperty2D> xTarget;
@@ -308,6 +312,15 @@ struct ScatterPlotView::Impl
     const bool ringVisible = any && (!many || density);
     const bool fillVisible = any && !many;
     selectedRing->SetDrawDensity(many && density);
+    // The case ids first, as in the points' table: the tool tips read them there. One copy
+    // serves both plots.
+    const vtkSmartPointer<vtkTable> selectedRows = ringVisible ? rowsOf(*table,
+                                                                        *rows,
+                                                                        { table->GetColumnName(0),
+                                                                          x->value().lock().name(),
+                                                                          y->value().lock().name(),
+                                                                          colorName })
+                                                               : nullptr;
     for (const auto& [plot, shown] :
          { std::make_pair(static_cast<vtkPlotPoints*>(selectedRing), ringVisible),
            std::make_pair(static_cast<vtkPlotPoints*>(selectedFill), fillVisible) })
@@ -318,13 +331,7 @@ struct ScatterPlotView::Impl
         plot->SetInputData(nullptr);
         continue;
       }
-      // The case ids first, as in the points' table: the tool tips read them there.
-      plot->SetInputData(rowsOf(*table,
-                                *rows,
-                                { table->GetColumnName(0),
-                                  x->value().lock().name(),
-                                  y->value().lock().name(),
-                                  colorName }));
+      plot->SetInputData(selectedRows);
       xTarget->assignInputArrayToPlot(*plot, x->value());
       yTarget->assignInputArrayToPlot(*plot, y->value());
     }
@@ -392,7 +399,14 @@ struct ScatterPlotView::Impl
     if (renderPending || !widget)
       return;
     renderPending = true;
-    QTimer::singleShot(0, widget, [this] { render(); });
+    // A render made meanwhile has shown the change already and cleared the flag.
+    QTimer::singleShot(0,
+                       widget,
+                       [this]
+                       {
+                         if (renderPending)
+                           render();
+                       });
   }
 
   static constexpr float legendMargin = 110.0f;
@@ -676,7 +690,8 @@ void ScatterPlotView::refresh()
     return;
   }
   d->chart->Update();
-  d->render();
+  if (!d->fitting)
+    d->render();
 }
 
 std::vector<SettingsSection> ScatterPlotView::settingsSections(PropertyEditors& editors)
@@ -732,7 +747,10 @@ void ScatterPlotView::fitToData()
   {
     d->pendingFit = true;
   }
-  vtkChartUtils::fitData(*d->chart, *this);
+  {
+    const ScopedValue<bool> fitting(d->fitting, true);
+    vtkChartUtils::fitData(*d->chart, *this);
+  }
   // The fitted range ends on the outermost points, which would be cut in half: widen it by a
   // few percent, and by at least a marker, to a round number.
   std::array<double, 4> bounds = { 0, 0, 0, 0 };
