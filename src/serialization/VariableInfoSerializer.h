@@ -2,6 +2,7 @@
 
 #include "datamanagement/Variable.h"
 #include "datamanagement/WeakPtr.h"
+#include "quen_analyzer_dataviews_common_export.h"
 #include "serialize/Serializer.h"
 
 #include <boost/shared_ptr.hpp>

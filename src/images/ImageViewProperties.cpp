@@ -1,25 +1,14 @@
-#include "analyzer_common/AxisVariableProvider.h"
+#include "images/ImageViewProperties.h"
 #include "analyzer_common/UndoStack.h"
-#include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/Project.h"
-#include "images/ImageMatrixViewProperties.h"
-#include "images/LabelMaker.h"
 #include "properties/Property.h"
 #include "properties/UndoablePropertyProxy.h"
 #include "signals/SignalConnectionCollection.h"
 
 #include <boost/make_shared.hpp>
 
-#include <algorithm>
 #include <climits>
 #include <set>
-
-template class plexa::PropertyAbstract<ImageMatrixViewProperties::RowColumnDimensionBy>;
-template class plexa::Property<ImageMatrixViewProperties::RowColumnDimensionBy>;
-template class plexa::UndoablePropertyProxy<ImageMatrixViewProperties::RowColumnDimensionBy>;
-template class plexa::PropertyAbstract<ImageMatrixViewProperties::PageDimensionBy>;
-template class plexa::Property<ImageMatrixViewProperties::PageDimensionBy>;
-template class plexa::UndoablePropertyProxy<ImageMatrixViewProperties::PageDimensionBy>;
 
 namespace
 {
@@ -76,9 +65,6 @@ std::vector<WeakPtr<Variable>> discreteVariables(const Project& project, std::si
 }
 
 } // namespace
-
-// ---------------------------------------------------------------------------------------------
-// ImageViewProperties
 
 struct ImageViewProperties::Impl
 {
@@ -193,102 +179,4 @@ QSize zoomLevelToImageSize(unsigned long long zoom)
   const double side = static_cast<double>(zoom) / 100.0 * 750.0 + 50.0;
   const int s = side >= static_cast<double>(INT_MAX) ? INT_MAX : static_cast<int>(side);
   return QSize(s, s);
-}
-
-// ---------------------------------------------------------------------------------------------
-// ImageMatrixViewProperties
-
-struct ImageMatrixViewProperties::Impl
-{
-  boost::shared_ptr<plexa::UndoablePropertyProxy<WeakPtr<Variable>>> columnVar;
-  boost::shared_ptr<plexa::UndoablePropertyProxy<RowColumnDimensionBy>> dimensionColumnsBy;
-  boost::shared_ptr<plexa::UndoablePropertyProxy<WeakPtr<Variable>>> rowVar;
-  boost::shared_ptr<plexa::UndoablePropertyProxy<RowColumnDimensionBy>> dimensionRowsBy;
-  boost::shared_ptr<plexa::UndoablePropertyProxy<WeakPtr<Variable>>> pageVar;
-  boost::shared_ptr<plexa::UndoablePropertyProxy<Variant>> pageValue;
-  boost::shared_ptr<plexa::UndoablePropertyProxy<PageDimensionBy>> dimensionPagesBy;
-};
-
-ImageMatrixViewProperties::ImageMatrixViewProperties()
-  : d(std::make_unique<Impl>())
-{
-  using plexa::Property;
-  AxisVariableProvider provider(Project::project()->variables());
-  const auto variable = [](const std::string& name, const WeakPtr<Variable>& initial)
-  {
-    return undoable<WeakPtr<Variable>>(name,
-                                       boost::make_shared<Property<WeakPtr<Variable>>>(initial));
-  };
-  d->columnVar = variable("Column Variable", provider.next(Variable::Discrete));
-  d->dimensionColumnsBy = undoable<RowColumnDimensionBy>(
-    "Dimension Columns By", boost::make_shared<Property<RowColumnDimensionBy>>(ByVariable));
-  d->rowVar = variable("Row Variable", provider.next(Variable::Discrete));
-  d->dimensionRowsBy = undoable<RowColumnDimensionBy>(
-    "Dimension Rows By", boost::make_shared<Property<RowColumnDimensionBy>>(ByVariable));
-  d->pageVar = variable("Page Variable", provider.next(Variable::Discrete));
-  d->pageValue = undoable<Variant>("Page Variable Value", boost::make_shared<Property<Variant>>());
-  d->dimensionPagesBy = undoable<PageDimensionBy>(
-    "Dimension Pages By", boost::make_shared<Property<PageDimensionBy>>(NoPages));
-}
-
-ImageMatrixViewProperties::~ImageMatrixViewProperties() = default;
-
-boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ImageMatrixViewProperties::rowVar()
-  const
-{
-  return d->rowVar;
-}
-
-boost::shared_ptr<plexa::PropertyAbstract<ImageMatrixViewProperties::RowColumnDimensionBy>>
-ImageMatrixViewProperties::dimensionRowsBy() const
-{
-  return d->dimensionRowsBy;
-}
-
-boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ImageMatrixViewProperties::columnVar()
-  const
-{
-  return d->columnVar;
-}
-
-boost::shared_ptr<plexa::PropertyAbstract<ImageMatrixViewProperties::RowColumnDimensionBy>>
-ImageMatrixViewProperties::dimensionColumnsBy() const
-{
-  return d->dimensionColumnsBy;
-}
-
-boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ImageMatrixViewProperties::pageVar()
-  const
-{
-  return d->pageVar;
-}
-
-boost::shared_ptr<plexa::PropertyAbstract<Variant>> ImageMatrixViewProperties::pageValue() const
-{
-  return d->pageValue;
-}
-
-boost::shared_ptr<plexa::PropertyAbstract<ImageMatrixViewProperties::PageDimensionBy>>
-ImageMatrixViewProperties::dimensionPagesBy() const
-{
-  return d->dimensionPagesBy;
-}
-
-// ---------------------------------------------------------------------------------------------
-// LabelMaker
-
-LabelMaker::~LabelMaker() = default;
-
-std::string LabelMaker::label(const std::vector<WeakPtr<Variable>>& variables,
-                              const Record& record,
-                              const std::string& separator) const
-{
-  std::string text;
-  for (std::size_t i = 0; i < variables.size(); ++i)
-  {
-    if (i > 0)
-      text += separator;
-    text += variables[i].lock().name() + "=" + variantDisplayText(record.data(variables[i]));
-  }
-  return text;
 }

@@ -1,43 +1,6 @@
-#include "serialization/ListModelInterface.h"
 #include "serialization/StandardListModel.h"
-#include "serialization/StringListModel.h"
 
 #include <stdexcept>
-
-ListModelInterface<std::string>::ListModelInterface() = default;
-
-ListModelInterface<std::string>::~ListModelInterface() = default;
-
-boost::signals2::connection ListModelInterface<std::string>::connectSignalModelChanged(
-  const ModelChangedSignal::slot_type& slot) const
-{
-  auto connection = signalModelChanged.connect(slot);
-  signalModelChangedConnected();
-  return connection;
-}
-
-boost::signals2::connection ListModelInterface<std::string>::connectSignalDataChanged(
-  const DataChangedSignal::slot_type& slot) const
-{
-  auto connection = signalDataChanged.connect(slot);
-  signalDataChangedConnected();
-  return connection;
-}
-
-void ListModelInterface<std::string>::emitSignalModelChanged() const
-{
-  signalModelChanged();
-}
-
-void ListModelInterface<std::string>::emitSignalDataChanged(unsigned long long first,
-                                                            unsigned long long last) const
-{
-  signalDataChanged(first, last);
-}
-
-void ListModelInterface<std::string>::signalDataChangedConnected() const {}
-
-void ListModelInterface<std::string>::signalModelChangedConnected() const {}
 
 namespace
 {
@@ -127,13 +90,3 @@ void StandardListModel<std::string>::copy(const ListModelInterface<std::string>&
   dataStrings = std::move(newData);
   emitSignalModelChanged();
 }
-
-StringListModel::StringListModel(const std::set<std::string>& strings)
-{
-  for (const auto& s : strings)
-  {
-    push_back(s, s);
-  }
-}
-
-StringListModel::~StringListModel() = default;
