@@ -148,26 +148,33 @@ QCheckBox* PropertyEditors::checkBox(const QString& text,
 
 QListWidget* PropertyEditors::checkList(const std::vector<std::string>& entries,
                                         const std::function<bool(const std::string&)>& isChecked,
-                                        std::function<void(const std::vector<std::string>&)> apply)
+                                        std::function<void(const std::vector<std::string>&)> apply,
+                                        bool reorderable)
 {
   auto* list = new QListWidget();
   list->setMaximumHeight(110);
+  Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsUserCheckable;
+  if (reorderable)
+  {
+    flags |= Qt::ItemIsSelectable | Qt::ItemIsDragEnabled;
+    list->setDragDropMode(QAbstractItemView::InternalMove);
+  }
   for (const auto& entry : entries)
   {
     auto* item = new QListWidgetItem(QString::fromStdString(entry), list);
-    item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
+    item->setFlags(flags);
     item->setCheckState(isChecked(entry) ? Qt::Checked : Qt::Unchecked);
   }
-  QObject::connect(list,
-                   &QListWidget::itemChanged,
-                   [list, apply = std::move(apply)](QListWidgetItem*)
-                   {
-                     std::vector<std::string> checked;
-                     for (int i = 0; i < list->count(); ++i)
-                       if (list->item(i)->checkState() == Qt::Checked)
-                         checked.push_back(list->item(i)->text().toStdString());
-                     apply(checked);
-                   });
+  const auto applyChecked = [list, apply = std::move(apply)]
+  {
+    std::vector<std::string> checked;
+    for (int i = 0; i < list->count(); ++i)
+      if (list->item(i)->checkState() == Qt::Checked)
+        checked.push_back(list->item(i)->text().toStdString());
+    apply(checked);
+  };
+  QObject::connect(list, &QListWidget::itemChanged, applyChecked);
+  QObject::connect(list->model(), &QAbstractItemModel::rowsMoved, applyChecked);
   return list;
 }
 

@@ -64,10 +64,12 @@ public:
   template<typename E>
   QComboBox* enumChooser(boost::shared_ptr<plexa::PropertyAbstract<E>> property,
                          const std::vector<std::pair<QString, E>>& choices);
-  /// A list of check boxes; `apply` receives the checked entries after every change.
+  /// A list of check boxes; `apply` receives the checked entries, in the list's order, after
+  /// every change. A reorderable list's entries can be dragged to another place.
   QListWidget* checkList(const std::vector<std::string>& entries,
                          const std::function<bool(const std::string&)>& isChecked,
-                         std::function<void(const std::vector<std::string>&)> apply);
+                         std::function<void(const std::vector<std::string>&)> apply,
+                         bool reorderable = false);
   /// Minimum, maximum and custom grid spacing of a chart axis.
   QWidget* axisEditor(const QString& title, AxisDetailsInterface& axis);
   /// Visibility, range and number of labels of a colour legend.

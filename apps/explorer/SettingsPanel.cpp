@@ -1,13 +1,11 @@
 #include "SettingsPanel.h"
 
 #include "ExplorerView.h"
+#include "FilterEdits.h"
 #include "PropertyEditors.h"
 #include "analyzer_common/DeleteSignaler.h"
-#include "analyzer_common/GenericUndoCommand.h"
-#include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
-#include "datapipeline/RangeFilter.h"
 
 #include <QCheckBox>
 #include <QHeaderView>
@@ -19,49 +17,6 @@
 namespace explorer
 {
 
-namespace
-{
-
-// What the user set of one variable's range filter.
-struct FilterState
-{
-  bool exists = false;
-  double min = 0;
-  double max = 0;
-  bool enabled = false;
-
-  bool operator==(const FilterState& other) const
-  {
-    return exists == other.exists && min == other.min && max == other.max &&
-           enabled == other.enabled;
-  }
-};
-
-FilterState filterState(const DataPipelineManager& pipeline, const WeakPtr<Variable>& variable)
-{
-  const auto filter = boost::dynamic_pointer_cast<RangeFilter>(pipeline.filter(variable));
-  if (!filter)
-    return {};
-  return {
-    true, filter->range().first, filter->range().second, pipeline.isFilterEnabled(variable)
-  };
-}
-
-void applyFilterState(DataPipelineManager& pipeline,
-                      const WeakPtr<Variable>& variable,
-                      const FilterState& state)
-{
-  if (!state.exists)
-  {
-    pipeline.removeFilter(variable);
-    return;
-  }
-  pipeline.setRangeFilter(variable, state.min, state.max);
-  pipeline.setFilterEnabled(variable, state.enabled);
-}
-
-} // namespace
-
 struct SettingsPanel::Impl
 {
   PropertyEditors editors;
@@ -69,22 +24,6 @@ struct SettingsPanel::Impl
   SignalConnectionCollection connections;
   // The owner of the filters' undo steps: they do nothing once the panel is gone.
   DeleteSignaler undoOwner;
-
-  // A filter edit is an undo step like any setting's.
-  void changeFilter(const WeakPtr<Variable>& variable, const FilterState& after)
-  {
-    const FilterState before = filterState(pipeline, variable);
-    if (before == after)
-      return;
-    DataPipelineManager* target = &pipeline;
-    UndoStack().push(new GenericUndoCommand(
-      [target, variable, after] { applyFilterState(*target, variable, after); },
-      [target, variable, before] { applyFilterState(*target, variable, before); },
-      undoOwner,
-      "Change Filter on " + QString::fromStdString(variable.lock().name()),
-      -1,
-      nullptr));
-  }
 
   Impl(std::shared_ptr<const Project> project, DataPipelineManager& pipeline, Report report)
     : editors(std::move(project), std::move(report))
@@ -139,7 +78,7 @@ struct SettingsPanel::Impl
           show();
           return;
         }
-        changeFilter(variable, { true, low, high, on->isChecked() });
+        changeFilter(pipeline, variable, { true, low, high, on->isChecked() }, undoOwner);
       };
       QObject::connect(on, &QCheckBox::toggled, apply);
       QObject::connect(min, &QLineEdit::editingFinished, apply);

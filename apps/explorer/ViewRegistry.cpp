@@ -3,6 +3,8 @@
 #include "views/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
+#include "views/ParallelCoordinatesView.h"
+#include "views/ScatterPlot3DView.h"
 #include "views/ScatterPlotView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
@@ -30,7 +32,8 @@ const std::vector<ViewKind>& viewKinds()
   // A new kind of view is a file pair in views/ and one line here.
   static const std::vector<ViewKind> kinds = {
     kind<ScatterPlotView>(ViewArea::Main, 1),   kind<CasesTableView>(ViewArea::Side, 2),
-    kind<ImageMatrixView>(ViewArea::Side, 5),   kind<SelectedCasesView>(ViewArea::Tabs, 3),
+    kind<ImageMatrixView>(ViewArea::Side, 4),   kind<ParallelCoordinatesView>(ViewArea::Tabs, 4),
+    kind<ScatterPlot3DView>(ViewArea::Tabs, 3), kind<SelectedCasesView>(ViewArea::Tabs, 3),
     kind<SelectedImageView>(ViewArea::Tabs, 3), kind<ImageDiffView>(ViewArea::Tabs, 3),
   };
   return kinds;

@@ -8,6 +8,8 @@
 #include "views/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
+#include "views/ParallelCoordinatesView.h"
+#include "views/ScatterPlot3DView.h"
 #include "views/ScatterPlotView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
@@ -18,6 +20,8 @@
 #include "charts/ChartXY.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/StudyReader.h"
+#include "datapipeline/DataPipelineManager.h"
+#include "datapipeline/RangeFilter.h"
 #include "images/ImageMatrixViewProperties.h"
 #include "images/ImageTableView.h"
 #include "images/QImageTableView.h"
@@ -32,6 +36,7 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTabWidget>
 #include <QTableView>
 #include <QTableWidget>
 #include <QTest>
@@ -616,6 +621,86 @@ TEST_F(ExplorerWindowTest, SelectedCasesImagesAndDifferencesFollowTheSelection)
   window->selection().setSelection({ 4 });
   EXPECT_TRUE(difference->message().contains("largest difference 164"))
     << "red against grey (160, 160, 164): " << difference->message().toStdString();
+}
+
+TEST_F(ExplorerWindowTest, BrushingAnAxisFiltersEveryViewAndClicksSelectLinesAndPoints)
+{
+  auto* parallel = window->view<explorer::ParallelCoordinatesView>();
+  auto* scatter3d = window->view<explorer::ScatterPlot3DView>();
+  auto* table = window->view<explorer::CasesTableView>();
+  auto* tabs = window->findChild<QTabWidget*>("viewTabs");
+  tabs->setCurrentWidget(parallel->widget());
+  QWidget* canvas = parallel->widget();
+  const auto project = window->project();
+  const auto angle = project->variable("angle");
+  ASSERT_EQ(parallel->axes()->value().front(), angle);
+  const auto& angles = *project->numericValues(angle.lock());
+  const auto& ranges = *project->numericValues(project->variable("range").lock());
+  // Cases with an angle in a range; in the 3-D plot, those that also have a range.
+  const auto between = [&](double low, double high, bool in3d)
+  {
+    int n = 0;
+    for (std::size_t i = 0; i < angles.size(); ++i)
+      n += angles[i] >= low && angles[i] <= high && !(in3d && std::isnan(ranges[i]));
+    return n;
+  };
+
+  // Dragging from 50 down to 30 on the angle axis filters every view to angles 35 and 45.
+  QTest::mousePress(canvas, Qt::LeftButton, {}, parallel->pointOnAxis(0, 50));
+  QTest::mouseMove(canvas, parallel->pointOnAxis(0, 40));
+  QTest::mouseRelease(canvas, Qt::LeftButton, {}, parallel->pointOnAxis(0, 30));
+  const auto filter = boost::dynamic_pointer_cast<RangeFilter>(window->pipeline().filter(angle));
+  ASSERT_TRUE(filter && window->pipeline().isFilterEnabled(angle));
+  EXPECT_NEAR(filter->range().first, 30, 0.5);
+  EXPECT_NEAR(filter->range().second, 50, 0.5);
+  const int inside = between(30, 50, false);
+  ASSERT_GT(inside, 0);
+  ASSERT_LT(inside, 48);
+  EXPECT_EQ(window->shownCases(), inside);
+  EXPECT_EQ(table->table().model()->rowCount(), inside);
+  EXPECT_EQ(scatter3d->shownPoints(), between(30, 50, true));
+  UndoStack().undo();
+  EXPECT_EQ(table->table().model()->rowCount(), 48) << "the brush is one undo step";
+  UndoStack().redo();
+  // A click on the axis without a drag takes the filter away.
+  QTest::mouseClick(canvas, Qt::LeftButton, {}, parallel->pointOnAxis(0, 60));
+  EXPECT_FALSE(window->pipeline().filter(angle));
+  EXPECT_EQ(scatter3d->shownPoints(), between(0, 90, true));
+
+  // A click on a line where it crosses the range axis selects its case; Ctrl+click adds one.
+  const auto range = project->variable("range");
+  const auto axes = parallel->axes()->value();
+  const int rangeAxis = static_cast<int>(std::find(axes.begin(), axes.end(), range) - axes.begin());
+  const auto ids = project->caseIds();
+  const auto farthest = std::max_element(ranges.begin(),
+                                         ranges.end(),
+                                         [](double a, double b)
+                                         { return std::isnan(a) || (!std::isnan(b) && a < b); }) -
+                        ranges.begin();
+  QTest::mouseClick(canvas,
+                    Qt::LeftButton,
+                    {},
+                    parallel->pointOnAxis(rangeAxis, ranges[static_cast<std::size_t>(farthest)]));
+  EXPECT_EQ(window->selection().getSelections(),
+            (std::set<unsigned long long>{ ids[static_cast<std::size_t>(farthest)] }));
+  EXPECT_EQ(parallel->highlightedLines(), 1);
+
+  // The 3-D scatter plot: a click on a point selects its case, Ctrl+click adds another, a
+  // click on empty space clears.
+  tabs->setCurrentWidget(scatter3d->widget());
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  scatter3d->widget()->repaint();
+  QPoint first;
+  QPoint second;
+  ASSERT_TRUE(scatter3d->pointOfCase(ids[5], first));
+  ASSERT_TRUE(scatter3d->pointOfCase(ids[40], second));
+  QTest::mouseClick(scatter3d->widget(), Qt::LeftButton, {}, first);
+  EXPECT_EQ(window->selection().getSelections(), (std::set<unsigned long long>{ ids[5] }));
+  QTest::mouseClick(scatter3d->widget(), Qt::LeftButton, Qt::ControlModifier, second);
+  EXPECT_EQ(window->selection().getSelections(), (std::set<unsigned long long>{ ids[5], ids[40] }));
+  EXPECT_EQ(scatter3d->highlightedPoints(), 2);
+  QTest::mouseClick(scatter3d->widget(), Qt::LeftButton, {}, QPoint(3, 3));
+  EXPECT_TRUE(window->selection().getSelections().empty());
 }
 
 TEST(ImageDifference, IsTheLargestChannelDifferenceWhateverTheFormatsAndSizes)
