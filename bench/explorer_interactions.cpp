@@ -8,6 +8,8 @@
 #include "SampleStudy.h"
 #include "views/CasesTableView.h"
 #include "views/ImageMatrixView.h"
+#include "views/ParallelCoordinatesView.h"
+#include "views/ScatterPlot3DView.h"
 #include "views/ScatterPlotView.h"
 
 #include "analyzer_common/SelectionModel.h"
@@ -23,11 +25,15 @@
 #include <QApplication>
 #include <QDir>
 #include <QItemSelectionModel>
+#include <QMouseEvent>
+#include <QTabWidget>
 #include <QTableView>
 #include <QVTKOpenGLNativeWidget.h>
 #include <vtkAxis.h>
+#include <vtkCommand.h>
 #include <vtkContextMouseEvent.h>
 #include <vtkGenericOpenGLRenderWindow.h>
+#include <vtkRenderWindowInteractor.h>
 
 #include <map>
 #include <memory>
@@ -71,6 +77,8 @@ void drawn(ExplorerWindow& window)
   QApplication::processEvents();
   for (explorer::ExplorerView* view : window.views())
   {
+    if (!view->widget()->isVisible())
+      continue;
     if (auto* vtk = qobject_cast<QVTKOpenGLNativeWidget*>(view->widget()))
       vtk->renderWindow()->Render();
     view->widget()->repaint();
@@ -290,6 +298,53 @@ void Undo(benchmark::State& state)
           });
 }
 
+// A drag along the angle axis of the parallel coordinates: the brush becomes a range filter.
+void BrushParallelAxis(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State&)
+          {
+            auto* view = window.view<explorer::ParallelCoordinatesView>();
+            QWidget* canvas = view->widget();
+            const auto send = [canvas](QEvent::Type type, QPoint at, Qt::MouseButtons buttons)
+            {
+              QMouseEvent event(type, at, Qt::LeftButton, buttons, Qt::NoModifier);
+              QApplication::sendEvent(canvas, &event);
+            };
+            send(QEvent::MouseButtonPress, view->pointOnAxis(0, flip ? 50 : 60), Qt::LeftButton);
+            send(QEvent::MouseMove, view->pointOnAxis(0, 40), Qt::LeftButton);
+            send(QEvent::MouseButtonRelease, view->pointOnAxis(0, flip ? 20 : 30), Qt::NoButton);
+          });
+}
+
+// One step of a drag that turns the 3-D scatter plot, its tab shown meanwhile.
+void Turn3DScatter(benchmark::State& state)
+{
+  measure(state,
+          [](ExplorerWindow& window, bool flip, benchmark::State& s)
+          {
+            auto* view = window.view<explorer::ScatterPlot3DView>();
+            auto* tabs = window.findChild<QTabWidget*>("viewTabs");
+            vtkRenderWindowInteractor* events =
+              qobject_cast<QVTKOpenGLNativeWidget*>(view->widget())->interactor();
+            s.PauseTiming();
+            QWidget* shown = tabs->currentWidget();
+            tabs->setCurrentWidget(view->widget());
+            drawn(window);
+            const int x = events->GetSize()[0] / 2;
+            const int y = events->GetSize()[1] / 2;
+            events->SetEventInformation(x, y);
+            events->InvokeEvent(vtkCommand::LeftButtonPressEvent);
+            s.ResumeTiming();
+            events->SetEventInformation(x + (flip ? -20 : 20), y);
+            events->InvokeEvent(vtkCommand::MouseMoveEvent);
+            s.PauseTiming();
+            events->InvokeEvent(vtkCommand::LeftButtonReleaseEvent);
+            tabs->setCurrentWidget(shown);
+            s.ResumeTiming();
+          });
+}
+
 // 1e4, 1e5 and 1e6 cases without images, 1e4 with; a few iterations, since at a million cases
 // an interaction that misses its target can take seconds.
 void sizes(benchmark::internal::Benchmark* b)
@@ -313,5 +368,7 @@ BENCHMARK(FitToData)->Apply(sizes);
 BENCHMARK(ZoomStep)->Apply(sizes);
 BENCHMARK(RangeFilterOn)->Apply(sizes);
 BENCHMARK(Undo)->Apply(sizes);
+BENCHMARK(BrushParallelAxis)->Apply(sizes);
+BENCHMARK(Turn3DScatter)->Apply(sizes);
 
 QUEN_BENCH_MAIN()

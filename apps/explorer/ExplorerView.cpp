@@ -7,9 +7,11 @@
 #include "serialize/SerializerInterface.h"
 
 #include <QDomElement>
+#include <QEvent>
 #include <QItemSelectionModel>
 #include <QTableView>
 #include <QTimer>
+#include <QWidget>
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
 
@@ -90,6 +92,37 @@ void scrollToSelectionLater(QTableView& table)
                        if (!selection.isEmpty())
                          view->scrollTo(selection.first().topLeft());
                      });
+}
+
+namespace
+{
+
+class ShowWatcher : public QObject
+{
+public:
+  ShowWatcher(QWidget& widget, std::function<void()> call)
+    : QObject(&widget)
+    , call(std::move(call))
+  {
+    widget.installEventFilter(this);
+  }
+
+  bool eventFilter(QObject*, QEvent* event) override
+  {
+    if (event->type() == QEvent::Show)
+      call();
+    return false;
+  }
+
+private:
+  std::function<void()> call;
+};
+
+} // namespace
+
+void whenShown(QWidget& widget, std::function<void()> call)
+{
+  new ShowWatcher(widget, std::move(call));
 }
 
 ExplorerView::~ExplorerView() = default;

@@ -10,6 +10,7 @@
 #include <QString>
 #include <boost/enable_shared_from_this.hpp>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -54,6 +55,10 @@ struct ViewContext
 /// (when every view has taken in the selection), unless the table has the focus: a selection made
 /// in the table itself never makes it jump.
 void scrollToSelectionLater(QTableView& table);
+
+/// Calls `call` each time `widget` is shown: a view in a tab behind another can leave its work
+/// until then, so that it costs nothing while hidden.
+void whenShown(QWidget& widget, std::function<void()> call);
 
 /// One section of the settings panel: a titled widget of editors bound to a view's properties.
 struct SettingsSection

@@ -115,6 +115,8 @@ TEST_F(Explorer, RendersEveryViewWithTheSelectionShownEverywhere)
                             "scatter.png",
                             "table.png",
                             "images.png",
+                            "parallel.png",
+                            "scatter3d.png",
                             "selected-cases.png",
                             "selected-image.png",
                             "image-difference.png" })

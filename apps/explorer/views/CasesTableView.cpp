@@ -1,9 +1,10 @@
 #include "views/CasesTableView.h"
 
+#include "CaseRowIndex.h"
+
 #include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
 #include "datapipeline/DataPipelineManager.h"
-#include "dataviews/RecordTableUtils.h"
 #include "dataviews/SelectionConverterInterface.h"
 #include "dataviews/TableViewSelectionSynchronizer.h"
 #include "serialize/Serializer.h"
@@ -23,7 +24,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_map>
 
 namespace explorer
 {
@@ -47,9 +47,8 @@ public:
     pipeline.output()->Update();
     table = vtkSmartPointer<vtkTable>::New();
     table->ShallowCopy(pipeline.output()->GetOutput());
-    rowOfCase.clear();
-    for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
-      rowOfCase.emplace(RecordTableUtils::caseIDAtRow(*table, row), static_cast<int>(row));
+    caseIds = caseIdsOf(*table);
+    rowOfCase.assign(caseIds);
     endResetModel();
   }
 
@@ -88,17 +87,17 @@ public:
     return section + 1;
   }
 
-  unsigned long long caseOfRow(int row) const { return RecordTableUtils::caseIDAtRow(*table, row); }
-  int rowOf(unsigned long long id) const
+  unsigned long long caseOfRow(int row) const { return caseIds[static_cast<std::size_t>(row)]; }
+  std::vector<int> rowsOf(const std::set<unsigned long long>& ids) const
   {
-    const auto found = rowOfCase.find(id);
-    return found == rowOfCase.end() ? -1 : found->second;
+    return rowOfCase.rowsOf(ids);
   }
 
 private:
   const DataPipelineManagerInterface& pipeline;
   vtkSmartPointer<vtkTable> table;
-  std::unordered_map<unsigned long long, int> rowOfCase;
+  std::vector<unsigned long long> caseIds;
+  CaseRowIndex rowOfCase;
 };
 
 // Rows as runs of consecutive rows: one selection range per run, not per row.
@@ -143,14 +142,7 @@ public:
 
   QItemSelection selectionFromCaseIDs(const std::set<unsigned long long>& ids) const override
   {
-    std::vector<int> rows;
-    rows.reserve(ids.size());
-    for (unsigned long long id : ids)
-    {
-      const int row = model.rowOf(id);
-      if (row >= 0)
-        rows.push_back(row);
-    }
+    std::vector<int> rows = model.rowsOf(ids);
     return rowRanges(model, rows);
   }
 
@@ -206,6 +198,10 @@ CasesTableView::CasesTableView(const ViewContext& context)
   QItemSelectionModel* first = d->table->selectionModel();
   d->table->setSelectionModel(new ReplacingSelectionModel(d->model.get(), d->table));
   delete first;
+  // The column headers get a selection of their own, always empty: to draw the table's, a header
+  // asks it about every row of its column on each paint, most of a second at a million rows.
+  QHeaderView* columns = d->table->horizontalHeader();
+  columns->setSelectionModel(new QItemSelectionModel(d->model.get(), columns));
   d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
     context.selection, *d->table, boost::make_shared<RowConverter>(*d->model));
   Impl* impl = d.get();

@@ -1,5 +1,6 @@
 #include "views/ParallelCoordinatesView.h"
 
+#include "CaseRowIndex.h"
 #include "FilterEdits.h"
 #include "PropertyEditors.h"
 #include "analyzer_common/DeleteSignaler.h"
@@ -260,12 +261,13 @@ struct ParallelCoordinatesView::Impl
   std::vector<Axis> axes;
   std::vector<unsigned long long> caseIds;
   std::vector<float> colour;
-  // (case id, row) sorted by case id, to find the rows of a selection.
-  std::vector<std::pair<unsigned long long, int>> rowOfCase;
+  CaseRowIndex rowOfCase;
   std::vector<int> selectedRows;
 
   QImage linesLayer;
   bool linesLayerValid = false;
+  // A large selection's density, drawn again when the selection or the size changes.
+  QImage selectedLayer;
   int brushedAxis = -1;
   double brushFrom = 0;
   double brushTo = 0;
@@ -283,6 +285,44 @@ struct ParallelCoordinatesView::Impl
   {
     return mode->value() == DensityLines ||
            (mode->value() == AutomaticLines && caseIds.size() > densityThreshold);
+  }
+
+  // What changed while the view was hidden, taken in when it is shown or asked.
+  bool dataStale = true;
+  bool selectionStale = true;
+
+  void changed(bool data)
+  {
+    dataStale = dataStale || data;
+    selectionStale = true;
+    if (canvas->isVisible())
+    {
+      catchUp();
+      canvas->update();
+    }
+  }
+
+  // A new selection, shown at once when nothing else is pending.
+  void selectionChanged(const std::set<unsigned long long>& ids)
+  {
+    if (dataStale || !canvas->isVisible())
+    {
+      changed(false);
+      return;
+    }
+    findSelectedRows(ids);
+    selectionStale = false;
+    canvas->update();
+  }
+
+  void catchUp()
+  {
+    if (dataStale)
+      reload();
+    else if (selectionStale)
+      findSelectedRows(selection->getSelections());
+    dataStale = false;
+    selectionStale = false;
   }
 
   // Reads the shown cases of the chosen variables from the pipeline's output.
@@ -340,17 +380,8 @@ struct ParallelCoordinatesView::Impl
       axes.push_back(std::move(axis));
     }
 
-    caseIds.resize(static_cast<std::size_t>(rows));
-    rowOfCase.resize(caseIds.size());
-    vtkAbstractArray* ids = table->GetColumnByName("case_id");
-    for (vtkIdType row = 0; row < rows; ++row)
-    {
-      caseIds[static_cast<std::size_t>(row)] =
-        ids ? ids->GetVariantValue(row).ToTypeUInt64() : static_cast<unsigned long long>(row);
-      rowOfCase[static_cast<std::size_t>(row)] = { caseIds[static_cast<std::size_t>(row)],
-                                                   static_cast<int>(row) };
-    }
-    std::sort(rowOfCase.begin(), rowOfCase.end());
+    caseIds = caseIdsOf(*table);
+    rowOfCase.assign(caseIds);
 
     colour.assign(caseIds.size(), missing);
     const Variable colourVariable = color->value().lock();
@@ -371,37 +402,13 @@ struct ParallelCoordinatesView::Impl
       }
     }
     linesLayerValid = false;
-    findSelectedRows();
+    findSelectedRows(selection->getSelections());
   }
 
-  void findSelectedRows()
+  void findSelectedRows(const std::set<unsigned long long>& ids)
   {
-    selectedRows.clear();
-    const auto& ids = selection->getSelections();
-    if (ids.size() < rowOfCase.size() / 64)
-    {
-      for (unsigned long long id : ids)
-      {
-        const auto found = std::lower_bound(
-          rowOfCase.begin(), rowOfCase.end(), std::make_pair(id, std::numeric_limits<int>::min()));
-        if (found != rowOfCase.end() && found->first == id)
-          selectedRows.push_back(found->second);
-      }
-    }
-    else
-    {
-      // Both in case id order: one merged walk.
-      auto id = ids.begin();
-      for (const auto& [caseId, row] : rowOfCase)
-      {
-        while (id != ids.end() && *id < caseId)
-          ++id;
-        if (id == ids.end())
-          break;
-        if (*id == caseId)
-          selectedRows.push_back(row);
-      }
-    }
+    selectedRows = rowOfCase.rowsOf(ids);
+    selectedLayer = QImage();
   }
 
   QRgb colourOf(std::size_t row) const
@@ -451,14 +458,14 @@ struct ParallelCoordinatesView::Impl
     painter.setOpacity(1.0);
     if (static_cast<int>(selectedRows.size()) > selectedLinesDrawn)
     {
-      painter.drawImage(0,
-                        0,
-                        densityImage(axes,
+      if (selectedLayer.size() != canvas->size())
+        selectedLayer = densityImage(axes,
                                      std::vector<float>(colour.size(), missing),
                                      &selectedRows,
                                      at,
                                      colours,
-                                     qRgb(20, 20, 20)));
+                                     qRgb(20, 20, 20));
+      painter.drawImage(0, 0, selectedLayer);
       return;
     }
     painter.setRenderHint(QPainter::Antialiasing, true);
@@ -545,6 +552,7 @@ struct ParallelCoordinatesView::Impl
 
   void paint(QPainter& painter)
   {
+    catchUp();
     painter.fillRect(canvas->rect(), Qt::white);
     if (axes.empty())
     {
@@ -699,11 +707,7 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
     adjustSelectionForMouseClickAtPoint();
   };
 
-  const auto reload = [impl]
-  {
-    impl->reload();
-    impl->canvas->update();
-  };
+  const auto reload = [impl] { impl->changed(true); };
   d->connections.add(context.pipeline->connectSignalPipelineChanged(reload));
   d->connections.add(d->axesProperty->connectSignalPropertyChanged(reload));
   d->connections.add(d->color->connectSignalPropertyChanged(reload));
@@ -714,17 +718,13 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
       impl->canvas->update();
     }));
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>&)
-    {
-      impl->findSelectedRows();
-      impl->canvas->update();
-    }));
+    [impl](const std::set<unsigned long long>& ids) { impl->selectionChanged(ids); }));
+  whenShown(*d->canvas, [impl] { impl->catchUp(); });
 
   saveSetting(
     boost::make_shared<VariableListSerializer>("Axes", d->axesProperty, d->project->variables()));
   saveVariableSetting("ColorVariable", d->color, *d->project);
   saveSetting(boost::make_shared<GenericSerializer<short>>("Lines", d->mode), "0, 1 or 2");
-  d->reload();
 }
 
 ParallelCoordinatesView::~ParallelCoordinatesView()
@@ -797,8 +797,7 @@ void ParallelCoordinatesView::suspend()
 void ParallelCoordinatesView::resume()
 {
   d->connections.unblock();
-  d->reload();
-  d->canvas->update();
+  d->changed(true);
 }
 
 void ParallelCoordinatesView::refresh()
@@ -825,11 +824,13 @@ boost::shared_ptr<plexa::PropertyAbstract<short>> ParallelCoordinatesView::lines
 
 bool ParallelCoordinatesView::drawsDensity() const
 {
+  d->catchUp();
   return d->density();
 }
 
 QPoint ParallelCoordinatesView::pointOnAxis(int axis, double value) const
 {
+  d->catchUp();
   const Layout at = d->layout();
   const Axis& a = d->axes.at(static_cast<std::size_t>(axis));
   double position = std::numeric_limits<double>::quiet_NaN();
@@ -842,6 +843,7 @@ QPoint ParallelCoordinatesView::pointOnAxis(int axis, double value) const
 
 int ParallelCoordinatesView::highlightedLines() const
 {
+  d->catchUp();
   return static_cast<int>(d->selectedRows.size());
 }
 

@@ -1,5 +1,6 @@
 #include "views/ScatterPlot3DView.h"
 
+#include "CaseRowIndex.h"
 #include "PropertyEditors.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "common_vtk/vtkPxCommandProxy.h"
@@ -139,7 +140,8 @@ struct ScatterPlot3DView::Impl
   std::vector<unsigned long long> caseIds;
   std::vector<std::array<float, 3>> positions;
   std::vector<float> colour;
-  std::vector<std::size_t> selected;
+  CaseRowIndex pointOfCase;
+  std::vector<int> selected;
   int pressedAt[2] = { 0, 0 };
   bool pressed = false;
   int clickedAt[2] = { 0, 0 };
@@ -153,7 +155,8 @@ struct ScatterPlot3DView::Impl
   void render()
   {
     renderPending = false;
-    if (widget)
+    // A hidden view draws when it is shown.
+    if (widget && widget->isVisible())
       window->Render();
   }
 
@@ -169,6 +172,44 @@ struct ScatterPlot3DView::Impl
                          if (renderPending)
                            render();
                        });
+  }
+
+  // What changed while the view was hidden, taken in when it is shown or asked.
+  bool dataStale = true;
+  bool selectionStale = true;
+
+  void changed(bool data)
+  {
+    dataStale = dataStale || data;
+    selectionStale = true;
+    if (widget->isVisible())
+    {
+      catchUp();
+      scheduleRender();
+    }
+  }
+
+  // A new selection, shown at once when nothing else is pending.
+  void selectionChanged(const std::set<unsigned long long>& ids)
+  {
+    if (dataStale || !widget->isVisible())
+    {
+      changed(false);
+      return;
+    }
+    findSelected(ids);
+    selectionStale = false;
+    scheduleRender();
+  }
+
+  void catchUp()
+  {
+    if (dataStale)
+      reload();
+    else if (selectionStale)
+      findSelected(selection->getSelections());
+    dataStale = false;
+    selectionStale = false;
   }
 
   // Reads the shown cases from the pipeline's output: rows with all three values, scaled to
@@ -193,7 +234,7 @@ struct ScatterPlot3DView::Impl
       colourVariable.isNull()
         ? nullptr
         : vtkDoubleArray::SafeDownCast(table->GetColumnByName(colourVariable.name().c_str()));
-    vtkAbstractArray* ids = table->GetColumnByName("case_id");
+    const std::vector<unsigned long long> ids = caseIdsOf(*table);
     caseIds.clear();
     positions.clear();
     colour.clear();
@@ -211,13 +252,13 @@ struct ScatterPlot3DView::Impl
       }
       if (!valid)
         continue;
-      caseIds.push_back(ids ? ids->GetVariantValue(row).ToTypeUInt64()
-                            : static_cast<unsigned long long>(row));
+      caseIds.push_back(ids[static_cast<std::size_t>(row)]);
       positions.push_back(at);
       colour.push_back(colourColumn ? static_cast<float>(colourColumn->GetValue(row))
                                     : std::numeric_limits<float>::quiet_NaN());
     }
 
+    pointOfCase.assign(caseIds);
     allPoints = pointCloud(positions, colourColumn ? &colour : nullptr);
     const std::size_t every = positions.size() / sampledAbove + 1;
     std::vector<std::array<float, 3>> sample;
@@ -254,22 +295,20 @@ struct ScatterPlot3DView::Impl
     box->SetXAxisRange(ranges[0].first, ranges[0].second);
     box->SetYAxisRange(ranges[1].first, ranges[1].second);
     box->SetZAxisRange(ranges[2].first, ranges[2].second);
-    findSelected();
+    findSelected(selection->getSelections());
   }
 
-  void findSelected()
+  void findSelected(const std::set<unsigned long long>& ids)
   {
-    selected.clear();
-    const auto& ids = selection->getSelections();
-    for (std::size_t i = 0; i < caseIds.size() && !ids.empty(); ++i)
-      if (ids.count(caseIds[i]) != 0)
-        selected.push_back(i);
+    selected = pointOfCase.rowsOf(ids);
     std::vector<std::array<float, 3>> at;
     std::vector<float> values;
-    for (std::size_t i : selected)
+    at.reserve(selected.size());
+    values.reserve(selected.size());
+    for (int i : selected)
     {
-      at.push_back(positions[i]);
-      values.push_back(colour[i]);
+      at.push_back(positions[static_cast<std::size_t>(i)]);
+      values.push_back(colour[static_cast<std::size_t>(i)]);
     }
     const bool ringed = selected.size() <= ringedUpTo;
     auto cloud = pointCloud(at, &values);
@@ -377,6 +416,9 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   vtkPolyDataMapper::SafeDownCast(d->ring->GetMapper())->ScalarVisibilityOff();
   d->ring->GetProperty()->SetColor(0.08, 0.08, 0.08);
   d->fill = actor(*d->fillLayer, 6);
+  // Empty until the view is first shown.
+  for (vtkActor* cloud : { d->points.Get(), d->ring.Get(), d->fill.Get() })
+    vtkPolyDataMapper::SafeDownCast(cloud->GetMapper())->SetInputData(pointCloud({}, nullptr));
 
   d->box = vtkSmartPointer<vtkCubeAxesActor>::New();
   double unit[6] = { 0, 1, 0, 1, 0, 1 };
@@ -485,26 +527,23 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   d->style->AddObserver(vtkCommand::StartInteractionEvent, d->startTurning);
   d->style->AddObserver(vtkCommand::EndInteractionEvent, d->endTurning);
 
-  const auto reload = [impl]
-  {
-    impl->reload();
-    impl->scheduleRender();
-  };
+  const auto reload = [impl] { impl->changed(true); };
   d->connections.add(context.pipeline->connectSignalPipelineChanged(reload));
   for (const auto& property : { d->axes[0], d->axes[1], d->axes[2], d->color })
     d->connections.add(property->connectSignalPropertyChanged(reload));
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>&)
-    {
-      impl->findSelected();
-      impl->scheduleRender();
-    }));
+    [impl](const std::set<unsigned long long>& ids) { impl->selectionChanged(ids); }));
+  whenShown(*d->widget,
+            [impl]
+            {
+              impl->catchUp();
+              impl->scheduleRender();
+            });
 
   saveVariableSetting("XVariable", d->axes[0], *d->project);
   saveVariableSetting("YVariable", d->axes[1], *d->project);
   saveVariableSetting("ZVariable", d->axes[2], *d->project);
   saveVariableSetting("ColorVariable", d->color, *d->project);
-  d->reload();
   fitToData();
 }
 
@@ -557,8 +596,7 @@ void ScatterPlot3DView::suspend()
 void ScatterPlot3DView::resume()
 {
   d->connections.unblock();
-  d->reload();
-  d->scheduleRender();
+  d->changed(true);
 }
 
 void ScatterPlot3DView::refresh()
@@ -598,14 +636,9 @@ boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ScatterPlot3DView:
   return d->color;
 }
 
-void ScatterPlot3DView::rotate(double degrees)
-{
-  d->renderer->GetActiveCamera()->Azimuth(degrees);
-  d->render();
-}
-
 bool ScatterPlot3DView::pointOfCase(unsigned long long caseId, QPoint& at) const
 {
+  d->catchUp();
   bool found = false;
   const int height = d->renderer->GetSize()[1];
   d->projectPoints(
@@ -623,11 +656,13 @@ bool ScatterPlot3DView::pointOfCase(unsigned long long caseId, QPoint& at) const
 
 int ScatterPlot3DView::shownPoints() const
 {
+  d->catchUp();
   return static_cast<int>(d->caseIds.size());
 }
 
 int ScatterPlot3DView::highlightedPoints() const
 {
+  d->catchUp();
   return static_cast<int>(d->selected.size());
 }
 

@@ -48,8 +48,6 @@ public:
   boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> yVariable() const;
   boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> zVariable() const;
   boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> colorVariable() const;
-  /// Turns the camera about the view's vertical axis.
-  void rotate(double degrees);
   /// Where a case is drawn, in the widget's coordinates; false when it is not shown.
   bool pointOfCase(unsigned long long caseId, QPoint& at) const;
   int shownPoints() const;

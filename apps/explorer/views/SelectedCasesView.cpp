@@ -187,8 +187,25 @@ struct SelectedCasesView::Impl
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
   SignalConnectionCollection connections;
 
+  // A selection made while the view is hidden is taken in when it is shown or asked.
+  bool stale = true;
+
+  void selectionChanged()
+  {
+    stale = true;
+    if (container->isVisible())
+      catchUp();
+  }
+
+  void catchUp()
+  {
+    if (stale)
+      showSelection();
+  }
+
   void showSelection()
   {
+    stale = false;
     const auto ids = selection->getSelections();
     model->show(ids);
     count->setText(QString("%1 cases").arg(model->rowCount()));
@@ -261,7 +278,8 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
   d->connections.add(
     d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>&) { impl->showSelection(); }));
+    [impl](const std::set<unsigned long long>&) { impl->selectionChanged(); }));
+  whenShown(*d->container, [impl] { impl->catchUp(); });
 
   QObject::connect(copy,
                    &QPushButton::clicked,
@@ -292,7 +310,6 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
               "a column");
   saveSetting(boost::make_shared<GenericSerializer<bool>>("SortDescending", d->sortDescending),
               "0 or 1");
-  d->showSelection();
   d->applySort();
 }
 
@@ -323,6 +340,7 @@ std::vector<SettingsSection> SelectedCasesView::settingsSections(PropertyEditors
 
 std::string SelectedCasesView::selectionSummary() const
 {
+  d->catchUp();
   return std::to_string(d->model->rowCount()) + " rows";
 }
 
@@ -334,7 +352,7 @@ void SelectedCasesView::suspend()
 void SelectedCasesView::resume()
 {
   d->connections.unblock();
-  d->showSelection();
+  d->selectionChanged();
 }
 
 void SelectedCasesView::refresh()
@@ -354,11 +372,13 @@ boost::shared_ptr<plexa::PropertyAbstract<bool>> SelectedCasesView::sortDescendi
 
 QTableView& SelectedCasesView::table() const
 {
+  d->catchUp();
   return *d->table;
 }
 
 QString SelectedCasesView::shownText() const
 {
+  d->catchUp();
   QStringList lines;
   QStringList header;
   for (int c = 0; c < d->model->columnCount(); ++c)
@@ -376,6 +396,7 @@ QString SelectedCasesView::shownText() const
 
 void SelectedCasesView::exportSelection(const std::string& path) const
 {
+  d->catchUp();
   auto table = vtkSmartPointer<vtkTable>::New();
   auto ids = vtkSmartPointer<vtkUnsignedLongLongArray>::New();
   ids->SetName("case_id");

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <set>
+#include <utility>
+#include <vector>
+
+class vtkTable;
+
+namespace explorer
+{
+
+/// The case ids of a pipeline table's rows, read from its "case_id" column; the row numbers
+/// when it has none.
+std::vector<unsigned long long> caseIdsOf(vtkTable& table);
+
+/// The rows of a view's shown cases by case id, for turning a selection into rows: by binary
+/// search when the selection is small, by one merged walk when it is large, never by a lookup
+/// in the selection per row.
+class CaseRowIndex
+{
+public:
+  /// Indexes the case ids of the rows, in row order.
+  void assign(const std::vector<unsigned long long>& caseIds);
+  /// The rows whose case is selected, in case id order.
+  std::vector<int> rowsOf(const std::set<unsigned long long>& selection) const;
+
+private:
+  std::vector<std::pair<unsigned long long, int>> rowOfCase;
+};
+
+} // namespace explorer
