@@ -33,6 +33,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
@@ -701,6 +702,59 @@ TEST_F(ExplorerWindowTest, BrushingAnAxisFiltersEveryViewAndClicksSelectLinesAnd
   EXPECT_EQ(scatter3d->highlightedPoints(), 2);
   QTest::mouseClick(scatter3d->widget(), Qt::LeftButton, {}, QPoint(3, 3));
   EXPECT_TRUE(window->selection().getSelections().empty());
+}
+
+TEST_F(ExplorerWindowTest, TheCasesTableSortsByAnyColumnKeepsTheSelectionAndFindsACase)
+{
+  const testsupport::SmallStudy small;
+  window->showStudy(small.project);
+  auto* cases = window->view<explorer::CasesTableView>();
+  const QAbstractItemModel& model = *cases->table().model();
+  const auto column = [&](int c)
+  {
+    QStringList values;
+    for (int row = 0; row < model.rowCount(); ++row)
+      values << model.index(row, c).data().toString();
+    return values.join(",");
+  };
+  window->selection().setSelection({ 2, 5 });
+  QTest::mouseClick(cases->table().horizontalHeader()->viewport(),
+                    Qt::LeftButton,
+                    {},
+                    QPoint(cases->table().horizontalHeader()->sectionViewportPosition(3) + 5, 5));
+  EXPECT_EQ(column(3), "lead,steel,steel,wood,wood,wood") << "by material, ties in study order";
+  EXPECT_EQ(column(0), "5,1,3,2,4,6");
+  cases->sortDescending()->setValue(true);
+  cases->sortColumn()->setValue(2);
+  EXPECT_EQ(column(0), "2,4,1,3,5,6") << "by speed, descending";
+  EXPECT_EQ(cases->selectedRows(), 2);
+  QList<int> selectedRows;
+  for (const QModelIndex& index : cases->table().selectionModel()->selectedRows())
+    selectedRows << index.row();
+  std::sort(selectedRows.begin(), selectedRows.end());
+  EXPECT_EQ(selectedRows, (QList<int>{ 0, 4 })) << "cases 2 and 5 where they are now";
+  UndoStack().undo();
+  UndoStack().undo();
+  EXPECT_EQ(column(0), "5,1,3,2,4,6") << "each sort is an undo step";
+
+  auto* find = cases->widget()->findChild<QLineEdit*>("findCase");
+  const auto typeAndFind = [&](const QString& text)
+  {
+    find->setText(text);
+    QTest::keyClick(find, Qt::Key_Return);
+  };
+  typeAndFind("4");
+  EXPECT_EQ(window->selection().getSelections(), (std::set<unsigned long long>{ 4 }));
+  window->pipeline().setRangeFilter(small.project->variable("angle"), 40, 50);
+  for (const auto& [text, message] :
+       std::vector<std::pair<QString, QString>>{ { "x1", "'x1' is not a case id" },
+                                                 { "99", "no case 99" },
+                                                 { "1", "case 1 is filtered out" } })
+  {
+    typeAndFind(text);
+    EXPECT_EQ(cases->widget()->findChild<QLabel*>()->text(), message);
+  }
+  EXPECT_EQ(window->selection().getSelections(), (std::set<unsigned long long>{ 4 }));
 }
 
 TEST(ImageDifference, IsTheLargestChannelDifferenceWhateverTheFormatsAndSizes)

@@ -1,20 +1,30 @@
 #include "views/CasesTableView.h"
 
 #include "CaseRowIndex.h"
+#include "TableSorting.h"
 
 #include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
+#include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "dataviews/SelectionConverterInterface.h"
 #include "dataviews/TableViewSelectionSynchronizer.h"
+#include "properties/BoundedValueValidator.h"
+#include "properties/Property.h"
+#include "properties/UndoablePropertyProxy.h"
+#include "serialization/GenericSerializer.h"
 #include "serialize/Serializer.h"
 #include "signals/SignalConnectionCollection.h"
 
 #include <QAbstractTableModel>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QTableView>
+#include <QVBoxLayout>
 #include <boost/make_shared.hpp>
 #include <vtkAbstractArray.h>
 #include <vtkDoubleArray.h>
@@ -24,6 +34,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace explorer
 {
@@ -31,7 +42,8 @@ namespace explorer
 namespace
 {
 
-// The pipeline's output table as a Qt model, read again on every pipeline change.
+// The pipeline's output table as a Qt model, read again on every pipeline change, in the order
+// of a column when sorted. Rows of the model are "shown rows"; rows of the table "table rows".
 class CasesModel : public QAbstractTableModel
 {
 public:
@@ -49,6 +61,7 @@ public:
     table->ShallowCopy(pipeline.output()->GetOutput());
     caseIds = caseIdsOf(*table);
     rowOfCase.assign(caseIds);
+    arrange();
     endResetModel();
   }
 
@@ -69,13 +82,14 @@ public:
     if (role == Qt::TextAlignmentRole)
       return vtkStringArray::SafeDownCast(column) ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
                                                   : QVariant(Qt::AlignRight | Qt::AlignVCenter);
+    const vtkIdType row = tableRow(index.row());
     if (auto* numbers = vtkDoubleArray::SafeDownCast(column))
     {
-      const double value = numbers->GetValue(index.row());
+      const double value = numbers->GetValue(row);
       return std::isnan(value) ? QString()
                                : QString::fromStdString(variantDisplayText(Variant(value)));
     }
-    return QString::fromStdString(column->GetVariantValue(index.row()).ToString());
+    return QString::fromStdString(column->GetVariantValue(row).ToString());
   }
 
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override
@@ -87,17 +101,79 @@ public:
     return section + 1;
   }
 
-  unsigned long long caseOfRow(int row) const { return caseIds[static_cast<std::size_t>(row)]; }
+  // Sorts by a column (none below 0), numbers with NaN last, texts as text; ties keep the
+  // table's order.
+  void sortBy(int column, bool descending)
+  {
+    sortColumn = column;
+    sortDescending = descending;
+    beginResetModel();
+    arrange();
+    endResetModel();
+  }
+
+  unsigned long long caseOfRow(int row) const
+  {
+    return caseIds[static_cast<std::size_t>(tableRow(row))];
+  }
+  // The shown rows of the cases.
   std::vector<int> rowsOf(const std::set<unsigned long long>& ids) const
   {
-    return rowOfCase.rowsOf(ids);
+    std::vector<int> rows = rowOfCase.rowsOf(ids);
+    if (!order.empty())
+      for (int& row : rows)
+        row = shownRow[static_cast<std::size_t>(row)];
+    return rows;
   }
 
 private:
   const DataPipelineManagerInterface& pipeline;
+  vtkIdType tableRow(int row) const
+  {
+    return order.empty() ? row : static_cast<vtkIdType>(order[static_cast<std::size_t>(row)]);
+  }
+
+  void arrange()
+  {
+    order.clear();
+    shownRow.clear();
+    vtkAbstractArray* column = sortColumn >= 0 && sortColumn < table->GetNumberOfColumns()
+                                 ? table->GetColumn(sortColumn)
+                                 : nullptr;
+    if (!column)
+      return;
+    const auto rows = static_cast<std::size_t>(table->GetNumberOfRows());
+    order.resize(rows);
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    if (auto* texts = vtkStringArray::SafeDownCast(column))
+    {
+      std::vector<std::string> keys(rows);
+      for (std::size_t row = 0; row < rows; ++row)
+        keys[row] = texts->GetValue(static_cast<vtkIdType>(row));
+      sortByTexts(order, keys, sortDescending);
+    }
+    else
+    {
+      std::vector<double> keys(rows);
+      auto* numbers = vtkDoubleArray::SafeDownCast(column);
+      for (std::size_t row = 0; row < rows; ++row)
+        keys[row] = numbers ? numbers->GetValue(static_cast<vtkIdType>(row))
+                            : column->GetVariantValue(static_cast<vtkIdType>(row)).ToDouble();
+      sortByNumbers(order, keys, sortDescending);
+    }
+    shownRow.resize(rows);
+    for (std::size_t row = 0; row < rows; ++row)
+      shownRow[order[row]] = static_cast<int>(row);
+  }
+
   vtkSmartPointer<vtkTable> table;
   std::vector<unsigned long long> caseIds;
   CaseRowIndex rowOfCase;
+  int sortColumn = -1;
+  bool sortDescending = false;
+  // Empty when unsorted: the table row of each shown row, and the shown row of each table row.
+  std::vector<std::size_t> order;
+  std::vector<int> shownRow;
 };
 
 // Rows as runs of consecutive rows: one selection range per run, not per row.
@@ -176,10 +252,47 @@ public:
 
 struct CasesTableView::Impl
 {
-  QPointer<QTableView> table;
+  std::shared_ptr<const Project> project;
+  boost::shared_ptr<SelectionModelInterface> selection;
+  QPointer<QWidget> container;
+  QTableView* table = nullptr;
+  QLineEdit* find = nullptr;
+  QLabel* findMessage = nullptr;
   std::unique_ptr<CasesModel> model;
   std::unique_ptr<TableViewSelectionSynchronizer> synchronizer;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<short>> sortColumn;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
   SignalConnectionCollection connections;
+
+  void applySort()
+  {
+    const QSignalBlocker blocker(table->horizontalHeader());
+    table->horizontalHeader()->setSortIndicator(
+      sortColumn->value(), sortDescending->value() ? Qt::DescendingOrder : Qt::AscendingOrder);
+    model->sortBy(sortColumn->value(), sortDescending->value());
+    synchronizer->showMasterSelection();
+  }
+
+  // Selects the case whose id was typed, or says why it cannot.
+  void findCase()
+  {
+    const QString text = find->text().trimmed();
+    bool number = false;
+    const unsigned long long id = text.toULongLong(&number);
+    QString message;
+    if (!number)
+      message = "'" + text + "' is not a case id";
+    else if (project->record(id).lock().isNull())
+      message = "no case " + text;
+    else if (model->rowsOf({ id }).empty())
+      message = "case " + text + " is filtered out";
+    findMessage->setText(message);
+    findMessage->setVisible(!message.isEmpty());
+    if (!message.isEmpty())
+      return;
+    selection->setSelection({ id });
+    table->scrollTo(model->index(model->rowsOf({ id }).front(), 0));
+  }
 };
 
 CasesTableView::CasesTableView(const ViewContext& context)
@@ -187,8 +300,28 @@ CasesTableView::CasesTableView(const ViewContext& context)
   , d(std::make_unique<Impl>())
 {
   const DataPipelineManagerInterface& pipeline = *context.pipeline;
+  d->project = context.project;
+  d->selection = context.selection;
+  d->container = new QWidget();
+  d->container->setObjectName("cases");
+  auto* layout = new QVBoxLayout(d->container);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(2);
+  auto* bar = new QHBoxLayout();
+  d->find = new QLineEdit();
+  d->find->setObjectName("findCase");
+  d->find->setPlaceholderText("Find case id");
+  d->find->setMaximumWidth(160);
+  d->findMessage = new QLabel();
+  d->findMessage->setStyleSheet("color: #a00000");
+  d->findMessage->hide();
+  bar->addWidget(d->find);
+  bar->addWidget(d->findMessage);
+  bar->addStretch();
+  layout->addLayout(bar);
   d->table = new QTableView();
   d->table->setObjectName("casesTable");
+  layout->addWidget(d->table);
   d->table->setSelectionBehavior(QAbstractItemView::SelectRows);
   d->table->setSelectionMode(QAbstractItemView::ExtendedSelection);
   d->table->verticalHeader()->setDefaultSectionSize(22);
@@ -204,7 +337,25 @@ CasesTableView::CasesTableView(const ViewContext& context)
   columns->setSelectionModel(new QItemSelectionModel(d->model.get(), columns));
   d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
     context.selection, *d->table, boost::make_shared<RowConverter>(*d->model));
+
+  using Bounded = plexa::BoundedValueValidator<short>;
+  d->sortColumn = boost::make_shared<plexa::UndoablePropertyProxy<short>>(
+    "Sort Column",
+    boost::make_shared<plexa::Property<short>>(
+      -1,
+      boost::make_shared<Bounded>(-1,
+                                  Bounded::Inclusive,
+                                  static_cast<short>(d->model->columnCount() - 1),
+                                  Bounded::Inclusive)));
+  d->sortDescending = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
+    "Sort Descending", boost::make_shared<plexa::Property<bool>>(false));
+  sortOnHeaderClicks(*columns, d->sortColumn, d->sortDescending);
   Impl* impl = d.get();
+  d->connections.add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  d->connections.add(
+    d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  QObject::connect(d->find, &QLineEdit::returnPressed, d->container, [impl] { impl->findCase(); });
+
   d->connections.add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>&) { scrollToSelectionLater(*impl->table); }));
   d->connections.add(pipeline.connectSignalPipelineChanged(
@@ -213,22 +364,26 @@ CasesTableView::CasesTableView(const ViewContext& context)
       impl->model->reload();
       impl->synchronizer->showMasterSelection();
     }));
+  saveSetting(boost::make_shared<GenericSerializer<short>>("SortColumn", d->sortColumn),
+              "a column, or -1");
+  saveSetting(boost::make_shared<GenericSerializer<bool>>("SortDescending", d->sortDescending),
+              "0 or 1");
 }
 
 CasesTableView::~CasesTableView()
 {
   d->connections.clear();
   d->synchronizer.reset();
-  if (d->table)
+  if (d->container)
   {
     d->table->setModel(nullptr);
-    delete d->table;
+    delete d->container;
   }
 }
 
 QWidget* CasesTableView::widget() const
 {
-  return d->table;
+  return d->container;
 }
 
 void CasesTableView::accept(DataViewVisitorInterface& visitor)
@@ -262,6 +417,16 @@ void CasesTableView::refresh()
 QTableView& CasesTableView::table() const
 {
   return *d->table;
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<short>> CasesTableView::sortColumn() const
+{
+  return d->sortColumn;
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<bool>> CasesTableView::sortDescending() const
+{
+  return d->sortDescending;
 }
 
 int CasesTableView::selectedRows() const

@@ -6,11 +6,18 @@
 
 class QTableView;
 
+namespace plexa
+{
+template<typename T>
+class PropertyAbstract;
+}
+
 namespace explorer
 {
 
 /// The table of the shown cases (the pipeline's output): one row per case, one column per
-/// variable. Selecting rows selects their cases.
+/// variable. Selecting rows selects their cases. A click on a column header sorts by it (a
+/// setting, undone and saved); a case id typed in the search field is selected and scrolled to.
 class CasesTableView
   : public TableViewInterface
   , public ExplorerView
@@ -32,6 +39,9 @@ public:
 
   QTableView& table() const;
   int selectedRows() const;
+  /// The sorting column (-1 for the study's order) and direction.
+  boost::shared_ptr<plexa::PropertyAbstract<short>> sortColumn() const;
+  boost::shared_ptr<plexa::PropertyAbstract<bool>> sortDescending() const;
 
 private:
   struct Impl;

@@ -1,6 +1,7 @@
 #include "views/SelectedCasesView.h"
 
 #include "PropertyEditors.h"
+#include "TableSorting.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/Project.h"
@@ -145,24 +146,14 @@ private:
       keys.reserve(records.size());
       for (const Record& record : records)
         keys.push_back(record.data(variable).toString());
-      std::stable_sort(order.begin(),
-                       order.end(),
-                       [&](std::size_t a, std::size_t b)
-                       { return sortDescending ? keys[b] < keys[a] : keys[a] < keys[b]; });
+      sortByTexts(order, keys, sortDescending);
       return;
     }
     std::vector<double> keys;
     keys.reserve(records.size());
     for (const Record& record : records)
       keys.push_back(record.data(variable).toDouble());
-    std::stable_sort(order.begin(),
-                     order.end(),
-                     [&](std::size_t a, std::size_t b)
-                     {
-                       if (std::isnan(keys[a]) || std::isnan(keys[b]))
-                         return !std::isnan(keys[a]) && std::isnan(keys[b]);
-                       return sortDescending ? keys[b] < keys[a] : keys[a] < keys[b];
-                     });
+    sortByNumbers(order, keys, sortDescending);
   }
 
   std::shared_ptr<const Project> project;
@@ -245,8 +236,6 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
   d->model = std::make_unique<SelectedCasesModel>(d->project);
   d->table->setModel(d->model.get());
   d->table->setSortingEnabled(false);
-  d->table->horizontalHeader()->setSectionsClickable(true);
-  d->table->horizontalHeader()->setSortIndicatorShown(true);
   d->table->verticalHeader()->setDefaultSectionSize(22);
   layout->addWidget(d->table);
 
@@ -261,19 +250,8 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
                                   Bounded::Inclusive)));
   d->sortDescending = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
     "Sort Descending", boost::make_shared<plexa::Property<bool>>(false));
+  sortOnHeaderClicks(*d->table->horizontalHeader(), d->sortColumn, d->sortDescending);
   Impl* impl = d.get();
-  // A click on a header sorts by that column, the second click the other way round; both are
-  // settings, so they are undone and saved like any other.
-  QObject::connect(d->table->horizontalHeader(),
-                   &QHeaderView::sectionClicked,
-                   d->container,
-                   [impl](int column)
-                   {
-                     if (impl->sortColumn->value() == column)
-                       impl->sortDescending->setValue(!impl->sortDescending->value());
-                     else
-                       impl->sortColumn->setValue(static_cast<short>(column));
-                   });
   d->connections.add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   d->connections.add(
     d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
