@@ -1,6 +1,7 @@
 #include "images/ImageMatrixTableModelAdapter.h"
 
 #include "datamanagement/Project.h"
+#include "datamanagement/Record.h"
 #include "images/ImageFileLoaderInterface.h"
 #include "images/ImageMatrixViewProperties.h"
 #include "images/ImageTableModel.h"
@@ -8,6 +9,8 @@
 
 #include <QImage>
 #include <boost/format.hpp>
+
+#include <algorithm>
 
 ImageMatrixTableModelAdapter::ImageMatrixTableModelAdapter(
   std::shared_ptr<ImageTableModel> grid,
@@ -67,9 +70,45 @@ void ImageMatrixTableModelAdapter::imagesChanged()
   }
 }
 
+void ImageMatrixTableModelAdapter::setPreferredCases(const std::set<unsigned long long>& ids)
+{
+  if (ids.empty() && preferred.empty())
+    return;
+  preferred.assign(ids.begin(), ids.end());
+  if (rowCount() > 0 && columnCount() > 0)
+  {
+    Q_EMIT dataChanged(index(0, 0),
+                       index(rowCount() - 1, columnCount() - 1),
+                       { Qt::DisplayRole, Qt::DecorationRole, Qt::ToolTipRole });
+  }
+}
+
+std::vector<WeakPtr<AuxFile>> ImageMatrixTableModelAdapter::filesAt(const QModelIndex& index) const
+{
+  auto files = imageGrid->auxFilesAt(index.row(), index.column());
+  if (files.size() < 2 || preferred.empty())
+    return files;
+  // The smallest preferred case of the cell: both lists are sorted; look the shorter up in the
+  // longer.
+  const auto& cases = imageGrid->casesAt(index.row(), index.column());
+  const auto& few = preferred.size() < cases.size() ? preferred : cases;
+  const auto& many = preferred.size() < cases.size() ? cases : preferred;
+  const auto chosen = std::find_if(few.begin(),
+                                   few.end(),
+                                   [&](unsigned long long id)
+                                   { return std::binary_search(many.begin(), many.end(), id); });
+  if (chosen == few.end())
+    return files;
+  std::stable_partition(files.begin(),
+                        files.end(),
+                        [&](const WeakPtr<AuxFile>& file)
+                        { return file.lock().record().lock().caseId() == *chosen; });
+  return files;
+}
+
 QString ImageMatrixTableModelAdapter::caption(const QModelIndex& index) const
 {
-  const auto files = imageGrid->auxFilesAt(index.row(), index.column());
+  const auto files = filesAt(index);
   if (files.empty() || !properties->showLabels()->value())
   {
     return {};
@@ -81,7 +120,7 @@ QString ImageMatrixTableModelAdapter::caption(const QModelIndex& index) const
 
 QString ImageMatrixTableModelAdapter::toolTip(const QModelIndex& index) const
 {
-  const auto files = imageGrid->auxFilesAt(index.row(), index.column());
+  const auto files = filesAt(index);
   if (files.empty())
   {
     return {};
@@ -120,7 +159,7 @@ QVariant ImageMatrixTableModelAdapter::data(const QModelIndex& index, int role) 
       return caption(index);
     case Qt::DecorationRole:
     {
-      const auto files = imageGrid->auxFilesAt(index.row(), index.column());
+      const auto files = filesAt(index);
       if (files.empty())
         return {};
       const std::shared_ptr<QImage> image = loader->image(files.front().lock().filePath());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datamanagement/AuxFile.h"
+#include "datamanagement/WeakPtr.h"
 #include "images/ImageDecorator.h"
 #include "images/LabelMaker.h"
 #include "quen_analyzer_dataviews_common_export.h"
@@ -8,13 +10,16 @@
 #include <QAbstractTableModel>
 
 #include <memory>
+#include <set>
+#include <vector>
 
 class ImageFileLoaderInterface;
 class ImageMatrixViewProperties;
 class ImageTableModel;
 
 /// The Qt table model of the image matrix over its grid: a cell shows the image of its first
-/// file (with the stack marker when it holds several), a caption built from the variables in
+/// file (with the stack marker when it holds several), or the first file of a preferred case it
+/// holds, a caption built from the variables in
 /// label when labels are shown, and a tool tip naming the case, the file and the further images
 /// of the cell. Header texts are the axis values. The model resets whenever the grid rebuilds;
 /// label settings change captions and tool tips in place.
@@ -41,12 +46,20 @@ public:
   const ImageTableModel& grid() const;
   /// Tells the views that every image changed (after the loader's size changed).
   void imagesChanged();
+  /// The cases whose images come first: a cell holding some of them shows the first file of
+  /// the smallest (its caption and tool tip follow); other cells show their first file. The
+  /// image view prefers the selected cases, so that a cell shows the case picked elsewhere.
+  void setPreferredCases(const std::set<unsigned long long>& ids);
 
 private:
+  /// The files of a cell, those of its preferred case first.
+  std::vector<WeakPtr<AuxFile>> filesAt(const QModelIndex& index) const;
+
   std::shared_ptr<ImageTableModel> imageGrid;
   std::shared_ptr<ImageFileLoaderInterface> loader;
   std::shared_ptr<ImageMatrixViewProperties> properties;
   LabelMaker labelMaker;
   ImageDecorator decorator;
   SignalConnectionCollection connections;
+  std::vector<unsigned long long> preferred;
 };

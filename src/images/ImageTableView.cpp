@@ -168,6 +168,8 @@ ImageTableView::ImageTableView(QWidget& parent,
   d->connections.add(d->properties->zoom()->connectSignalValueChanged(
     [impl](const unsigned long long& zoom) { impl->applyZoom(zoom); }));
   d->connections.add(d->grid->connectSignalModelReset([impl] { impl->gridRebuilt(); }));
+  d->connections.add(d->selectionModel->connectSignalSelectionChanged(
+    [adapter](const std::set<unsigned long long>& ids) { adapter->setPreferredCases(ids); }));
   const auto captionsChanged = [impl] { impl->resizeCells(); };
   d->connections.add(d->properties->showLabels()->connectSignalPropertyChanged(captionsChanged));
   d->connections.add(

@@ -116,6 +116,20 @@ TEST_F(ImageTableViewTest, SelectionIsTheMasterSelectionBothWays)
   EXPECT_EQ(master->getSelections(), (Cases{ 3, 4, 6 }));
 }
 
+TEST_F(ImageTableViewTest, ACellHoldingASelectedCaseShowsThatCasesImageFirst)
+{
+  // Speed 10 and angle 45: case 3 (magenta, then yellow) and case 6 (dark red).
+  const QModelIndex cell = view->tableView().model()->index(0, 1);
+  const auto shown = [&]
+  { return cell.data(Qt::DecorationRole).value<QImage>().pixelColor(25, 25); };
+  EXPECT_EQ(shown(), QColor(Qt::magenta));
+  master->setSelection({ 6 });
+  EXPECT_EQ(shown(), QColor(Qt::darkRed));
+  EXPECT_TRUE(cell.data(Qt::ToolTipRole).toString().startsWith("Case ID: 6")) << "tip follows";
+  master->setSelection({ 1, 3, 6 });
+  EXPECT_EQ(shown(), QColor(Qt::magenta)) << "the smallest selected case of the cell";
+}
+
 TEST_F(ImageTableViewTest, SuspendedViewsCatchUpOnResume)
 {
   view->suspend();
