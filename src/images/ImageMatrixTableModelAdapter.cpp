@@ -5,8 +5,10 @@
 #include "images/ImageFileLoaderInterface.h"
 #include "images/ImageMatrixViewProperties.h"
 #include "images/ImageTableModel.h"
+#include "images/ImageViewItemDelegate.h"
 #include "properties/PropertyAbstract.h"
 
+#include <QFileInfo>
 #include <QImage>
 #include <boost/format.hpp>
 
@@ -147,6 +149,20 @@ QString ImageMatrixTableModelAdapter::toolTip(const QModelIndex& index) const
   return QString::fromStdString(text);
 }
 
+QString ImageMatrixTableModelAdapter::problem(const QModelIndex& index) const
+{
+  const auto files = filesAt(index);
+  if (files.empty())
+    return {};
+  const std::string path = files.front().lock().filePath();
+  const std::shared_ptr<QImage> image = loader->image(path);
+  if (image && !image->isNull())
+    return {};
+  // The loader does not say why; a file that is there failed to decode or was refused as too
+  // large.
+  return QFileInfo::exists(QString::fromStdString(path)) ? "unreadable image" : "missing file";
+}
+
 QVariant ImageMatrixTableModelAdapter::data(const QModelIndex& index, int role) const
 {
   if (!index.isValid())
@@ -163,10 +179,14 @@ QVariant ImageMatrixTableModelAdapter::data(const QModelIndex& index, int role) 
       if (files.empty())
         return {};
       const std::shared_ptr<QImage> image = loader->image(files.front().lock().filePath());
+      if (!image || image->isNull())
+        return {};
       return files.size() > 1 ? decorator.decorate(*image) : *image;
     }
     case Qt::ToolTipRole:
       return toolTip(index);
+    case ImageViewItemDelegate::ProblemRole:
+      return problem(index);
     default:
       return {};
   }

@@ -80,6 +80,19 @@ void ImageViewItemDelegate::paint(QPainter* painter,
     const int x = option.rect.x() + (option.rect.width() - image.width()) / 2;
     painter->drawImage(QPoint(x, option.rect.y() + 4), image);
   }
+  else if (const QString problem = index.data(ProblemRole).toString(); !problem.isEmpty())
+  {
+    // In place of the image, a frame saying why there is none.
+    const QRect frame(option.rect.x() + (option.rect.width() - size.width()) / 2,
+                      option.rect.y() + 4,
+                      size.width() - 1,
+                      size.height() - 1);
+    painter->fillRect(frame, QColor(235, 235, 235));
+    painter->setPen(QPen(QColor(160, 40, 40), 1, Qt::DashLine));
+    painter->drawRect(frame);
+    painter->setPen(QColor(120, 30, 30));
+    painter->drawText(frame.adjusted(3, 3, -3, -3), Qt::TextWordWrap | Qt::AlignCenter, problem);
+  }
   const QString text = index.data(Qt::DisplayRole).toString();
   if (!text.isEmpty())
   {

@@ -15,6 +15,10 @@ class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT ImageViewItemDelegate : public QStyl
   Q_OBJECT
 
 public:
+  /// The role of a text the delegate draws in a frame in place of an image that could not be
+  /// shown (why: "missing file"), for a cell that has no image.
+  static constexpr int ProblemRole = Qt::UserRole + 1;
+
   using CaptionFunction = std::function<QString(const QModelIndex&)>;
 
   /// The caption of a cell comes from `caption`; the parent widget's font measures it.

@@ -11,8 +11,10 @@
 #include "qxt/QxtLabel.h"
 #include "support/SmallStudy.h"
 
+#include <QFile>
 #include <QHeaderView>
 #include <QLayout>
+#include <QPainter>
 #include <QScrollBar>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -128,6 +130,26 @@ TEST_F(ImageTableViewTest, ACellHoldingASelectedCaseShowsThatCasesImageFirst)
   EXPECT_TRUE(cell.data(Qt::ToolTipRole).toString().startsWith("Case ID: 6")) << "tip follows";
   master->setSelection({ 1, 3, 6 });
   EXPECT_EQ(shown(), QColor(Qt::magenta)) << "the smallest selected case of the cell";
+}
+
+TEST_F(ImageTableViewTest, ACellWhoseImageCannotBeShownSaysWhy)
+{
+  QFile::remove(QString::fromStdString(study.folder.filePath("images/4_speed.png")));
+  study.folder.write("images/2_traj.png", "not a picture");
+  const QAbstractItemModel& model = *view->tableView().model();
+  const auto problem = [&](int row, int column)
+  { return model.index(row, column).data(ImageViewItemDelegate::ProblemRole).toString(); };
+  EXPECT_EQ(problem(0, 0), "") << "case 1's image is there";
+  EXPECT_EQ(problem(1, 0), "unreadable image") << "case 2";
+  EXPECT_EQ(problem(1, 1), "missing file") << "case 4";
+  EXPECT_TRUE(model.index(1, 1).data(Qt::DecorationRole).isNull());
+  QImage drawn(58, 58, QImage::Format_RGB32);
+  drawn.fill(Qt::white);
+  QPainter painter(&drawn);
+  QStyleOptionViewItem option;
+  option.rect = drawn.rect();
+  view->tableView().imageDelegate()->paint(&painter, option, model.index(1, 1));
+  EXPECT_EQ(drawn.pixelColor(10, 50), QColor(235, 235, 235)) << "a grey frame for the image";
 }
 
 TEST_F(ImageTableViewTest, SuspendedViewsCatchUpOnResume)
