@@ -4,6 +4,7 @@
 #include <vtkContext2D.h>
 #include <vtkImageData.h>
 #include <vtkObjectFactory.h>
+#include <vtkPen.h>
 #include <vtkPoints2D.h>
 #include <vtkTable.h>
 #include <vtkUnsignedCharArray.h>
@@ -26,12 +27,32 @@ void vtkDensityPlotPoints::PrintSelf(ostream& os, vtkIndent indent)
 {
   this->Superclass::PrintSelf(os, indent);
   os << indent << "DrawDensity: " << this->DrawDensity << "\n";
+  os << indent << "PointOpacity: " << this->PointOpacity << "\n";
+}
+
+void vtkDensityPlotPoints::ApplyPointOpacity()
+{
+  const auto alpha = static_cast<unsigned char>(std::lround(this->PointOpacity * 255));
+  this->Pen->SetOpacity(alpha);
+  vtkUnsignedCharArray* colors = this->Colors;
+  if (!colors || colors->GetNumberOfComponents() != 4 ||
+      (colors->GetMTime() == this->OpacityColorsTime && alpha == this->OpacityAlpha))
+  {
+    return;
+  }
+  unsigned char* rgba = colors->GetPointer(0);
+  for (vtkIdType i = 0; i < colors->GetNumberOfTuples(); ++i)
+    rgba[4 * i + 3] = alpha;
+  colors->Modified();
+  this->OpacityColorsTime = colors->GetMTime();
+  this->OpacityAlpha = alpha;
 }
 
 bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
 {
   if (!this->DrawDensity)
   {
+    this->ApplyPointOpacity();
     return this->Superclass::Paint(painter);
   }
   if (!this->Visible || !this->Points || this->Points->GetNumberOfPoints() == 0 || !this->XAxis ||

@@ -30,6 +30,11 @@ public:
   vtkSetMacro(DrawDensity, bool);
   vtkGetMacro(DrawDensity, bool);
 
+  /// The opacity of the markers, 1 by default: below it, crowded markers show how many lie on
+  /// each other. The density mode shows that by itself and ignores it.
+  vtkSetClampMacro(PointOpacity, double, 0.0, 1.0);
+  vtkGetMacro(PointOpacity, double);
+
   bool Paint(vtkContext2D* painter) override;
 
   /// The hovered point's case (column 0 of the input) and its values, named by the axes:
@@ -46,7 +51,14 @@ private:
   vtkDensityPlotPoints(const vtkDensityPlotPoints&) = delete;
   void operator=(const vtkDensityPlotPoints&) = delete;
 
+  // Gives the markers' colours (or the pen, without colours) the point opacity.
+  void ApplyPointOpacity();
+
   bool DrawDensity = false;
+  double PointOpacity = 1.0;
+  // The colours the opacity was written into, and the alpha written.
+  vtkMTimeType OpacityColorsTime = 0;
+  unsigned char OpacityAlpha = 255;
   vtkNew<vtkImageData> Density;
   // What the image was made from; a change of any of them bins the points again.
   vtkMTimeType BinnedPointsTime = 0;

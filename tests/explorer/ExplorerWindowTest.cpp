@@ -414,6 +414,12 @@ TEST_F(ExplorerWindowTest, TheChartShowsEditsAtOnceWithWholePointsRingedSelectio
   EXPECT_GE(darkAround(pixelOf(1008)), 3) << "selected";
   EXPECT_EQ(darkAround(pixelOf(1012)), 0) << "not selected";
 
+  // Translucent markers: a lone point's colour fades towards the white behind it.
+  const int opaque = shown.pixelColor(pixelOf(1012)).saturation();
+  scatter->pointOpacity()->setValue(0.25);
+  QApplication::processEvents();
+  EXPECT_LT(widget->grabFramebuffer().pixelColor(pixelOf(1012)).saturation(), opaque / 2);
+
   // The colour legend sits right of the plot, where no point can be.
   const int plotRight = qRound(points.GetXAxis()->GetPoint2()[0]);
   int coloured = 0;

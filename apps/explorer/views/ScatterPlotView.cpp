@@ -32,6 +32,7 @@
 
 #include <QDomElement>
 #include <QFormLayout>
+#include <QLineEdit>
 #include <QPointer>
 #include <QTimer>
 #include <QVTKOpenGLNativeWidget.h>
@@ -215,6 +216,7 @@ struct ScatterPlotView::Impl
   vtkSmartPointer<ChartXY> chart;
   vtkSmartPointer<vtkDensityPlotPoints> points;
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> pointsMode;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<double>> pointOpacity;
   // The selected cases, drawn over the others as larger markers in a dark ring, so that they
   // stand out in any colour of the map.
   vtkSmartPointer<vtkDensityPlotPoints> selectedRing;
@@ -483,6 +485,16 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
       boost::make_shared<Bounded>(
         AutomaticPoints, Bounded::Inclusive, DensityPoints, Bounded::Inclusive)));
 
+  d->pointOpacity = boost::make_shared<plexa::UndoablePropertyProxy<double>>(
+    "Point Opacity",
+    boost::make_shared<plexa::Property<double>>(
+      1.0,
+      boost::make_shared<plexa::BoundedValueValidator<double>>(
+        0.05,
+        plexa::BoundedValueValidator<double>::Inclusive,
+        1.0,
+        plexa::BoundedValueValidator<double>::Inclusive)));
+
   d->visible = boost::make_shared<plexa::Property<bool>>(true);
   d->legendWidget = vtkSmartPointer<NiceLabelsColorBarWidget>::New();
   d->legend = std::make_unique<ColorLegend>(
@@ -584,6 +596,12 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
       impl->applyPointsMode();
       impl->scheduleRender();
     }));
+  d->connections.add(d->pointOpacity->connectSignalValueChanged(
+    [impl](const double& opacity)
+    {
+      impl->points->SetPointOpacity(opacity);
+      impl->scheduleRender();
+    }));
   // Settings typed in the panel show at once, not when the mouse next enters the chart.
   for (const plexa::PropertyItemInterface* setting :
        std::initializer_list<const plexa::PropertyItemInterface*>{
@@ -605,6 +623,8 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   saveVariableSetting("ColorVariable", d->color, *d->project);
   saveSetting(d->legend->serializer());
   saveSetting(boost::make_shared<GenericSerializer<short>>("Points", d->pointsMode), "0, 1 or 2");
+  saveSetting(boost::make_shared<GenericSerializer<double>>("PointOpacity", d->pointOpacity),
+              "a number from 0.05 to 1");
   // The range first: a custom grid spacing is checked against it.
   for (const auto& [prefix, axis] :
        { std::make_pair("X", d->xAxis.get()), std::make_pair("Y", d->yAxis.get()) })
@@ -706,6 +726,7 @@ std::vector<SettingsSection> ScatterPlotView::settingsSections(PropertyEditors& 
                                           { { "Automatic (density above 25,000)", AutomaticPoints },
                                             { "Markers", MarkerPoints },
                                             { "Density", DensityPoints } }));
+  form->addRow("Point opacity", editors.numberEditor(d->pointOpacity));
   form->addRow(editors.axisEditor("X axis", *d->xAxis));
   form->addRow(editors.axisEditor("Y axis", *d->yAxis));
   return { { title(), chart }, { "Colour legend", editors.colorLegendEditor(*d->legend) } };
@@ -787,6 +808,11 @@ vtkPlotPoints& ScatterPlotView::points() const
 boost::shared_ptr<plexa::PropertyAbstract<short>> ScatterPlotView::pointsMode() const
 {
   return d->pointsMode;
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<double>> ScatterPlotView::pointOpacity() const
+{
+  return d->pointOpacity;
 }
 
 ChartXY& ScatterPlotView::chart() const

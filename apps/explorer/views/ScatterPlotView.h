@@ -58,6 +58,8 @@ public:
     DensityPoints = 2
   };
   boost::shared_ptr<plexa::PropertyAbstract<short>> pointsMode() const;
+  /// The markers' opacity, from 0.05 to 1.
+  boost::shared_ptr<plexa::PropertyAbstract<double>> pointOpacity() const;
   /// The chart, for mouse events sent to it directly.
   ChartXY& chart() const;
   int highlightedPoints() const;
