@@ -50,8 +50,17 @@ ExplorerWindow& windowOver(long long runs, bool images)
   if (windows.empty())
     bench::atEnd([] { windows.clear(); });
   auto& window = windows[{ runs, images }];
+  // Only one window is on screen at a time: hidden ones would not be drawn at all, shown ones
+  // would all be drawn.
+  for (auto& [key, other] : windows)
+    if (other && other != window)
+      other->hide();
   if (window)
+  {
+    window->show();
+    QApplication::processEvents();
     return *window;
+  }
   explorer::SampleStudyOptions options;
   options.folder =
     bench::dataFolder() + "/explorer-" + std::to_string(runs) + (images ? "-images" : "");
@@ -59,10 +68,6 @@ ExplorerWindow& windowOver(long long runs, bool images)
   options.images = images;
   if (!QDir(QString::fromStdString(options.folder)).exists("cases.csv"))
     explorer::writeSampleStudy(options);
-  // Only one window is on screen at a time: the others would be drawn too.
-  for (auto& [key, other] : windows)
-    if (other)
-      other->hide();
   window = std::make_unique<ExplorerWindow>();
   window->showStudy(readStudy(options.folder));
   window->resize(1600, 1000);

@@ -1,5 +1,6 @@
 #include "charts/ChartXY.h"
 #include "properties/VTKChartsMouseModeProperty.h"
+#include "support/ChartEvents.h"
 #include "support/RenderedView.h"
 
 #include <gtest/gtest.h>
@@ -19,29 +20,6 @@
 
 namespace
 {
-
-vtkContextMouseEvent mouseAt(float x, float y, vtkRenderWindowInteractor* interactor)
-{
-  vtkContextMouseEvent event;
-  event.SetInteractor(interactor);
-  event.SetButton(vtkContextMouseEvent::LEFT_BUTTON);
-  event.SetPos(vtkVector2f(x, y));
-  event.SetScreenPos(vtkVector2i(static_cast<int>(x), static_cast<int>(y)));
-  event.SetScenePos(vtkVector2f(x, y));
-  event.SetLastPos(vtkVector2f(x, y));
-  event.SetLastScreenPos(vtkVector2i(static_cast<int>(x), static_cast<int>(y)));
-  event.SetLastScenePos(vtkVector2f(x, y));
-  return event;
-}
-
-float pixelOf(vtkAxis& axis, int component, double value)
-{
-  const float start = axis.GetPoint1()[component];
-  const float end = axis.GetPoint2()[component];
-  return start +
-         static_cast<float>((value - axis.GetMinimum()) / (axis.GetMaximum() - axis.GetMinimum())) *
-           (end - start);
-}
 
 // Eleven points on the diagonal, 0 to 100 in steps of 10, in a rendered chart.
 struct DiagonalChart
@@ -65,9 +43,8 @@ struct DiagonalChart
 
   vtkContextMouseEvent at(double x, double y, float dx = 0, float dy = 0)
   {
-    return mouseAt(pixelOf(*chart->GetAxis(vtkAxis::BOTTOM), 0, x) + dx,
-                   pixelOf(*chart->GetAxis(vtkAxis::LEFT), 1, y) + dy,
-                   rendered.view().GetRenderWindow()->GetInteractor());
+    return testsupport::mouseAt(
+      *chart, rendered.view().GetRenderWindow()->GetInteractor(), x, y, dx, dy);
   }
 
   testsupport::RenderedView rendered{ 400, 300 };

@@ -26,6 +26,7 @@
 #include "images/ImageTableView.h"
 #include "images/QImageTableView.h"
 #include "properties/PropertyAbstract.h"
+#include "support/ChartEvents.h"
 #include "support/RenderedView.h"
 #include "support/SmallStudy.h"
 #include "support/TemporaryFolder.h"
@@ -385,16 +386,10 @@ TEST_F(ExplorerWindowTest, TheChartShowsEditsAtOnceWithWholePointsRingedSelectio
     {
       if (table->GetValue(row, 0).ToDouble() != static_cast<double>(id))
         continue;
-      const auto along = [&](vtkAxis* axis, int c, double value)
-      {
-        return axis->GetPoint1()[c] + (value - axis->GetMinimum()) /
-                                        (axis->GetMaximum() - axis->GetMinimum()) *
-                                        (axis->GetPoint2()[c] - axis->GetPoint1()[c]);
-      };
       const double x = table->GetValueByName(row, points.GetXAxis()->GetTitle().c_str()).ToDouble();
       const double y = table->GetValueByName(row, points.GetYAxis()->GetTitle().c_str()).ToDouble();
-      return QPoint(qRound(along(points.GetXAxis(), 0, x)),
-                    shown.height() - 1 - qRound(along(points.GetYAxis(), 1, y)));
+      return QPoint(qRound(testsupport::pixelOf(*points.GetXAxis(), 0, x)),
+                    shown.height() - 1 - qRound(testsupport::pixelOf(*points.GetYAxis(), 1, y)));
     }
     return QPoint(-1, -1);
   };
@@ -500,23 +495,7 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
   auto* widget = qobject_cast<QVTKOpenGLNativeWidget*>(scatter->widget());
   scatter->fitToData();
   const auto mouseAt = [&](double x, double y)
-  {
-    const auto pixel = [](vtkAxis* axis, int c, double value)
-    {
-      return axis->GetPoint1()[c] + static_cast<float>((value - axis->GetMinimum()) /
-                                                       (axis->GetMaximum() - axis->GetMinimum())) *
-                                      (axis->GetPoint2()[c] - axis->GetPoint1()[c]);
-    };
-    const vtkVector2f at(pixel(chart.GetAxis(vtkAxis::BOTTOM), 0, x),
-                         pixel(chart.GetAxis(vtkAxis::LEFT), 1, y));
-    vtkContextMouseEvent event;
-    event.SetInteractor(widget->interactor());
-    event.SetButton(vtkContextMouseEvent::LEFT_BUTTON);
-    event.SetPos(at);
-    event.SetScenePos(at);
-    event.SetScreenPos(vtkVector2i(static_cast<int>(at[0]), static_cast<int>(at[1])));
-    return event;
-  };
+  { return testsupport::mouseAt(chart, widget->interactor(), x, y); };
   // A rubber band over the runs at 25 and 35 degrees with ranges up to 100, and a click on the
   // point of case 1008, in each mode.
   std::map<short, std::set<unsigned long long>> banded;

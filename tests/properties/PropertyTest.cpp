@@ -66,23 +66,6 @@ TEST(Property, TheSignalCarriesTheValueReadBackAfterStoring)
   EXPECT_EQ(seen, std::vector<int>{ 100 }) << "not the argument, 250";
 }
 
-TEST(Property, TheUntypedSignalFiresOncePerChangeWhileItHasListeners)
-{
-  plexa::Property<double> property(1.0);
-  property.setValue(2.0); // no listener: nothing to fire
-  int untyped = 0;
-  {
-    boost::signals2::scoped_connection connection =
-      property.connectSignalPropertyChanged([&] { ++untyped; });
-    property.setValue(3.0);
-    property.setValue(3.0);
-    property.setValue(4.0);
-    EXPECT_EQ(untyped, 2);
-  }
-  property.setValue(5.0);
-  EXPECT_EQ(untyped, 2);
-}
-
 TEST(Property, InvalidValuesAreRefusedWithTheValidatorsMessageAndChangeNothing)
 {
   auto validator = boost::make_shared<plexa::BoundedValueValidator<short>>(
