@@ -10,6 +10,7 @@
 
 #include <QFileInfo>
 #include <QImage>
+#include <QImageReader>
 #include <boost/format.hpp>
 
 #include <algorithm>
@@ -158,9 +159,12 @@ QString ImageMatrixTableModelAdapter::problem(const QModelIndex& index) const
   const std::shared_ptr<QImage> image = loader->image(path);
   if (image && !image->isNull())
     return {};
-  // The loader does not say why; a file that is there failed to decode or was refused as too
-  // large.
-  return QFileInfo::exists(QString::fromStdString(path)) ? "unreadable image" : "missing file";
+  // The loader does not say why. A file whose header declares a size was refused as too large
+  // for the cache's pixel budget, or is damaged past its header.
+  const QString file = QString::fromStdString(path);
+  if (!QFileInfo::exists(file))
+    return "missing file";
+  return QImageReader(file).size().isValid() ? "image too large or damaged" : "unreadable image";
 }
 
 QVariant ImageMatrixTableModelAdapter::data(const QModelIndex& index, int role) const

@@ -43,9 +43,9 @@ public:
   QString caption(const QModelIndex& index) const;
   /// The tool tip of a cell: empty for a cell without files.
   QString toolTip(const QModelIndex& index) const;
-  /// Why the shown file of a cell gives no image ("missing file", "unreadable image"); empty
-  /// when it gives one or the cell has none. data() gives it for ImageViewItemDelegate's
-  /// ProblemRole.
+  /// Why the shown file of a cell gives no image ("missing file", "unreadable image", "image
+  /// too large or damaged"); empty when it gives one or the cell has none. data() gives it for
+  /// ImageViewItemDelegate's ProblemRole.
   QString problem(const QModelIndex& index) const;
   const ImageTableModel& grid() const;
   /// Tells the views that every image changed (after the loader's size changed).

@@ -135,11 +135,14 @@ TEST_F(ImageTableViewTest, ACellHoldingASelectedCaseShowsThatCasesImageFirst)
 TEST_F(ImageTableViewTest, ACellWhoseImageCannotBeShownSaysWhy)
 {
   QFile::remove(QString::fromStdString(study.folder.filePath("images/4_speed.png")));
+  testsupport::writeImage(study.folder, "images/1_traj.png", 400, 300, Qt::red);
+  cache.setPixelBudget(100000);
   study.folder.write("images/2_traj.png", "not a picture");
   const QAbstractItemModel& model = *view->tableView().model();
   const auto problem = [&](int row, int column)
   { return model.index(row, column).data(ImageViewItemDelegate::ProblemRole).toString(); };
-  EXPECT_EQ(problem(0, 0), "") << "case 1's image is there";
+  EXPECT_EQ(problem(0, 1), "") << "case 3's image is there";
+  EXPECT_EQ(problem(0, 0), "image too large or damaged") << "case 1's, over the pixel budget";
   EXPECT_EQ(problem(1, 0), "unreadable image") << "case 2";
   EXPECT_EQ(problem(1, 1), "missing file") << "case 4";
   EXPECT_TRUE(model.index(1, 1).data(Qt::DecorationRole).isNull());
