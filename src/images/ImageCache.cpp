@@ -44,6 +44,11 @@ std::shared_ptr<ImageFileLoaderInterface> ImageCache::imageLoader() const
   return std::make_shared<ImageCacheClient>(d);
 }
 
+std::shared_ptr<ImageFileLoaderInterface> ImageCache::sharedLoader() const
+{
+  return d;
+}
+
 long long ImageCache::pixelBudget() const
 {
   return d->pixelBudget.load();

@@ -24,6 +24,10 @@ public:
 
   /// A new client bound to the shared cache; it stays usable after this object is gone.
   std::shared_ptr<ImageFileLoaderInterface> imageLoader() const;
+  /// The shared cache itself, for a user that keeps only what it makes of an image (the image
+  /// matrix keeps its scaled copies): it gives the decoded image that some client holds, or
+  /// decodes the file, and keeps nothing, so an original lives only while its user holds it.
+  std::shared_ptr<ImageFileLoaderInterface> sharedLoader() const;
 
   /// The largest image, in pixels, that this cache's clients decode files to; a change applies
   /// to the files read from then on.

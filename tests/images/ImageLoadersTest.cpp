@@ -90,6 +90,24 @@ TEST(ImageCache, ClientsShareOneDecodedImageWhileEitherHoldsIt)
   EXPECT_EQ(again->pixelColor(0, 0), QColor(Qt::red));
 }
 
+TEST(ImageCache, TheSharedLoaderSharesWhatAClientHoldsAndKeepsNothing)
+{
+  TemporaryFolder folder;
+  const std::string held = writeImage(folder, "held.png", 40, 30, Qt::red);
+  const std::string passing = writeImage(folder, "passing.png", 400, 300, Qt::blue);
+  ImageCache cache;
+  auto client = cache.imageLoader();
+  const auto original = client->image(held);
+  EXPECT_EQ(cache.sharedLoader()->image(held).get(), original.get());
+
+  // The image matrix's way: scaled copies kept, originals gone once scaled.
+  ScalingImageLoader scaled(cache.sharedLoader(), QSize(40, 40));
+  std::weak_ptr<QImage> decoded = cache.sharedLoader()->image(passing);
+  EXPECT_TRUE(decoded.expired()) << "nobody holds it";
+  EXPECT_EQ(scaled.image(passing)->size(), QSize(40, 30));
+  EXPECT_EQ(scaled.image(held)->pixelColor(0, 0), QColor(Qt::red));
+}
+
 TEST(ImageCache, AStaleWeakEntryIsReplacedByExactlyOne)
 {
   TemporaryFolder folder;

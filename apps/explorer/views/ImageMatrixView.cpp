@@ -105,7 +105,7 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
   d->table = new ImageTableView(*d->container,
                                 context.pipeline,
                                 context.selection,
-                                context.images->imageLoader(),
+                                context.images->sharedLoader(),
                                 d->properties);
   layout->addWidget(d->table);
   QTableView* cells = &d->table->tableView();
