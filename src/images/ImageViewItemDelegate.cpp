@@ -91,7 +91,9 @@ void ImageViewItemDelegate::paint(QPainter* painter,
     painter->setPen(QPen(QColor(160, 40, 40), 1, Qt::DashLine));
     painter->drawRect(frame);
     painter->setPen(QColor(120, 30, 30));
-    painter->drawText(frame.adjusted(3, 3, -3, -3), Qt::TextWordWrap | Qt::AlignCenter, problem);
+    painter->drawText(frame.adjusted(3, 3, -3, -3),
+                      static_cast<int>(Qt::TextWordWrap) | static_cast<int>(Qt::AlignCenter),
+                      problem);
   }
   const QString text = index.data(Qt::DisplayRole).toString();
   if (!text.isEmpty())

@@ -350,6 +350,7 @@ CasesTableView::CasesTableView(const ViewContext& context)
   d->sortDescending = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
     "Sort Descending", boost::make_shared<plexa::Property<bool>>(false));
   sortOnHeaderClicks(*columns, d->sortColumn, d->sortDescending);
+  columns->setSortIndicator(-1, Qt::AscendingOrder); // in the study's order until a click
   Impl* impl = d.get();
   d->connections.add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   d->connections.add(

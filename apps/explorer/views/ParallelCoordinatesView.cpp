@@ -365,7 +365,7 @@ struct ParallelCoordinatesView::Impl
             axis.position[static_cast<std::size_t>(row)] =
               axis.categories.size() == 1
                 ? 0.5f
-                : static_cast<float>((found - axis.categories.begin()) / steps);
+                : static_cast<float>(static_cast<double>(found - axis.categories.begin()) / steps);
         }
       }
       else if (auto* numbers = vtkDoubleArray::SafeDownCast(column))
@@ -541,11 +541,15 @@ struct ParallelCoordinatesView::Impl
       {
         // At most about one label per 14 pixels.
         const std::size_t n = axis.categories.size();
-        const std::size_t every = std::max<std::size_t>(
-          1, static_cast<std::size_t>(n * 14 / std::max(at.bottom - at.top, 1.0)));
+        const std::size_t every =
+          std::max<std::size_t>(1,
+                                static_cast<std::size_t>(static_cast<double>(n) * 14 /
+                                                         std::max(at.bottom - at.top, 1.0)));
         for (std::size_t i = 0; i < n; i += every)
         {
-          const double y = at.y(n == 1 ? 0.5f : static_cast<float>(i / double(n - 1)));
+          const double y =
+            at.y(n == 1 ? 0.5f
+                        : static_cast<float>(static_cast<double>(i) / static_cast<double>(n - 1)));
           painter.drawText(QRectF(x + 4, y - 7, slot / 2, 14),
                            Qt::AlignLeft | Qt::AlignVCenter,
                            QString::fromStdString(axis.categories[i]));

@@ -398,7 +398,7 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   d->lookupTable->SetHueRange(0.667, 0.0);
   d->lookupTable->SetNanColor(0.45, 0.45, 0.45, 1);
   d->lookupTable->Build();
-  const auto actor = [this](vtkRenderer& renderer, double pointSize)
+  const auto actor = [this](vtkRenderer& renderer, float pointSize)
   {
     auto mapper = vtkSmartPointer<vtkPolyDataMapper>::New();
     mapper->SetLookupTable(d->lookupTable);

@@ -3,7 +3,6 @@
 #include <boost/signals2/signal.hpp>
 #include <gtest/gtest.h>
 
-
 TEST(SignalConnectionCollection, BlockMutesUnblockRestoresAndLateAdditionsFollowTheState)
 {
   boost::signals2::signal<void()> signal;
