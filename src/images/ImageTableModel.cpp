@@ -128,6 +128,8 @@ struct ImageTableModel::Impl
   Axis columns;
   std::optional<std::string> pageTag;
   std::vector<std::vector<unsigned long long>> cells;
+  // (case id, cell index) for every case in every cell, in case id order.
+  std::vector<std::pair<unsigned long long, std::size_t>> cellOfCase;
   mutable std::vector<std::optional<std::vector<WeakPtr<AuxFile>>>> files;
 
   bool inGrid(int row, int column) const
@@ -138,6 +140,12 @@ struct ImageTableModel::Impl
   {
     return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns.size()) +
            static_cast<std::size_t>(column);
+  }
+
+  void add(unsigned long long id, std::size_t cell)
+  {
+    cells[cell].push_back(id);
+    cellOfCase.emplace_back(id, cell);
   }
 
   void build()
@@ -166,6 +174,7 @@ struct ImageTableModel::Impl
     cells.assign(static_cast<std::size_t>(rows.size()) * static_cast<std::size_t>(columns.size()),
                  {});
     files.assign(cells.size(), std::nullopt);
+    cellOfCase.clear();
     // One pass over the cases, each appended to its cells; the cases come in ascending order
     // without repeats, so every cell's list is sorted as it is filled.
     std::vector<int> rowEntries;
@@ -180,7 +189,7 @@ struct ImageTableModel::Impl
       if (rows.byTag && columns.byTag)
       {
         for (int i = 0; i < std::min(rows.size(), columns.size()); ++i)
-          cells[cellIndex(i, i)].push_back(id);
+          add(id, cellIndex(i, i));
         continue;
       }
       entriesOf(rows, i, rowEntries);
@@ -189,7 +198,7 @@ struct ImageTableModel::Impl
       {
         for (int c : columnEntries)
         {
-          cells[cellIndex(r, c)].push_back(id);
+          add(id, cellIndex(r, c));
         }
       }
     }
@@ -298,6 +307,46 @@ std::vector<WeakPtr<AuxFile>> ImageTableModel::auxFilesAt(int row, int column) c
 const std::vector<unsigned long long>& ImageTableModel::casesAt(int row, int column) const
 {
   return d->inGrid(row, column) ? d->cells[d->cellIndex(row, column)] : noCases;
+}
+
+std::vector<std::pair<int, int>> ImageTableModel::cellsOf(
+  const std::set<unsigned long long>& ids) const
+{
+  std::vector<bool> hit(d->cells.size(), false);
+  const auto& index = d->cellOfCase;
+  if (ids.size() < index.size() / 16)
+  {
+    for (unsigned long long id : ids)
+    {
+      auto entry =
+        std::lower_bound(index.begin(),
+                         index.end(),
+                         id,
+                         [](const auto& e, unsigned long long v) { return e.first < v; });
+      for (; entry != index.end() && entry->first == id; ++entry)
+        hit[entry->second] = true;
+    }
+  }
+  else
+  {
+    // Both in case id order: one merged walk.
+    auto id = ids.begin();
+    for (const auto& [caseId, cell] : index)
+    {
+      while (id != ids.end() && *id < caseId)
+        ++id;
+      if (id == ids.end())
+        break;
+      if (*id == caseId)
+        hit[cell] = true;
+    }
+  }
+  std::vector<std::pair<int, int>> result;
+  const int columns = d->columns.size();
+  for (std::size_t cell = 0; cell < hit.size(); ++cell)
+    if (hit[cell])
+      result.emplace_back(static_cast<int>(cell) / columns, static_cast<int>(cell) % columns);
+  return result;
 }
 
 std::vector<std::string> ImageTableModel::availableTags() const

@@ -10,7 +10,9 @@
 #include <vtkSmartPointer.h>
 
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 class ImageMatrixViewProperties;
@@ -51,6 +53,10 @@ public:
   virtual std::vector<WeakPtr<AuxFile>> auxFilesAt(int row, int column) const;
   /// The cases of a cell, ascending and without repeats; none outside the grid.
   virtual const std::vector<unsigned long long>& casesAt(int row, int column) const;
+  /// The cells (row, column) holding any of the cases, each once, in row then column order;
+  /// looked up in an index of the cases, so that the cost follows the selection, or one pass
+  /// over the cases when the selection is large, never a scan of every cell.
+  virtual std::vector<std::pair<int, int>> cellsOf(const std::set<unsigned long long>& ids) const;
   /// Every tag of every file of the input's cases, sorted, without repeats.
   virtual std::vector<std::string> availableTags() const;
   /// The i-th axis value; std::out_of_range outside the axis.

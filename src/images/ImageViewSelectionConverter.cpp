@@ -3,8 +3,6 @@
 
 #include <QItemSelectionModel>
 
-#include <algorithm>
-
 ImageViewSelectionConverter::ImageViewSelectionConverter(
   std::shared_ptr<const ImageTableModel> grid,
   const QAbstractItemModel& items)
@@ -32,30 +30,11 @@ QItemSelection ImageViewSelectionConverter::selectionFromCaseIDs(
 {
   QItemSelection selection;
   if (ids.empty())
-  {
     return selection;
-  }
-  for (int row = 0; row < grid->rowCount(); ++row)
+  for (const auto& [row, column] : grid->cellsOf(ids))
   {
-    for (int column = 0; column < grid->columnCount(); ++column)
-    {
-      const auto& cases = grid->casesAt(row, column);
-      // Look the smaller set up in the larger one.
-      const bool shown =
-        ids.size() < cases.size()
-          ? std::any_of(ids.begin(),
-                        ids.end(),
-                        [&](unsigned long long id)
-                        { return std::binary_search(cases.begin(), cases.end(), id); })
-          : std::any_of(cases.begin(),
-                        cases.end(),
-                        [&](unsigned long long id) { return ids.count(id) != 0; });
-      if (shown)
-      {
-        const QModelIndex index = items.index(row, column);
-        selection.select(index, index);
-      }
-    }
+    const QModelIndex index = items.index(row, column);
+    selection.select(index, index);
   }
   return selection;
 }

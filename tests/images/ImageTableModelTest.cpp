@@ -1,5 +1,6 @@
 #include "images/ImageTableModel.h"
 #include "datamanagement/Project.h"
+#include "datamanagement/ProjectBuilder.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "images/ImageCache.h"
 #include "images/ImageMatrixTableModelAdapter.h"
@@ -168,4 +169,52 @@ TEST_F(ImageGrid, TheAdapterShowsImagesCaptionsAndToolTips)
   properties->dimensionRowsBy()->setValue(Matrix::ByTag);
   EXPECT_GE(resets, 1);
   EXPECT_EQ(adapter.rowCount(), 2);
+}
+
+TEST(ImageGridIndex, CellsOfASelectionAreTheCellsHoldingItsCases)
+{
+  ProjectBuilder builder;
+  std::vector<unsigned long long> ids;
+  std::vector<double> a;
+  std::vector<double> b;
+  for (unsigned long long i = 0; i < 400; ++i)
+  {
+    ids.push_back(1000 + i);
+    a.push_back(static_cast<double>(i % 4));
+    b.push_back(static_cast<double>(i * 7 % 5));
+  }
+  builder.setCaseIds(ids);
+  builder.addNumericVariable("a", a);
+  builder.addNumericVariable("b", b);
+  const auto project = builder.build();
+  Project::setProject(project);
+  DataPipelineManager pipeline(project);
+  auto properties = std::make_shared<ImageMatrixViewProperties>();
+  properties->rowVar()->setValue(project->variable("a"));
+  properties->columnVar()->setValue(project->variable("b"));
+  ImageTableModel grid(pipeline.output(), properties);
+  ASSERT_EQ(grid.rowCount() * grid.columnCount(), 20);
+
+  const auto scanned = [&](const std::set<unsigned long long>& selection)
+  {
+    std::vector<std::pair<int, int>> cells;
+    for (int r = 0; r < grid.rowCount(); ++r)
+      for (int c = 0; c < grid.columnCount(); ++c)
+        for (unsigned long long id : grid.casesAt(r, c))
+          if (selection.count(id) != 0)
+          {
+            cells.emplace_back(r, c);
+            break;
+          }
+    return cells;
+  };
+  // Small selections are looked up one by one, large ones walked with the index.
+  for (const std::set<unsigned long long>& selection : std::vector<std::set<unsigned long long>>{
+         {},
+         { 1000 },
+         { 1003, 1017, 1399, 5 },
+         std::set<unsigned long long>(ids.begin(), ids.begin() + 200),
+         std::set<unsigned long long>(ids.begin(), ids.end()) })
+    EXPECT_EQ(grid.cellsOf(selection), scanned(selection)) << selection.size() << " cases";
+  Project::setProject(nullptr);
 }

@@ -176,6 +176,18 @@ private:
   std::vector<int> shownRow;
 };
 
+// A selection of many scattered rows repaints the whole viewport: finding the region of each of
+// its ranges costs more than painting the rows in sight.
+class CasesTable : public QTableView
+{
+protected:
+  QRegion visualRegionForSelection(const QItemSelection& selection) const override
+  {
+    return selection.size() > 256 ? QRegion(viewport()->rect())
+                                  : QTableView::visualRegionForSelection(selection);
+  }
+};
+
 // Rows as runs of consecutive rows: one selection range per run, not per row.
 QItemSelection rowRanges(const QAbstractItemModel& model, std::vector<int>& rows)
 {
@@ -319,7 +331,7 @@ CasesTableView::CasesTableView(const ViewContext& context)
   bar->addWidget(d->findMessage);
   bar->addStretch();
   layout->addLayout(bar);
-  d->table = new QTableView();
+  d->table = new CasesTable();
   d->table->setObjectName("casesTable");
   layout->addWidget(d->table);
   d->table->setSelectionBehavior(QAbstractItemView::SelectRows);
