@@ -102,6 +102,9 @@ struct ExplorerWindow::Impl
   void clearViews()
   {
     current = nullptr;
+    // Hidden first: a tab taking the place of a deleted one would be shown, and its view would
+    // catch up on the study just before it goes.
+    splitter->hide();
     delete dock;
     dock = nullptr;
     views.clear();
@@ -287,6 +290,7 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
     return stretches;
   };
   d->splitter->setSizes(scaled(mainSizes, 650) << 600);
+  d->splitter->show();
   side->setSizes(scaled(sideSizes, 830));
 
   auto* panel = new SettingsPanel(

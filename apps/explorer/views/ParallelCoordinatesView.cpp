@@ -463,6 +463,14 @@ struct ParallelCoordinatesView::Impl
     painter.setOpacity(1.0);
     if (static_cast<int>(selectedRows.size()) > selectedLinesDrawn)
     {
+      if (selectedLayer.size() != canvas->size() && selectedRows.size() == caseIds.size())
+      {
+        // Every line selected: the lines themselves, darkened, without binning them again.
+        selectedLayer = linesLayer;
+        QPainter tint(&selectedLayer);
+        tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        tint.fillRect(selectedLayer.rect(), QColor(20, 20, 20));
+      }
       if (selectedLayer.size() != canvas->size())
         selectedLayer = densityImage(axes,
                                      std::vector<float>(colour.size(), missing),
