@@ -34,7 +34,6 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <map>
 
 namespace explorer
 {
