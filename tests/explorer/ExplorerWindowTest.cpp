@@ -607,6 +607,18 @@ TEST_F(ExplorerWindowTest, SelectedCasesImagesAndDifferencesFollowTheSelection)
   window->selection().setSelection({ 4 });
   EXPECT_TRUE(difference->message().contains("largest difference 164"))
     << "red against grey (160, 160, 164): " << difference->message().toStdString();
+
+  // Parallel coordinates over a text variable: its categories in order up the axis; a drag along
+  // it is no range and filters nothing.
+  auto* parallel = window->view<explorer::ParallelCoordinatesView>();
+  ASSERT_EQ(parallel->axes()->value().at(2), small.project->variable("material"));
+  EXPECT_FALSE(parallel->widget()->grab().isNull());
+  const QPoint lead = parallel->pointOnAxis(2, 0);
+  const QPoint wood = parallel->pointOnAxis(2, 2);
+  EXPECT_GT(lead.y(), wood.y()) << "lead, steel, wood from the bottom";
+  QTest::mousePress(parallel->widget(), Qt::LeftButton, {}, lead);
+  QTest::mouseRelease(parallel->widget(), Qt::LeftButton, {}, wood);
+  EXPECT_TRUE(window->pipeline().filters().empty());
 }
 
 TEST_F(ExplorerWindowTest, BrushingAnAxisFiltersEveryViewAndClicksSelectLinesAndPoints)
