@@ -147,9 +147,10 @@ QCheckBox* PropertyEditors::checkBox(const QString& text,
 }
 
 QListWidget* PropertyEditors::checkList(const std::vector<std::string>& entries,
-                                        const std::function<bool(const std::string&)>& isChecked,
+                                        std::function<bool(const std::string&)> isChecked,
                                         std::function<void(const std::vector<std::string>&)> apply,
-                                        bool reorderable)
+                                        bool reorderable,
+                                        const plexa::PropertyItemInterface* followed)
 {
   auto* list = new QListWidget();
   list->setMaximumHeight(110);
@@ -175,7 +176,50 @@ QListWidget* PropertyEditors::checkList(const std::vector<std::string>& entries,
   };
   QObject::connect(list, &QListWidget::itemChanged, applyChecked);
   QObject::connect(list->model(), &QAbstractItemModel::rowsMoved, applyChecked);
+  if (followed)
+    follow(*followed,
+           [list, isChecked = std::move(isChecked)]
+           {
+             const QSignalBlocker blocker(list);
+             for (int i = 0; i < list->count(); ++i)
+               list->item(i)->setCheckState(
+                 isChecked(list->item(i)->text().toStdString()) ? Qt::Checked : Qt::Unchecked);
+           });
   return list;
+}
+
+QListWidget* PropertyEditors::variableList(
+  boost::shared_ptr<plexa::PropertyAbstract<std::vector<WeakPtr<Variable>>>> property,
+  bool reorderable)
+{
+  std::vector<WeakPtr<Variable>> entries;
+  if (reorderable)
+    entries = property->value();
+  for (const auto& variable : project().variables())
+    if (std::find(entries.begin(), entries.end(), variable) == entries.end())
+      entries.push_back(variable);
+  std::vector<std::string> names;
+  for (const auto& variable : entries)
+    names.push_back(variable.lock().name());
+  return checkList(
+    names,
+    [property](const std::string& name)
+    {
+      const auto chosen = property->value();
+      return std::any_of(chosen.begin(),
+                         chosen.end(),
+                         [&](const WeakPtr<Variable>& v) { return v.lock().name() == name; });
+    },
+    [this, property](const std::vector<std::string>& checked)
+    {
+      std::vector<WeakPtr<Variable>> chosen;
+      chosen.reserve(checked.size());
+      for (const auto& name : checked)
+        chosen.push_back(project().variable(name));
+      edit([&] { property->setValue(chosen); }, [] {});
+    },
+    reorderable,
+    property.get());
 }
 
 QWidget* PropertyEditors::axisEditor(const QString& title, AxisDetailsInterface& axis)

@@ -65,11 +65,19 @@ public:
   QComboBox* enumChooser(boost::shared_ptr<plexa::PropertyAbstract<E>> property,
                          const std::vector<std::pair<QString, E>>& choices);
   /// A list of check boxes; `apply` receives the checked entries, in the list's order, after
-  /// every change. A reorderable list's entries can be dragged to another place.
+  /// every change. A reorderable list's entries can be dragged to another place. With a
+  /// `followed` property, the checks are read again from `isChecked` whenever it changes (an
+  /// undo, loaded settings).
   QListWidget* checkList(const std::vector<std::string>& entries,
-                         const std::function<bool(const std::string&)>& isChecked,
+                         std::function<bool(const std::string&)> isChecked,
                          std::function<void(const std::vector<std::string>&)> apply,
-                         bool reorderable = false);
+                         bool reorderable = false,
+                         const plexa::PropertyItemInterface* followed = nullptr);
+  /// Check boxes of the study's variables bound to a list of them. A reorderable list shows the
+  /// chosen ones first, in their order, and gives them the order they are dragged into.
+  QListWidget* variableList(
+    boost::shared_ptr<plexa::PropertyAbstract<std::vector<WeakPtr<Variable>>>> property,
+    bool reorderable);
   /// Minimum, maximum and custom grid spacing of a chart axis.
   QWidget* axisEditor(const QString& title, AxisDetailsInterface& axis);
   /// Visibility, range and number of labels of a colour legend.

@@ -38,6 +38,7 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTableWidget>
@@ -642,6 +643,18 @@ TEST_F(ExplorerWindowTest, BrushingAnAxisFiltersEveryViewAndClicksSelectLinesAnd
       n += angles[i] >= low && angles[i] <= high && !(in3d && std::isnan(ranges[i]));
     return n;
   };
+
+  // The settings' list of axes sets them and follows an undo.
+  QListWidget* axesList = nullptr;
+  for (auto* list : window->findChildren<QListWidget*>())
+    if (list->dragDropMode() == QAbstractItemView::InternalMove)
+      axesList = list;
+  ASSERT_NE(axesList, nullptr);
+  axesList->item(0)->setCheckState(Qt::Unchecked);
+  EXPECT_EQ(parallel->axes()->value().front(), project->variable("speed"));
+  UndoStack().undo();
+  EXPECT_EQ(parallel->axes()->value().front(), angle);
+  EXPECT_EQ(axesList->item(0)->checkState(), Qt::Checked);
 
   // Dragging from 50 down to 30 on the angle axis filters every view to angles 35 and 45.
   QTest::mousePress(canvas, Qt::LeftButton, {}, parallel->pointOnAxis(0, 50));

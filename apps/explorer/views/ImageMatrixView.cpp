@@ -199,37 +199,19 @@ std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& 
   form->addRow("Page value", page);
   form->addRow(editors.checkBox("Show labels", p->showLabels()));
 
-  std::vector<std::string> names;
-  for (const auto& variable : project.variables())
-    names.push_back(variable.lock().name());
-  form->addRow("Label variables",
-               editors.checkList(
-                 names,
-                 [p](const std::string& name)
-                 {
-                   const auto shown = p->variablesInLabel()->value();
-                   return std::any_of(shown.begin(),
-                                      shown.end(),
-                                      [&](const WeakPtr<Variable>& v)
-                                      { return v.lock().name() == name; });
-                 },
-                 [&editors, &project, p](const std::vector<std::string>& checked)
-                 {
-                   std::vector<WeakPtr<Variable>> chosen;
-                   chosen.reserve(checked.size());
-                   for (const auto& name : checked)
-                     chosen.push_back(project.variable(name));
-                   editors.edit([&] { p->variablesInLabel()->setValue(chosen); }, [] {});
-                 }));
-  const auto tagsToShow = p->tagsToShow()->value();
+  form->addRow("Label variables", editors.variableList(p->variablesInLabel(), false));
   form->addRow("Tags to show",
                editors.checkList(
                  project.tags(),
-                 [tagsToShow](const std::string& tag) {
-                   return std::find(tagsToShow.begin(), tagsToShow.end(), tag) != tagsToShow.end();
+                 [p](const std::string& tag)
+                 {
+                   const auto shown = p->tagsToShow()->value();
+                   return std::find(shown.begin(), shown.end(), tag) != shown.end();
                  },
                  [&editors, p](const std::vector<std::string>& checked)
-                 { editors.edit([&] { p->tagsToShow()->setValue(checked); }, [] {}); }));
+                 { editors.edit([&] { p->tagsToShow()->setValue(checked); }, [] {}); },
+                 false,
+                 p->tagsToShow().get()));
 
   auto* zoom = new QSlider(Qt::Horizontal);
   zoom->setRange(0, 100);

@@ -772,33 +772,7 @@ std::vector<SettingsSection> ParallelCoordinatesView::settingsSections(PropertyE
   auto* box = new QWidget();
   auto* form = new QFormLayout(box);
   // The chosen axes first, in their order, then the others; drag an entry to reorder.
-  VariableList entries = d->axesProperty->value();
-  for (const auto& variable : editors.project().variables())
-    if (std::find(entries.begin(), entries.end(), variable) == entries.end())
-      entries.push_back(variable);
-  std::vector<std::string> names;
-  for (const auto& variable : entries)
-    names.push_back(variable.lock().name());
-  Impl* impl = d.get();
-  form->addRow("Axes",
-               editors.checkList(
-                 names,
-                 [impl](const std::string& name)
-                 {
-                   const auto shown = impl->axesProperty->value();
-                   return std::any_of(shown.begin(),
-                                      shown.end(),
-                                      [&](const WeakPtr<Variable>& v)
-                                      { return v.lock().name() == name; });
-                 },
-                 [&editors, impl](const std::vector<std::string>& checked)
-                 {
-                   VariableList chosen;
-                   for (const auto& name : checked)
-                     chosen.push_back(editors.project().variable(name));
-                   editors.edit([&] { impl->axesProperty->setValue(chosen); }, [] {});
-                 },
-                 true));
+  form->addRow("Axes", editors.variableList(d->axesProperty, true));
   form->addRow("Colour", editors.variableChooser(d->color, true, true));
   form->addRow("Lines",
                editors.enumChooser<short>(d->mode,
