@@ -199,6 +199,7 @@ QListWidget* PropertyEditors::variableList(
     if (std::find(entries.begin(), entries.end(), variable) == entries.end())
       entries.push_back(variable);
   std::vector<std::string> names;
+  names.reserve(entries.size());
   for (const auto& variable : entries)
     names.push_back(variable.lock().name());
   return checkList(
