@@ -125,6 +125,34 @@ void whenShown(QWidget& widget, std::function<void()> call)
   new ShowWatcher(widget, std::move(call));
 }
 
+void QueuedDraw::attach(QWidget& target, std::function<void()> drawing)
+{
+  widget = &target;
+  draw = std::move(drawing);
+}
+
+void QueuedDraw::now()
+{
+  pending = false;
+  if (widget && draw)
+    draw();
+}
+
+void QueuedDraw::later()
+{
+  if (pending || !widget)
+    return;
+  pending = true;
+  // A draw made meanwhile has shown the change already and cleared the flag.
+  QTimer::singleShot(0,
+                     widget,
+                     [this]
+                     {
+                       if (pending)
+                         now();
+                     });
+}
+
 ExplorerView::~ExplorerView() = default;
 
 void ExplorerView::saveSetting(boost::shared_ptr<SerializerInterface> setting,

@@ -7,6 +7,7 @@
 #include "dataviews/DataViewAbstract.h"
 #include "dataviews/DataViewVisitorInterface.h"
 
+#include <QPointer>
 #include <QString>
 #include <boost/enable_shared_from_this.hpp>
 
@@ -59,6 +60,22 @@ void scrollToSelectionLater(QTableView& table);
 /// Calls `call` each time `widget` is shown: a view in a tab behind another can leave its work
 /// until then, so that it costs nothing while hidden.
 void whenShown(QWidget& widget, std::function<void()> call);
+
+/// Draws a view at once, or once control returns to the event loop however many changes asked
+/// for it meanwhile; a draw in between makes the queued one unnecessary.
+class QueuedDraw
+{
+public:
+  /// Draws with `draw` from now on; a queued draw is dropped once `widget` is gone.
+  void attach(QWidget& widget, std::function<void()> draw);
+  void now();
+  void later();
+
+private:
+  QPointer<QWidget> widget;
+  std::function<void()> draw;
+  bool pending = false;
+};
 
 /// One section of the settings panel: a titled widget of editors bound to a view's properties.
 struct SettingsSection

@@ -291,19 +291,20 @@ struct CasesTableView::Impl
     const QString text = find->text().trimmed();
     bool number = false;
     const unsigned long long id = text.toULongLong(&number);
+    const std::vector<int> rows = number ? model->rowsOf({ id }) : std::vector<int>();
     QString message;
     if (!number)
       message = "'" + text + "' is not a case id";
     else if (project->record(id).lock().isNull())
       message = "no case " + text;
-    else if (model->rowsOf({ id }).empty())
+    else if (rows.empty())
       message = "case " + text + " is filtered out";
     findMessage->setText(message);
     findMessage->setVisible(!message.isEmpty());
     if (!message.isEmpty())
       return;
     selection->setSelection({ id });
-    table->scrollTo(model->index(model->rowsOf({ id }).front(), 0));
+    table->scrollTo(model->index(rows.front(), 0));
   }
 };
 

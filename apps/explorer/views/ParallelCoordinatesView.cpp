@@ -123,9 +123,9 @@ std::array<QRgb, 256> palette()
 // Lines binned by the pairs of heights they join on each pair of neighbouring axes (bins of
 // two pixels), then drawn into an image with an opacity growing with the logarithm of their
 // number. `rows` lists the lines to draw, all of them when null; `colour` gives each line's
-// position on the colour scale, NaN for a line drawn in `plain`.
+// position on the colour scale, NaN for a line drawn in `plain`; without it every line is plain.
 QImage densityImage(const std::vector<Axis>& axes,
-                    const std::vector<float>& colour,
+                    const std::vector<float>* colour,
                     const std::vector<int>* rows,
                     const Layout& layout,
                     const std::array<QRgb, 256>& colours,
@@ -150,7 +150,7 @@ QImage densityImage(const std::vector<Axis>& axes,
   std::vector<float> pairCount(static_cast<std::size_t>(bins) * bins);
   std::vector<float> pairColour(pairCount.size());
   std::vector<float> pairColoured(pairCount.size());
-  const std::size_t total = rows ? rows->size() : colour.size();
+  const std::size_t total = rows ? rows->size() : axes.front().position.size();
   for (std::size_t pair = 0; pair + 1 < axes.size(); ++pair)
   {
     std::fill(pairCount.begin(), pairCount.end(), 0.f);
@@ -164,9 +164,9 @@ QImage densityImage(const std::vector<Axis>& axes,
       const std::size_t bin = static_cast<std::size_t>(binOf(from[row])) * bins +
                               static_cast<std::size_t>(binOf(to[row]));
       pairCount[bin] += 1;
-      if (!std::isnan(colour[row]))
+      if (colour && !std::isnan((*colour)[row]))
       {
-        pairColour[bin] += colour[row];
+        pairColour[bin] += (*colour)[row];
         pairColoured[bin] += 1;
       }
     }
@@ -435,7 +435,7 @@ struct ParallelCoordinatesView::Impl
     {
       if (density())
       {
-        linesLayer = densityImage(axes, colour, nullptr, at, colours, qRgb(110, 110, 110));
+        linesLayer = densityImage(axes, &colour, nullptr, at, colours, qRgb(110, 110, 110));
       }
       else
       {
@@ -471,12 +471,7 @@ struct ParallelCoordinatesView::Impl
         tint.fillRect(selectedLayer.rect(), QColor(20, 20, 20));
       }
       if (selectedLayer.size() != canvas->size())
-        selectedLayer = densityImage(axes,
-                                     std::vector<float>(colour.size(), missing),
-                                     &selectedRows,
-                                     at,
-                                     colours,
-                                     qRgb(20, 20, 20));
+        selectedLayer = densityImage(axes, nullptr, &selectedRows, at, colours, qRgb(20, 20, 20));
       painter.drawImage(0, 0, selectedLayer);
       return;
     }

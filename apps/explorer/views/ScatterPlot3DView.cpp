@@ -6,6 +6,7 @@
 #include "common_vtk/vtkPxCommandProxy.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
+#include "dataviews/PlotSelectionModel.h"
 #include "properties/Property.h"
 #include "properties/UndoablePropertyProxy.h"
 #include "serialize/Serializer.h"
@@ -13,7 +14,6 @@
 
 #include <QFormLayout>
 #include <QPointer>
-#include <QTimer>
 #include <QVTKOpenGLNativeWidget.h>
 #include <boost/make_shared.hpp>
 #include <vtkActor.h>
@@ -113,6 +113,7 @@ struct ScatterPlot3DView::Impl
   std::shared_ptr<const Project> project;
   DataPipelineManager& pipeline;
   boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<PlotSelectionModel> plotSelection;
   QPointer<QVTKOpenGLNativeWidget> widget;
   vtkSmartPointer<vtkGenericOpenGLRenderWindow> window;
   vtkSmartPointer<vtkRenderer> renderer;
@@ -145,34 +146,15 @@ struct ScatterPlot3DView::Impl
   int pressedAt[2] = { 0, 0 };
   bool pressed = false;
   int clickedAt[2] = { 0, 0 };
-  bool renderPending = false;
+  QueuedDraw draws;
 
   explicit Impl(DataPipelineManager& pipeline)
     : pipeline(pipeline)
   {
   }
 
-  void render()
-  {
-    renderPending = false;
-    // A hidden view draws when it is shown.
-    if (widget && widget->isVisible())
-      window->Render();
-  }
-
-  void scheduleRender()
-  {
-    if (renderPending || !widget)
-      return;
-    renderPending = true;
-    QTimer::singleShot(0,
-                       widget,
-                       [this]
-                       {
-                         if (renderPending)
-                           render();
-                       });
-  }
+  void render() { draws.now(); }
+  void scheduleRender() { draws.later(); }
 
   // What changed while the view was hidden, taken in when it is shown or asked.
   bool dataStale = true;
@@ -260,15 +242,19 @@ struct ScatterPlot3DView::Impl
 
     pointOfCase.assign(caseIds);
     allPoints = pointCloud(positions, colourColumn ? &colour : nullptr);
-    const std::size_t every = positions.size() / sampledAbove + 1;
-    std::vector<std::array<float, 3>> sample;
-    std::vector<float> sampleColour;
-    for (std::size_t i = 0; i < positions.size(); i += every)
+    sampledPoints = allPoints;
+    if (positions.size() > sampledAbove)
     {
-      sample.push_back(positions[i]);
-      sampleColour.push_back(colour[i]);
+      const std::size_t every = positions.size() / sampledAbove + 1;
+      std::vector<std::array<float, 3>> sample;
+      std::vector<float> sampleColour;
+      for (std::size_t i = 0; i < positions.size(); i += every)
+      {
+        sample.push_back(positions[i]);
+        sampleColour.push_back(colour[i]);
+      }
+      sampledPoints = pointCloud(sample, colourColumn ? &sampleColour : nullptr);
     }
-    sampledPoints = pointCloud(sample, colourColumn ? &sampleColour : nullptr);
     auto* mapper = vtkPolyDataMapper::SafeDownCast(points->GetMapper());
     mapper->SetInputData(allPoints);
     for (vtkActor* actor : { points.Get(), fill.Get() })
@@ -377,6 +363,15 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   d->widget->setObjectName("scatter3dView");
   d->window = vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New();
   d->widget->setRenderWindow(d->window);
+  // A hidden view draws when it is shown.
+  QWidget* shown = d->widget;
+  vtkGenericOpenGLRenderWindow* window = d->window;
+  d->draws.attach(*d->widget,
+                  [shown, window]
+                  {
+                    if (shown->isVisible())
+                      window->Render();
+                  });
   d->window->SetNumberOfLayers(3);
   d->renderer = vtkSmartPointer<vtkRenderer>::New();
   d->renderer->SetBackground(1, 1, 1);
@@ -471,6 +466,7 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
     "Color Variable", boost::make_shared<plexa::Property<WeakPtr<Variable>>>(first[3]));
 
   vtkRenderWindowInteractor* interactor = d->widget->interactor();
+  d->plotSelection = boost::make_shared<PlotSelectionModel>(interactor, context.selection);
   d->style = vtkSmartPointer<vtkInteractorStyleTrackballCamera>::New();
   interactor->SetInteractorStyle(d->style);
   Impl* impl = d.get();
@@ -515,14 +511,10 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
         adjustSelectionForMouseClickAtPoint();
         return;
       }
+      // With Control down the plot's selection model toggles the case in the master's.
       const long long point = impl->pointAt(at[0], at[1]);
-      if (point < 0)
-        return;
-      auto ids = impl->selection->getSelections();
-      const unsigned long long id = impl->caseIds[static_cast<std::size_t>(point)];
-      if (!ids.erase(id))
-        ids.insert(id);
-      impl->selection->setSelection(ids);
+      if (point >= 0)
+        impl->plotSelection->setSelection({ impl->caseIds[static_cast<std::size_t>(point)] });
     });
   d->style->AddObserver(vtkCommand::StartInteractionEvent, d->startTurning);
   d->style->AddObserver(vtkCommand::EndInteractionEvent, d->endTurning);

@@ -34,7 +34,6 @@
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPointer>
-#include <QTimer>
 #include <QVTKOpenGLNativeWidget.h>
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
@@ -230,7 +229,7 @@ struct ScatterPlotView::Impl
   vtkSmartPointer<vtkPxCommandProxy> layoutObserver;
   vtkSmartPointer<vtkPxCommandProxy> legendMovedObserver;
   vtkSmartPointer<vtkPxCommandProxy> swallowKeys;
-  bool renderPending = false;
+  QueuedDraw draws;
   // Set while the chart fits itself: refresh() then updates it without drawing, since the fit
   // goes on to widen the range and draws once at the end.
   bool fitting = false;
@@ -388,28 +387,9 @@ struct ScatterPlotView::Impl
     render();
   }
 
-  void render()
-  {
-    renderPending = false;
-    if (window)
-      window->Render();
-  }
-
+  void render() { draws.now(); }
   // Renders once control returns to the event loop, however many settings changed meanwhile.
-  void scheduleRender()
-  {
-    if (renderPending || !widget)
-      return;
-    renderPending = true;
-    // A render made meanwhile has shown the change already and cleared the flag.
-    QTimer::singleShot(0,
-                       widget,
-                       [this]
-                       {
-                         if (renderPending)
-                           render();
-                       });
-  }
+  void scheduleRender() { draws.later(); }
 
   static constexpr float legendMargin = 110.0f;
 };
@@ -425,6 +405,8 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->widget->setObjectName("scatterView");
   d->window = vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New();
   d->widget->setRenderWindow(d->window);
+  vtkGenericOpenGLRenderWindow* window = d->window;
+  d->draws.attach(*d->widget, [window] { window->Render(); });
   d->view = vtkSmartPointer<vtkContextView>::New();
   d->view->SetRenderWindow(d->window);
   d->view->SetInteractor(d->widget->interactor());
