@@ -7,7 +7,6 @@
 #include "serialize/SerializerInterface.h"
 
 #include <QDomElement>
-#include <QEvent>
 #include <QItemSelectionModel>
 #include <QTableView>
 #include <QTimer>
@@ -92,37 +91,6 @@ void scrollToSelectionLater(QTableView& table)
                        if (!selection.isEmpty())
                          view->scrollTo(selection.first().topLeft());
                      });
-}
-
-namespace
-{
-
-class ShowWatcher : public QObject
-{
-public:
-  ShowWatcher(QWidget& widget, std::function<void()> call)
-    : QObject(&widget)
-    , call(std::move(call))
-  {
-    widget.installEventFilter(this);
-  }
-
-  bool eventFilter(QObject*, QEvent* event) override
-  {
-    if (event->type() == QEvent::Show)
-      call();
-    return false;
-  }
-
-private:
-  std::function<void()> call;
-};
-
-} // namespace
-
-void whenShown(QWidget& widget, std::function<void()> call)
-{
-  new ShowWatcher(widget, std::move(call));
 }
 
 void QueuedDraw::attach(QWidget& target, std::function<void()> drawing)

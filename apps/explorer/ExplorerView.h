@@ -57,10 +57,6 @@ struct ViewContext
 /// in the table itself never makes it jump.
 void scrollToSelectionLater(QTableView& table);
 
-/// Calls `call` each time `widget` is shown: a view in a tab behind another can leave its work
-/// until then, so that it costs nothing while hidden.
-void whenShown(QWidget& widget, std::function<void()> call);
-
 /// Draws a view at once, or once control returns to the event loop however many changes asked
 /// for it meanwhile; a draw in between makes the queued one unnecessary.
 class QueuedDraw

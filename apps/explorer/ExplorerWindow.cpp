@@ -128,7 +128,7 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
   statusBar()->addPermanentWidget(d->selectionCount);
   statusBar()->addPermanentWidget(d->progress);
   d->connections.add(d->selection->connectSignalSelectionChanged(
-    [this](const std::set<unsigned long long>&) { showSelectionCount(); }));
+    [this](const std::set<unsigned long long>& ids) { showSelectionCount(ids.size()); }));
   createActions();
   connect(qApp,
           &QApplication::focusChanged,
@@ -317,13 +317,13 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   statusBar()->showMessage(QString("%1 cases, %2 variables")
                              .arg(d->project->numberOfRecords())
                              .arg(d->project->variables().size()));
-  showSelectionCount();
+  showSelectionCount(d->selection->getSelections().size());
 }
 
-void ExplorerWindow::showSelectionCount()
+void ExplorerWindow::showSelectionCount(std::size_t selected)
 {
   d->selectionCount->setText(QString("%1 of %2 cases selected")
-                               .arg(d->selection->getSelections().size())
+                               .arg(selected)
                                .arg(d->project ? d->project->numberOfRecords() : 0));
 }
 

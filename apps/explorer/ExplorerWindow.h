@@ -71,7 +71,7 @@ private:
   void saveSettingsAs();
   void exportCasesAs(bool fullPrecision);
   void setCurrentView(ExplorerView* view);
-  void showSelectionCount();
+  void showSelectionCount(std::size_t selected);
   void report(const QString& message);
 
   struct Impl;

@@ -1,5 +1,6 @@
 #include "views/ImageDiffView.h"
 
+#include "ChangesWhileHidden.h"
 #include "PropertyEditors.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/AuxFile.h"
@@ -133,15 +134,16 @@ struct ImageDiffView::Impl
     return image;
   }
 
-  void show()
+  std::unique_ptr<ChangesWhileHidden> changes;
+
+  void show(const std::set<unsigned long long>& ids)
   {
-    const auto ids = selection->getSelections();
     compared.clear();
     if (pinned->value() && project->record(reference->value()).lock().isNull() == false)
       compared.push_back(reference->value());
-    for (unsigned long long id : ids)
-      if (compared.size() < 2 && (compared.empty() || compared.front() != id))
-        compared.push_back(id);
+    for (auto id = ids.begin(); id != ids.end() && compared.size() < 2; ++id)
+      if (compared.empty() || compared.front() != *id)
+        compared.push_back(*id);
     largest = 0;
     for (QLabel* label : panes)
       label->clear();
@@ -223,23 +225,27 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
   d->reference = boost::make_shared<plexa::UndoablePropertyProxy<unsigned long long>>(
     "Reference Case", boost::make_shared<plexa::Property<unsigned long long>>(0));
   Impl* impl = d.get();
+  d->changes = std::make_unique<ChangesWhileHidden>(
+    *d->container,
+    *context.selection,
+    ChangesWhileHidden::Steps{ {}, [impl](const auto& ids) { impl->show(ids); }, {} });
   QObject::connect(pin, &QCheckBox::toggled, d->container, [this](bool on) { pinReference(on); });
   d->connections.add(d->pinned->connectSignalPropertyChanged(
     [impl, pin]
     {
       const QSignalBlocker blocker(pin);
       pin->setChecked(impl->pinned->value());
-      impl->show();
+      impl->changes->changed(false);
     }));
-  d->connections.add(d->reference->connectSignalPropertyChanged([impl] { impl->show(); }));
+  d->connections.add(
+    d->reference->connectSignalPropertyChanged([impl] { impl->changes->changed(false); }));
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>&) { impl->show(); }));
+    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
   // The case first, then the pin: a pin read back refers to the case read just before.
   saveSetting(
     boost::make_shared<GenericSerializer<unsigned long long>>("ReferenceCase", d->reference),
     "a case id");
   saveSetting(boost::make_shared<GenericSerializer<bool>>("PinnedReference", d->pinned), "0 or 1");
-  d->show();
 }
 
 ImageDiffView::~ImageDiffView()
@@ -265,6 +271,7 @@ std::vector<SettingsSection> ImageDiffView::settingsSections(PropertyEditors&)
 
 std::string ImageDiffView::selectionSummary() const
 {
+  d->changes->catchUp();
   if (d->compared.size() < 2)
     return "nothing compared";
   return "case " + std::to_string(d->compared[0]) + " against " + std::to_string(d->compared[1]) +
@@ -279,7 +286,7 @@ void ImageDiffView::suspend()
 void ImageDiffView::resume()
 {
   d->connections.unblock();
-  d->show();
+  d->changes->changed(false);
 }
 
 void ImageDiffView::refresh()
@@ -297,16 +304,19 @@ void ImageDiffView::pinReference(bool pinned)
 
 std::vector<unsigned long long> ImageDiffView::comparedCases() const
 {
+  d->changes->catchUp();
   return d->compared;
 }
 
 QString ImageDiffView::message() const
 {
+  d->changes->catchUp();
   return d->text->text();
 }
 
 int ImageDiffView::largestDifference() const
 {
+  d->changes->catchUp();
   return d->largest;
 }
 

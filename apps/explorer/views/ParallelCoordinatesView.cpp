@@ -1,6 +1,7 @@
 #include "views/ParallelCoordinatesView.h"
 
 #include "CaseRowIndex.h"
+#include "ChangesWhileHidden.h"
 #include "FilterEdits.h"
 #include "PropertyEditors.h"
 #include "analyzer_common/DeleteSignaler.h"
@@ -289,43 +290,7 @@ struct ParallelCoordinatesView::Impl
            (mode->value() == AutomaticLines && caseIds.size() > densityThreshold);
   }
 
-  // What changed while the view was hidden, taken in when it is shown or asked.
-  bool dataStale = true;
-  bool selectionStale = true;
-
-  void changed(bool data)
-  {
-    dataStale = dataStale || data;
-    selectionStale = true;
-    if (canvas->isVisible())
-    {
-      catchUp();
-      canvas->update();
-    }
-  }
-
-  // A new selection, shown at once when nothing else is pending.
-  void selectionChanged(const std::set<unsigned long long>& ids)
-  {
-    if (dataStale || !canvas->isVisible())
-    {
-      changed(false);
-      return;
-    }
-    findSelectedRows(ids);
-    selectionStale = false;
-    canvas->update();
-  }
-
-  void catchUp()
-  {
-    if (dataStale)
-      reload();
-    else if (selectionStale)
-      findSelectedRows(selection->getSelections());
-    dataStale = false;
-    selectionStale = false;
-  }
+  std::unique_ptr<ChangesWhileHidden> changes;
 
   // Reads the shown cases of the chosen variables from the pipeline's output.
   void reload()
@@ -571,7 +536,7 @@ struct ParallelCoordinatesView::Impl
 
   void paint(QPainter& painter)
   {
-    catchUp();
+    changes->catchUp();
     painter.fillRect(canvas->rect(), Qt::white);
     if (axes.empty())
     {
@@ -726,7 +691,13 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
     adjustSelectionForMouseClickAtPoint();
   };
 
-  const auto reload = [impl] { impl->changed(true); };
+  d->changes = std::make_unique<ChangesWhileHidden>(
+    *d->canvas,
+    *context.selection,
+    ChangesWhileHidden::Steps{ [impl] { impl->reload(); },
+                               [impl](const auto& ids) { impl->findSelectedRows(ids); },
+                               [impl] { impl->canvas->update(); } });
+  const auto reload = [impl] { impl->changes->changed(true); };
   d->connections.add(context.pipeline->connectSignalPipelineChanged(reload));
   d->connections.add(d->axesProperty->connectSignalPropertyChanged(reload));
   d->connections.add(d->color->connectSignalPropertyChanged(reload));
@@ -737,8 +708,7 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
       impl->canvas->update();
     }));
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->selectionChanged(ids); }));
-  whenShown(*d->canvas, [impl] { impl->catchUp(); });
+    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
 
   saveSetting(
     boost::make_shared<VariableListSerializer>("Axes", d->axesProperty, d->project->variables()));
@@ -790,7 +760,7 @@ void ParallelCoordinatesView::suspend()
 void ParallelCoordinatesView::resume()
 {
   d->connections.unblock();
-  d->changed(true);
+  d->changes->changed(true);
 }
 
 void ParallelCoordinatesView::refresh()
@@ -817,13 +787,13 @@ boost::shared_ptr<plexa::PropertyAbstract<short>> ParallelCoordinatesView::lines
 
 bool ParallelCoordinatesView::drawsDensity() const
 {
-  d->catchUp();
+  d->changes->catchUp();
   return d->density();
 }
 
 QPoint ParallelCoordinatesView::pointOnAxis(int axis, double value) const
 {
-  d->catchUp();
+  d->changes->catchUp();
   const Layout at = d->layout();
   const Axis& a = d->axes.at(static_cast<std::size_t>(axis));
   double position = std::numeric_limits<double>::quiet_NaN();
@@ -836,7 +806,7 @@ QPoint ParallelCoordinatesView::pointOnAxis(int axis, double value) const
 
 int ParallelCoordinatesView::highlightedLines() const
 {
-  d->catchUp();
+  d->changes->catchUp();
   return static_cast<int>(d->selectedRows.size());
 }
 

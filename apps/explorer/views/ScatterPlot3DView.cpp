@@ -1,6 +1,7 @@
 #include "views/ScatterPlot3DView.h"
 
 #include "CaseRowIndex.h"
+#include "ChangesWhileHidden.h"
 #include "PropertyEditors.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "common_vtk/vtkPxCommandProxy.h"
@@ -156,43 +157,7 @@ struct ScatterPlot3DView::Impl
   void render() { draws.now(); }
   void scheduleRender() { draws.later(); }
 
-  // What changed while the view was hidden, taken in when it is shown or asked.
-  bool dataStale = true;
-  bool selectionStale = true;
-
-  void changed(bool data)
-  {
-    dataStale = dataStale || data;
-    selectionStale = true;
-    if (widget->isVisible())
-    {
-      catchUp();
-      scheduleRender();
-    }
-  }
-
-  // A new selection, shown at once when nothing else is pending.
-  void selectionChanged(const std::set<unsigned long long>& ids)
-  {
-    if (dataStale || !widget->isVisible())
-    {
-      changed(false);
-      return;
-    }
-    findSelected(ids);
-    selectionStale = false;
-    scheduleRender();
-  }
-
-  void catchUp()
-  {
-    if (dataStale)
-      reload();
-    else if (selectionStale)
-      findSelected(selection->getSelections());
-    dataStale = false;
-    selectionStale = false;
-  }
+  std::unique_ptr<ChangesWhileHidden> changes;
 
   // Reads the shown cases from the pipeline's output: rows with all three values, scaled to
   // the unit box by each variable's range over the whole study.
@@ -519,18 +484,18 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   d->style->AddObserver(vtkCommand::StartInteractionEvent, d->startTurning);
   d->style->AddObserver(vtkCommand::EndInteractionEvent, d->endTurning);
 
-  const auto reload = [impl] { impl->changed(true); };
+  d->changes = std::make_unique<ChangesWhileHidden>(
+    *d->widget,
+    *context.selection,
+    ChangesWhileHidden::Steps{ [impl] { impl->reload(); },
+                               [impl](const auto& ids) { impl->findSelected(ids); },
+                               [impl] { impl->scheduleRender(); } });
+  const auto reload = [impl] { impl->changes->changed(true); };
   d->connections.add(context.pipeline->connectSignalPipelineChanged(reload));
   for (const auto& property : { d->axes[0], d->axes[1], d->axes[2], d->color })
     d->connections.add(property->connectSignalPropertyChanged(reload));
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->selectionChanged(ids); }));
-  whenShown(*d->widget,
-            [impl]
-            {
-              impl->catchUp();
-              impl->scheduleRender();
-            });
+    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
 
   saveVariableSetting("XVariable", d->axes[0], *d->project);
   saveVariableSetting("YVariable", d->axes[1], *d->project);
@@ -588,7 +553,7 @@ void ScatterPlot3DView::suspend()
 void ScatterPlot3DView::resume()
 {
   d->connections.unblock();
-  d->changed(true);
+  d->changes->changed(true);
 }
 
 void ScatterPlot3DView::refresh()
@@ -630,7 +595,7 @@ boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> ScatterPlot3DView:
 
 bool ScatterPlot3DView::pointOfCase(unsigned long long caseId, QPoint& at) const
 {
-  d->catchUp();
+  d->changes->catchUp();
   bool found = false;
   const int height = d->renderer->GetSize()[1];
   d->projectPoints(
@@ -648,13 +613,13 @@ bool ScatterPlot3DView::pointOfCase(unsigned long long caseId, QPoint& at) const
 
 int ScatterPlot3DView::shownPoints() const
 {
-  d->catchUp();
+  d->changes->catchUp();
   return static_cast<int>(d->caseIds.size());
 }
 
 int ScatterPlot3DView::highlightedPoints() const
 {
-  d->catchUp();
+  d->changes->catchUp();
   return static_cast<int>(d->selected.size());
 }
 

@@ -1,5 +1,6 @@
 #include "views/SelectedCasesView.h"
 
+#include "ChangesWhileHidden.h"
 #include "PropertyEditors.h"
 #include "TableSorting.h"
 #include "analyzer_common/SelectionModelInterface.h"
@@ -178,26 +179,10 @@ struct SelectedCasesView::Impl
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
   SignalConnectionCollection connections;
 
-  // A selection made while the view is hidden is taken in when it is shown or asked.
-  bool stale = true;
+  std::unique_ptr<ChangesWhileHidden> changes;
 
-  void selectionChanged()
+  void showSelection(const std::set<unsigned long long>& ids)
   {
-    stale = true;
-    if (container->isVisible())
-      catchUp();
-  }
-
-  void catchUp()
-  {
-    if (stale)
-      showSelection();
-  }
-
-  void showSelection()
-  {
-    stale = false;
-    const auto ids = selection->getSelections();
     model->show(ids);
     count->setText(QString("%1 cases").arg(model->rowCount()));
   }
@@ -255,9 +240,12 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
   d->connections.add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   d->connections.add(
     d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  d->changes = std::make_unique<ChangesWhileHidden>(
+    *d->container,
+    *context.selection,
+    ChangesWhileHidden::Steps{ {}, [impl](const auto& ids) { impl->showSelection(ids); }, {} });
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>&) { impl->selectionChanged(); }));
-  whenShown(*d->container, [impl] { impl->catchUp(); });
+    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
 
   QObject::connect(copy,
                    &QPushButton::clicked,
@@ -318,7 +306,7 @@ std::vector<SettingsSection> SelectedCasesView::settingsSections(PropertyEditors
 
 std::string SelectedCasesView::selectionSummary() const
 {
-  d->catchUp();
+  d->changes->catchUp();
   return std::to_string(d->model->rowCount()) + " rows";
 }
 
@@ -330,7 +318,7 @@ void SelectedCasesView::suspend()
 void SelectedCasesView::resume()
 {
   d->connections.unblock();
-  d->selectionChanged();
+  d->changes->changed(false);
 }
 
 void SelectedCasesView::refresh()
@@ -350,13 +338,13 @@ boost::shared_ptr<plexa::PropertyAbstract<bool>> SelectedCasesView::sortDescendi
 
 QTableView& SelectedCasesView::table() const
 {
-  d->catchUp();
+  d->changes->catchUp();
   return *d->table;
 }
 
 QString SelectedCasesView::shownText() const
 {
-  d->catchUp();
+  d->changes->catchUp();
   QStringList lines;
   QStringList header;
   for (int c = 0; c < d->model->columnCount(); ++c)
@@ -374,7 +362,7 @@ QString SelectedCasesView::shownText() const
 
 void SelectedCasesView::exportSelection(const std::string& path) const
 {
-  d->catchUp();
+  d->changes->catchUp();
   auto table = vtkSmartPointer<vtkTable>::New();
   auto ids = vtkSmartPointer<vtkUnsignedLongLongArray>::New();
   ids->SetName("case_id");

@@ -1,5 +1,6 @@
 #include "views/SelectedImageView.h"
 
+#include "ChangesWhileHidden.h"
 #include "PropertyEditors.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
@@ -158,6 +159,8 @@ struct SelectedImageView::Impl
                                            .arg(tag));
   }
 
+  std::unique_ptr<ChangesWhileHidden> changes;
+
   void follow(const std::set<unsigned long long>& ids)
   {
     selected.assign(ids.begin(), ids.end());
@@ -221,13 +224,16 @@ SelectedImageView::SelectedImageView(const ViewContext& context)
     boost::make_shared<plexa::Property<short>>(
       100, boost::make_shared<Bounded>(10, Bounded::Inclusive, 400, Bounded::Inclusive)));
   Impl* impl = d.get();
+  d->changes = std::make_unique<ChangesWhileHidden>(
+    *d->container,
+    *context.selection,
+    ChangesWhileHidden::Steps{ {}, [impl](const auto& ids) { impl->follow(ids); }, {} });
   for (const auto& setting : { d->sideBySide, d->zoom })
     d->connections.add(setting->connectSignalPropertyChanged([impl] { impl->show(); }));
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->follow(ids); }));
+    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
   saveSetting(boost::make_shared<GenericSerializer<short>>("SideBySide", d->sideBySide), "1 to 4");
   saveSetting(boost::make_shared<GenericSerializer<short>>("Zoom", d->zoom), "a percentage");
-  d->follow(context.selection->getSelections());
 }
 
 SelectedImageView::~SelectedImageView()
@@ -263,6 +269,7 @@ std::vector<SettingsSection> SelectedImageView::settingsSections(PropertyEditors
 
 std::string SelectedImageView::selectionSummary() const
 {
+  d->changes->catchUp();
   return std::to_string(d->shown.size()) + " cases shown";
 }
 
@@ -274,7 +281,7 @@ void SelectedImageView::suspend()
 void SelectedImageView::resume()
 {
   d->connections.unblock();
-  d->follow(d->selection->getSelections());
+  d->changes->changed(false);
 }
 
 void SelectedImageView::refresh()
@@ -294,6 +301,7 @@ boost::shared_ptr<plexa::PropertyAbstract<short>> SelectedImageView::zoom() cons
 
 void SelectedImageView::stepCases(int step)
 {
+  d->changes->catchUp();
   if (d->selected.empty() || step == 0)
     return;
   const auto count = static_cast<long long>(d->selected.size());
@@ -305,6 +313,7 @@ void SelectedImageView::stepCases(int step)
 
 void SelectedImageView::stepImages(int step)
 {
+  d->changes->catchUp();
   if (d->selected.empty() || step == 0)
     return;
   // Wraps around the images of the first case shown; the others show theirs modulo their count.
@@ -317,11 +326,13 @@ void SelectedImageView::stepImages(int step)
 
 std::vector<unsigned long long> SelectedImageView::shownCases() const
 {
+  d->changes->catchUp();
   return d->shown;
 }
 
 std::vector<QString> SelectedImageView::captions() const
 {
+  d->changes->catchUp();
   return d->captions;
 }
 
