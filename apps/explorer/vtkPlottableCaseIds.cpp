@@ -11,26 +11,41 @@ namespace explorer
 
 vtkStandardNewMacro(vtkPlottableCaseIds);
 
+void vtkPlottableCaseIds::SetColumns(const std::vector<std::string>& names)
+{
+  if (names == columns)
+    return;
+  columns = names;
+  Modified();
+}
+
 int vtkPlottableCaseIds::RequestData(vtkInformation*,
                                      vtkInformationVector** inputVector,
                                      vtkInformationVector* outputVector)
 {
   vtkTable* input = vtkTable::GetData(inputVector[0], 0);
   vtkTable* output = vtkTable::GetData(outputVector, 0);
-  output->ShallowCopy(input);
-  auto* ids =
-    input->GetNumberOfColumns() > 0 ? vtkDataArray::SafeDownCast(input->GetColumn(0)) : nullptr;
-  if (!ids || ids->GetDataType() == VTK_DOUBLE)
-  {
-    return 1;
-  }
-  auto converted = vtkSmartPointer<vtkDoubleArray>::New();
-  converted->DeepCopy(ids);
-  converted->SetName(ids->GetName());
   auto table = vtkSmartPointer<vtkTable>::New();
-  table->AddColumn(converted);
-  for (vtkIdType c = 1; c < input->GetNumberOfColumns(); ++c)
-    table->AddColumn(input->GetColumn(c));
+  if (input->GetNumberOfColumns() > 0)
+  {
+    vtkAbstractArray* ids = input->GetColumn(0);
+    auto* numbers = vtkDataArray::SafeDownCast(ids);
+    if (numbers && numbers->GetDataType() != VTK_DOUBLE)
+    {
+      auto converted = vtkSmartPointer<vtkDoubleArray>::New();
+      converted->DeepCopy(numbers);
+      converted->SetName(ids->GetName());
+      table->AddColumn(converted);
+    }
+    else
+      table->AddColumn(ids);
+  }
+  for (const std::string& name : columns)
+  {
+    vtkAbstractArray* column = input->GetColumnByName(name.c_str());
+    if (column && column != input->GetColumn(0) && !table->GetColumnByName(name.c_str()))
+      table->AddColumn(column);
+  }
   output->ShallowCopy(table);
   return 1;
 }

@@ -30,6 +30,8 @@
 #include <vtkInteractorStyleTrackballCamera.h>
 #include <vtkLookupTable.h>
 #include <vtkMatrix4x4.h>
+#include <vtkObjectFactory.h>
+#include <vtkOpenGLPolyDataMapper.h>
 #include <vtkPointData.h>
 #include <vtkPoints.h>
 #include <vtkPolyData.h>
@@ -61,16 +63,16 @@ constexpr std::size_t sampledAbove = 200000;
 // Above this many selected points, they are drawn as small dark points without their colour.
 constexpr std::size_t ringedUpTo = 10000;
 
-// A polydata of points, each a vertex, with optional scalars.
-vtkSmartPointer<vtkPolyData> pointCloud(const std::vector<std::array<float, 3>>& at,
-                                        const std::vector<float>* scalars)
+// A polydata of `n` points from `at`, each a vertex, with optional scalars.
+vtkSmartPointer<vtkPolyData> pointCloud(const std::array<float, 3>* at,
+                                        const float* scalars,
+                                        vtkIdType n)
 {
-  const auto n = static_cast<vtkIdType>(at.size());
   auto points = vtkSmartPointer<vtkPoints>::New();
   points->SetDataTypeToFloat();
   points->SetNumberOfPoints(n);
   for (vtkIdType i = 0; i < n; ++i)
-    points->SetPoint(i, at[static_cast<std::size_t>(i)].data());
+    points->SetPoint(i, at[i].data());
   auto offsets = vtkSmartPointer<vtkIdTypeArray>::New();
   offsets->SetNumberOfValues(n + 1);
   auto connectivity = vtkSmartPointer<vtkIdTypeArray>::New();
@@ -86,11 +88,47 @@ vtkSmartPointer<vtkPolyData> pointCloud(const std::vector<std::array<float, 3>>&
   {
     auto values = vtkSmartPointer<vtkFloatArray>::New();
     values->SetNumberOfValues(n);
-    std::copy(scalars->begin(), scalars->end(), values->GetPointer(0));
+    std::copy(scalars, scalars + n, values->GetPointer(0));
     cloud->GetPointData()->SetScalars(values);
   }
   return cloud;
 }
+
+vtkSmartPointer<vtkPolyData> pointCloud(const std::vector<std::array<float, 3>>& at,
+                                        const std::vector<float>* scalars)
+{
+  return pointCloud(
+    at.data(), scalars ? scalars->data() : nullptr, static_cast<vtkIdType>(at.size()));
+}
+
+// Software OpenGL (llvmpipe) bins every point of a draw before its threads rasterise them: a
+// million points drawn at once held 180 MB of binned points. The cloud is drawn in pieces of
+// this many points, each finished before the next is binned.
+constexpr std::size_t pointsPerPiece = 100000;
+
+// Draws its input, then waits until it is drawn.
+class vtkFinishedPolyDataMapper : public vtkOpenGLPolyDataMapper
+{
+public:
+  static vtkFinishedPolyDataMapper* New();
+  vtkTypeMacro(vtkFinishedPolyDataMapper, vtkOpenGLPolyDataMapper);
+
+protected:
+  vtkFinishedPolyDataMapper() = default;
+  ~vtkFinishedPolyDataMapper() override = default;
+
+  void RenderPieceFinish(vtkRenderer* renderer, vtkActor* actor) override
+  {
+    Superclass::RenderPieceFinish(renderer, actor);
+    renderer->GetRenderWindow()->WaitForCompletion();
+  }
+
+private:
+  vtkFinishedPolyDataMapper(const vtkFinishedPolyDataMapper&) = delete;
+  void operator=(const vtkFinishedPolyDataMapper&) = delete;
+};
+
+vtkStandardNewMacro(vtkFinishedPolyDataMapper);
 
 // The `skip`-th variable of a nature, or else the `fallback`-th numeric one.
 WeakPtr<Variable> pick(const Project& project, Variable::Nature nature, int skip, int fallback)
@@ -121,14 +159,16 @@ struct ScatterPlot3DView::Impl
   // The selected points, in two layers over the others: a dark ring, then their colour.
   vtkSmartPointer<vtkRenderer> ringLayer;
   vtkSmartPointer<vtkRenderer> fillLayer;
-  vtkSmartPointer<vtkActor> points;
+  // The shown points, one actor per piece of the cloud.
+  std::vector<vtkSmartPointer<vtkActor>> pieces;
   vtkSmartPointer<vtkActor> ring;
   vtkSmartPointer<vtkActor> fill;
   vtkSmartPointer<vtkCubeAxesActor> box;
   vtkSmartPointer<vtkScalarBarActor> colourBar;
   vtkSmartPointer<vtkLookupTable> lookupTable;
-  vtkSmartPointer<vtkPolyData> allPoints;
+  std::vector<vtkSmartPointer<vtkPolyData>> allPoints;
   vtkSmartPointer<vtkPolyData> sampledPoints;
+  bool coloured = false;
   vtkSmartPointer<vtkInteractorStyleTrackballCamera> style;
   vtkSmartPointer<vtkPxCommandProxy> pressObserver;
   vtkSmartPointer<vtkPxCommandProxy> swallowKeys;
@@ -206,8 +246,13 @@ struct ScatterPlot3DView::Impl
     }
 
     pointOfCase.assign(caseIds);
-    allPoints = pointCloud(positions, colourColumn ? &colour : nullptr);
-    sampledPoints = allPoints;
+    allPoints.clear();
+    for (std::size_t first = 0; first < positions.size(); first += pointsPerPiece)
+      allPoints.push_back(
+        pointCloud(positions.data() + first,
+                   colourColumn ? colour.data() + first : nullptr,
+                   static_cast<vtkIdType>(std::min(pointsPerPiece, positions.size() - first))));
+    sampledPoints = nullptr;
     if (positions.size() > sampledAbove)
     {
       const std::size_t every = positions.size() / sampledAbove + 1;
@@ -220,11 +265,9 @@ struct ScatterPlot3DView::Impl
       }
       sampledPoints = pointCloud(sample, colourColumn ? &sampleColour : nullptr);
     }
-    auto* mapper = vtkPolyDataMapper::SafeDownCast(points->GetMapper());
-    mapper->SetInputData(allPoints);
-    for (vtkActor* actor : { points.Get(), fill.Get() })
-      vtkPolyDataMapper::SafeDownCast(actor->GetMapper())
-        ->SetScalarVisibility(colourColumn != nullptr);
+    coloured = colourColumn != nullptr;
+    vtkPolyDataMapper::SafeDownCast(fill->GetMapper())->SetScalarVisibility(coloured);
+    showPoints(allPoints);
     if (colourColumn)
     {
       const auto range = colourVariable.range();
@@ -247,6 +290,38 @@ struct ScatterPlot3DView::Impl
     box->SetYAxisRange(ranges[1].first, ranges[1].second);
     box->SetZAxisRange(ranges[2].first, ranges[2].second);
     findSelected(selection->getSelections());
+  }
+
+  // Shows these pieces of a cloud, an actor each; actors left over are hidden.
+  void showPoints(const std::vector<vtkSmartPointer<vtkPolyData>>& shown)
+  {
+    while (pieces.size() < shown.size())
+    {
+      auto mapper = vtkSmartPointer<vtkFinishedPolyDataMapper>::New();
+      pieces.push_back(cloudActor(*renderer, mapper, 4));
+    }
+    for (std::size_t i = 0; i < pieces.size(); ++i)
+    {
+      auto* mapper = vtkPolyDataMapper::SafeDownCast(pieces[i]->GetMapper());
+      mapper->SetInputData(i < shown.size() ? shown[i].Get() : nullptr);
+      mapper->SetScalarVisibility(coloured);
+      pieces[i]->SetVisibility(i < shown.size());
+    }
+  }
+
+  vtkSmartPointer<vtkActor> cloudActor(vtkRenderer& layer,
+                                       vtkSmartPointer<vtkPolyDataMapper> mapper,
+                                       float pointSize)
+  {
+    mapper->SetLookupTable(lookupTable);
+    mapper->UseLookupTableScalarRangeOn();
+    auto result = vtkSmartPointer<vtkActor>::New();
+    result->SetMapper(mapper);
+    result->GetProperty()->SetPointSize(pointSize);
+    result->GetProperty()->SetColor(30 / 255.0, 90 / 255.0, 200 / 255.0);
+    result->PickableOff();
+    layer.AddActor(result);
+    return result;
   }
 
   void findSelected(const std::set<unsigned long long>& ids)
@@ -358,26 +433,12 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   d->lookupTable->SetHueRange(0.667, 0.0);
   d->lookupTable->SetNanColor(0.45, 0.45, 0.45, 1);
   d->lookupTable->Build();
-  const auto actor = [this](vtkRenderer& renderer, float pointSize)
-  {
-    auto mapper = vtkSmartPointer<vtkPolyDataMapper>::New();
-    mapper->SetLookupTable(d->lookupTable);
-    mapper->UseLookupTableScalarRangeOn();
-    auto result = vtkSmartPointer<vtkActor>::New();
-    result->SetMapper(mapper);
-    result->GetProperty()->SetPointSize(pointSize);
-    result->GetProperty()->SetColor(30 / 255.0, 90 / 255.0, 200 / 255.0);
-    result->PickableOff();
-    renderer.AddActor(result);
-    return result;
-  };
-  d->points = actor(*d->renderer, 4);
-  d->ring = actor(*d->ringLayer, 11);
+  d->ring = d->cloudActor(*d->ringLayer, vtkSmartPointer<vtkPolyDataMapper>::New(), 11);
   vtkPolyDataMapper::SafeDownCast(d->ring->GetMapper())->ScalarVisibilityOff();
   d->ring->GetProperty()->SetColor(0.08, 0.08, 0.08);
-  d->fill = actor(*d->fillLayer, 6);
+  d->fill = d->cloudActor(*d->fillLayer, vtkSmartPointer<vtkPolyDataMapper>::New(), 6);
   // Empty until the view is first shown.
-  for (vtkActor* cloud : { d->points.Get(), d->ring.Get(), d->fill.Get() })
+  for (vtkActor* cloud : { d->ring.Get(), d->fill.Get() })
     vtkPolyDataMapper::SafeDownCast(cloud->GetMapper())->SetInputData(pointCloud({}, nullptr));
 
   d->box = vtkSmartPointer<vtkCubeAxesActor>::New();
@@ -439,9 +500,8 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   d->startTurning = vtkPxCommandProxy::New(
     [impl]
     {
-      if (impl->positions.size() > sampledAbove)
-        vtkPolyDataMapper::SafeDownCast(impl->points->GetMapper())
-          ->SetInputData(impl->sampledPoints);
+      if (impl->sampledPoints)
+        impl->showPoints({ impl->sampledPoints });
     });
   // The interactor style's keys belong to a model viewer (wireframe, stereo, quit): none here.
   d->swallowKeys = vtkPxCommandProxy::New([impl] { impl->swallowKeys->SetAbortFlag(1); });
@@ -460,7 +520,8 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   d->endTurning = vtkPxCommandProxy::New(
     [this, impl]
     {
-      vtkPolyDataMapper::SafeDownCast(impl->points->GetMapper())->SetInputData(impl->allPoints);
+      if (impl->sampledPoints)
+        impl->showPoints(impl->allPoints);
       impl->scheduleRender();
       vtkRenderWindowInteractor* events = impl->widget->interactor();
       const int* at = events->GetEventPosition();

@@ -266,13 +266,15 @@ struct ScatterPlotView::Impl
   void updatePoints()
   {
     // Without both variables there is nothing to plot (an empty study, say).
-    const bool plottable = !x->value().lock().isNull() && !y->value().lock().isNull();
-    points->SetVisible(plottable);
-    if (!plottable)
+    const bool bothVariables = !x->value().lock().isNull() && !y->value().lock().isNull();
+    points->SetVisible(bothVariables);
+    if (!bothVariables)
     {
       points->SetInputData(nullptr);
       return;
     }
+    plottable->SetColumns(
+      { x->value().lock().name(), y->value().lock().name(), color->value().lock().name() });
     validPoints->Update();
     auto table = vtkSmartPointer<vtkTable>::New();
     table->ShallowCopy(validPoints->GetOutput());
