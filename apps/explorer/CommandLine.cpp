@@ -249,9 +249,11 @@ int openWindow(const Options& options, std::ostream& err)
 {
   ExplorerWindow window;
   window.setPathRebases(options.rebases);
-  prepareWindow(window, options, true, err);
+  // On screen before the study is read: the reading's progress shows over the window.
   window.resize(1600, 1000);
   window.show();
+  QApplication::processEvents();
+  prepareWindow(window, options, true, err);
   window.preloadImages();
   return QApplication::exec();
 }
