@@ -79,14 +79,20 @@ private:
 
 } // namespace
 
-void scrollToSelectionLater(QTableView& table)
+void scrollToSelectionLater(QTableView& table, std::function<int()> firstRow)
 {
   QTimer::singleShot(0,
                      &table,
-                     [view = &table]
+                     [view = &table, firstRow = std::move(firstRow)]
                      {
                        if (view->hasFocus() || !view->selectionModel())
                          return;
+                       if (firstRow)
+                       {
+                         if (const int row = firstRow(); row >= 0)
+                           view->scrollTo(view->model()->index(row, 0));
+                         return;
+                       }
                        const QItemSelection selection = view->selectionModel()->selection();
                        if (!selection.isEmpty())
                          view->scrollTo(selection.first().topLeft());

@@ -55,7 +55,8 @@ struct ViewContext
 /// Brings the first selected item of a table into sight once control returns to the event loop
 /// (when every view has taken in the selection), unless the table has the focus: a selection made
 /// in the table itself never makes it jump.
-void scrollToSelectionLater(QTableView& table);
+/// `firstRow`, when given, names the first selected row instead of Qt's item selection.
+void scrollToSelectionLater(QTableView& table, std::function<int()> firstRow = {});
 
 /// Draws a view at once, or once control returns to the event loop however many changes asked
 /// for it meanwhile; a draw in between makes the queued one unnecessary.

@@ -767,6 +767,53 @@ TEST_F(ExplorerWindowTest, TheCasesTableSortsByAnyColumnKeepsTheSelectionAndFind
   EXPECT_EQ(window->selection().getSelections(), (std::set<unsigned long long>{ 4 }));
 }
 
+TEST_F(ExplorerWindowTest, ACrowdedSelectionFromAnotherViewIsDrawnAndChangedInTheTable)
+{
+  // Every other case of 600: 300 runs of rows, which the table keeps otherwise than Qt's
+  // selection of a few runs.
+  const TemporaryFolder crowd;
+  explorer::SampleStudyOptions options;
+  options.folder = crowd.path();
+  options.runs = 600;
+  options.images = false;
+  explorer::writeSampleStudy(options);
+  window->showStudy(readStudy(crowd.path()));
+  auto* cases = window->view<explorer::CasesTableView>();
+  QTableView& table = cases->table();
+  const auto caseOf = [&](int row) { return table.model()->index(row, 0).data().toULongLong(); };
+  std::set<unsigned long long> everyOther;
+  for (int row = 0; row < table.model()->rowCount(); row += 2)
+    everyOther.insert(caseOf(row));
+  window->selection().setSelection(everyOther);
+  EXPECT_EQ(cases->selectedRows(), 300);
+
+  QApplication::processEvents();
+  const QImage drawn = table.viewport()->grab().toImage();
+  const auto shade = [&](int row)
+  {
+    const QRect cell = table.visualRect(table.model()->index(row, 1));
+    return drawn.pixelColor(cell.center().x(), cell.top() + 1);
+  };
+  EXPECT_NE(shade(0), shade(1)) << "selected rows are drawn as selected";
+  EXPECT_EQ(shade(0), shade(2));
+  EXPECT_EQ(shade(1), shade(3));
+
+  const auto click = [&](int row, Qt::KeyboardModifiers modifiers)
+  {
+    QTest::mouseClick(table.viewport(),
+                      Qt::LeftButton,
+                      modifiers,
+                      table.visualRect(table.model()->index(row, 1)).center());
+  };
+  click(0, Qt::ControlModifier);
+  auto expected = everyOther;
+  expected.erase(caseOf(0));
+  EXPECT_EQ(window->selection().getSelections(), expected) << "Control+click takes one away";
+  click(1, {});
+  EXPECT_EQ(window->selection().getSelections(), (std::set<unsigned long long>{ caseOf(1) }));
+  EXPECT_EQ(cases->selectedRows(), 1);
+}
+
 TEST(ImageDifference, IsTheLargestChannelDifferenceWhateverTheFormatsAndSizes)
 {
   QImage red(4, 2, QImage::Format_RGB32);

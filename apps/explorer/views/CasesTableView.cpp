@@ -20,9 +20,13 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPointer>
+#include <QSignalBlocker>
+#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <boost/make_shared.hpp>
@@ -34,6 +38,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numeric>
 
 namespace explorer
@@ -177,10 +182,29 @@ private:
 };
 
 // A selection of many scattered rows repaints the whole viewport: finding the region of each of
-// its ranges costs more than painting the rows in sight.
+// its ranges costs more than painting the rows in sight. A press with Control adds to the
+// selection or takes from it: Qt decides which from its own selection, which must then hold the
+// rows kept as flags.
 class CasesTable : public QTableView
 {
+public:
+  std::function<void()> beforeAddingToSelection;
+
 protected:
+  void mousePressEvent(QMouseEvent* event) override
+  {
+    if ((event->modifiers() & Qt::ControlModifier) && beforeAddingToSelection)
+      beforeAddingToSelection();
+    QTableView::mousePressEvent(event);
+  }
+
+  void keyPressEvent(QKeyEvent* event) override
+  {
+    if ((event->modifiers() & Qt::ControlModifier) && beforeAddingToSelection)
+      beforeAddingToSelection();
+    QTableView::keyPressEvent(event);
+  }
+
   QRegion visualRegionForSelection(const QItemSelection& selection) const override
   {
     return selection.size() > 256 ? QRegion(viewport()->rect())
@@ -238,18 +262,41 @@ private:
   const CasesModel& model;
 };
 
-// To report a change of selection, Qt compares the old selection with the new one range by
-// range, which is quadratic; a selection made in another view (the cases of a matrix cell) is
-// tens of thousands of scattered rows. A selection that replaces another is therefore made in
-// two steps that Qt reports without comparing: the old one goes, then the new one comes.
-class ReplacingSelectionModel : public QItemSelectionModel
+// The table's selection. To report a change, Qt compares the old selection with the new one
+// range by range, which is quadratic; a selection that replaces another is therefore made in two
+// steps that Qt reports without comparing: the old one goes, then the new one comes.
+//
+// A selection made in another view can be many scattered rows (a tenth of a million cases is
+// 1e5 runs of rows), and Qt keeps two persistent indexes per run: most of a second to take in.
+// Such a selection is kept here as a flag per row instead, drawn by the table's delegate, while
+// Qt's own selection stays empty. A change made in the table replaces the flags; a change that
+// adds to them (Control held) first makes them Qt's selection.
+class CasesSelectionModel : public QItemSelectionModel
 {
 public:
-  using QItemSelectionModel::QItemSelectionModel;
+  // More runs of rows than this are kept as flags.
+  static constexpr std::size_t flaggedAbove = 256;
+
+  CasesSelectionModel(QAbstractItemModel* model, QAbstractItemView* view)
+    : QItemSelectionModel(model, view)
+    , view(view)
+  {
+    // The flags name rows of the model as it was.
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this] { dropFlags(); });
+    connect(model, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] { dropFlags(); });
+  }
+
   using QItemSelectionModel::select;
 
   void select(const QItemSelection& selection, SelectionFlags command) override
   {
+    if (flaggedCount > 0)
+    {
+      if (command & Clear)
+        dropFlags();
+      else
+        adoptFlags();
+    }
     if ((command & Clear) && (command & Select) && hasSelection())
     {
       QItemSelectionModel::select(QItemSelection(), Clear);
@@ -258,6 +305,130 @@ public:
     }
     QItemSelectionModel::select(selection, command);
   }
+
+  // Shows these rows, sorted, as the selection in place of any other.
+  void show(std::vector<int> rows)
+  {
+    dropFlags();
+    QItemSelection runs = rowRanges(*model(), rows);
+    if (static_cast<std::size_t>(runs.size()) <= flaggedAbove)
+    {
+      select(runs, ClearAndSelect);
+      return;
+    }
+    runs.clear();
+    if (hasSelection())
+      QItemSelectionModel::select(QItemSelection(), Clear);
+    flags.assign(static_cast<std::size_t>(model()->rowCount()), false);
+    for (int row : rows)
+      flags[static_cast<std::size_t>(row)] = true;
+    flaggedCount = rows.size();
+    firstFlagged = rows.front();
+    view->viewport()->update();
+  }
+
+  bool flagged(int row) const
+  {
+    return flaggedCount > 0 && row >= 0 && static_cast<std::size_t>(row) < flags.size() &&
+           flags[static_cast<std::size_t>(row)];
+  }
+
+  std::size_t flaggedRows() const { return flaggedCount; }
+
+  // The first selected row, flagged or Qt's; -1 without a selection.
+  int firstRow() const
+  {
+    if (flaggedCount > 0)
+      return firstFlagged;
+    const QItemSelection ranges = selection();
+    return ranges.isEmpty() ? -1 : ranges.first().top();
+  }
+
+  // Makes the flags Qt's selection, quietly: they were drawn as selected already.
+  void adoptFlags()
+  {
+    if (flaggedCount == 0)
+      return;
+    std::vector<int> rows;
+    rows.reserve(flaggedCount);
+    for (std::size_t row = 0; row < flags.size(); ++row)
+      if (flags[row])
+        rows.push_back(static_cast<int>(row));
+    dropFlags();
+    const QSignalBlocker quiet(this);
+    QItemSelectionModel::select(rowRanges(*model(), rows), Select);
+  }
+
+private:
+  void dropFlags()
+  {
+    if (flaggedCount == 0)
+      return;
+    flags.clear();
+    flaggedCount = 0;
+    view->viewport()->update();
+  }
+
+  QPointer<QAbstractItemView> view;
+  std::vector<bool> flags;
+  std::size_t flaggedCount = 0;
+  int firstFlagged = -1;
+};
+
+// Draws the flagged rows of the selection as selected.
+class CasesDelegate : public QStyledItemDelegate
+{
+public:
+  CasesDelegate(const CasesSelectionModel& selection, QObject* parent)
+    : QStyledItemDelegate(parent)
+    , selection(selection)
+  {
+  }
+
+  void paint(QPainter* painter,
+             const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override
+  {
+    if (!selection.flagged(index.row()))
+    {
+      QStyledItemDelegate::paint(painter, option, index);
+      return;
+    }
+    QStyleOptionViewItem selected = option;
+    selected.state |= QStyle::State_Selected;
+    QStyledItemDelegate::paint(painter, selected, index);
+  }
+
+private:
+  const CasesSelectionModel& selection;
+};
+
+// Shows the master selection through the selection model, which keeps many runs of rows as flags.
+class CasesSelectionSynchronizer : public TableViewSelectionSynchronizer
+{
+public:
+  CasesSelectionSynchronizer(boost::shared_ptr<SelectionModelInterface> master,
+                             QTableView& view,
+                             const CasesModel& model,
+                             CasesSelectionModel& selection)
+    : TableViewSelectionSynchronizer(std::move(master),
+                                     view,
+                                     boost::make_shared<RowConverter>(model))
+    , model(model)
+    , selection(selection)
+  {
+  }
+
+private:
+  void setLocalSelectionsToMaster(const std::set<unsigned long long>& ids) override
+  {
+    std::vector<int> rows = model.rowsOf(ids);
+    std::sort(rows.begin(), rows.end());
+    selection.show(std::move(rows));
+  }
+
+  const CasesModel& model;
+  CasesSelectionModel& selection;
 };
 
 } // namespace
@@ -267,7 +438,8 @@ struct CasesTableView::Impl
   std::shared_ptr<const Project> project;
   boost::shared_ptr<SelectionModelInterface> selection;
   QPointer<QWidget> container;
-  QTableView* table = nullptr;
+  CasesTable* table = nullptr;
+  CasesSelectionModel* rows = nullptr;
   QLineEdit* find = nullptr;
   QLabel* findMessage = nullptr;
   std::unique_ptr<CasesModel> model;
@@ -342,14 +514,18 @@ CasesTableView::CasesTableView(const ViewContext& context)
   d->table->setModel(d->model.get());
   // A view does not delete the selection model it is given, nor the one it replaces.
   QItemSelectionModel* first = d->table->selectionModel();
-  d->table->setSelectionModel(new ReplacingSelectionModel(d->model.get(), d->table));
+  auto* rows = new CasesSelectionModel(d->model.get(), d->table);
+  d->table->setSelectionModel(rows);
   delete first;
+  d->table->setItemDelegate(new CasesDelegate(*rows, d->table));
+  d->table->beforeAddingToSelection = [rows] { rows->adoptFlags(); };
+  d->rows = rows;
   // The column headers get a selection of their own, always empty: to draw the table's, a header
   // asks it about every row of its column on each paint, most of a second at a million rows.
   QHeaderView* columns = d->table->horizontalHeader();
   columns->setSelectionModel(new QItemSelectionModel(d->model.get(), columns));
-  d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
-    context.selection, *d->table, boost::make_shared<RowConverter>(*d->model));
+  d->synchronizer =
+    std::make_unique<CasesSelectionSynchronizer>(context.selection, *d->table, *d->model, *rows);
 
   using Bounded = plexa::BoundedValueValidator<short>;
   d->sortColumn = boost::make_shared<plexa::UndoablePropertyProxy<short>>(
@@ -371,7 +547,8 @@ CasesTableView::CasesTableView(const ViewContext& context)
   QObject::connect(d->find, &QLineEdit::returnPressed, d->container, [impl] { impl->findCase(); });
 
   d->connections.add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>&) { scrollToSelectionLater(*impl->table); }));
+    [impl](const std::set<unsigned long long>&)
+    { scrollToSelectionLater(*impl->table, [impl] { return impl->rows->firstRow(); }); }));
   d->connections.add(pipeline.connectSignalPipelineChanged(
     [impl]
     {
@@ -445,7 +622,7 @@ boost::shared_ptr<plexa::PropertyAbstract<bool>> CasesTableView::sortDescending(
 
 int CasesTableView::selectedRows() const
 {
-  int rows = 0;
+  auto rows = static_cast<int>(d->rows->flaggedRows());
   for (const QItemSelectionRange& range : d->table->selectionModel()->selection())
     rows += range.height();
   return rows;
