@@ -248,7 +248,9 @@ public:
     for (const QItemSelectionRange& range : selection.selection())
       for (int row = range.top(); row <= range.bottom(); ++row)
         ids.push_back(model.caseOfRow(row));
-    std::sort(ids.begin(), ids.end());
+    // Rows in the study's order hold their cases in order: nothing to sort then.
+    if (!std::is_sorted(ids.begin(), ids.end()))
+      std::sort(ids.begin(), ids.end());
     return std::set<unsigned long long>(ids.begin(), std::unique(ids.begin(), ids.end()));
   }
 
