@@ -9,13 +9,6 @@
 namespace
 {
 
-QString saved(SerializerInterface& serializer)
-{
-  QDomDocument document;
-  document.appendChild(serializer.serialize(document));
-  return document.toString(-1);
-}
-
 QDomElement parsed(QDomDocument& document, const QString& xml)
 {
   EXPECT_TRUE(document.setContent(xml)) << xml.toStdString();
@@ -25,51 +18,6 @@ QDomElement parsed(QDomDocument& document, const QString& xml)
 } // namespace
 
 using ColorLegendSerializerTest = ColorLegendFixture;
-
-// The element as (tag, text) pairs in document order, the range as its two attribute texts.
-// (Qt writes the attributes of one element in hash order, so the text is not compared whole.)
-std::vector<std::pair<std::string, std::string>> children(const QString& xml,
-                                                          QString& min,
-                                                          QString& max)
-{
-  QDomDocument document;
-  EXPECT_TRUE(document.setContent(xml));
-  const QDomElement root = document.documentElement();
-  EXPECT_EQ(root.tagName(), "ColorLegend");
-  std::vector<std::pair<std::string, std::string>> result;
-  for (QDomElement child = root.firstChildElement(); !child.isNull();
-       child = child.nextSiblingElement())
-  {
-    result.emplace_back(child.tagName().toStdString(), child.text().toStdString());
-    if (child.tagName() == "Range")
-    {
-      EXPECT_EQ(child.attributes().count(), 2);
-      min = child.attribute("Min");
-      max = child.attribute("Max");
-    }
-  }
-  return result;
-}
-
-TEST_F(ColorLegendSerializerTest, ReadsBackWhatItWrote)
-{
-  legend->range()->setValue({ 0.1, 2 });
-  legend->numLabels()->setValue(9);
-  legend->rangeType()->setValue(ColorLegend::Custom);
-  const QString xml = saved(*legend->serializer());
-
-  legend->numLabels()->setValue(15);
-  legend->rangeType()->setValue(ColorLegend::Auto);
-  legend->range()->setValue({ 5, 6 });
-  QDomDocument document;
-  QDomElement element = parsed(document, xml);
-  legend->serializer()->deserialize(element);
-  EXPECT_EQ(legend->range()->value(), (ValueRange_s<double>{ 0.1, 2 }));
-  EXPECT_EQ(legend->numLabels()->value(), 9);
-  EXPECT_EQ(legend->rangeType()->value(), ColorLegend::Custom);
-  EXPECT_NEAR(tableRange().first, 0, 1e-12);
-  EXPECT_NEAR(tableRange().second, 2, 1e-12);
-}
 
 TEST_F(ColorLegendSerializerTest, MissingAttributesKeepTheirEndAndNonNumbersReadAsZero)
 {

@@ -382,17 +382,9 @@ TEST_F(ExplorerWindowTest, TheChartShowsEditsAtOnceWithWholePointsRingedSelectio
   const QImage shown = widget->grabFramebuffer();
   const auto pixelOf = [&](unsigned long long id)
   {
-    vtkTable* table = points.GetInput();
-    for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
-    {
-      if (table->GetValue(row, 0).ToDouble() != static_cast<double>(id))
-        continue;
-      const double x = table->GetValueByName(row, points.GetXAxis()->GetTitle().c_str()).ToDouble();
-      const double y = table->GetValueByName(row, points.GetYAxis()->GetTitle().c_str()).ToDouble();
-      return QPoint(qRound(testsupport::pixelOf(*points.GetXAxis(), 0, x)),
-                    shown.height() - 1 - qRound(testsupport::pixelOf(*points.GetYAxis(), 1, y)));
-    }
-    return QPoint(-1, -1);
+    const auto [x, y] = testsupport::valuesOfCase(points, id);
+    return QPoint(qRound(testsupport::pixelOf(*points.GetXAxis(), 0, x)),
+                  shown.height() - 1 - qRound(testsupport::pixelOf(*points.GetYAxis(), 1, y)));
   };
   const auto darkAround = [&](QPoint at)
   {
@@ -514,15 +506,7 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
     banded[mode] = window->selection().getSelections();
 
     window->selection().setSelection({});
-    vtkTable* table = scatter->points().GetInput();
-    double x = 0;
-    double y = 0;
-    for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
-      if (table->GetValue(row, 0).ToDouble() == 1008.0)
-      {
-        x = table->GetValueByName(row, "angle").ToDouble();
-        y = table->GetValueByName(row, "range").ToDouble();
-      }
+    const auto [x, y] = testsupport::valuesOfCase(scatter->points(), 1008);
     item.MouseButtonPressEvent(mouseAt(x, y));
     item.MouseButtonReleaseEvent(mouseAt(x, y));
     clicked[mode] = window->selection().getSelections();

@@ -31,39 +31,21 @@ private:
   int held = 0;
 };
 
-// Appends every value the property signals to `seen` while `connection` lives.
-template<typename T>
-void record(const plexa::PropertyAbstract<T>& property,
-            std::vector<T>& seen,
-            boost::signals2::scoped_connection& connection)
-{
-  connection = property.connectSignalValueChanged([&seen](const T& v) { seen.push_back(v); });
-}
-
 } // namespace
 
-TEST(Property, SettingTheCurrentValueStoresAndSignalsNothing)
+TEST(Property, StoresAndSignalsOnlyANewValueAndSignalsTheValueReadBack)
 {
   ClampingProperty property;
   std::vector<int> seen;
-  boost::signals2::scoped_connection connection;
-  record<int>(property, seen, connection);
+  boost::signals2::scoped_connection connection =
+    property.connectSignalValueChanged([&seen](const int& v) { seen.push_back(v); });
   property.setValue(5);
   property.setValue(5);
   static_cast<plexa::PropertyAbstract<int>&>(property) = 5;
-  EXPECT_EQ(property.stores, 1);
-  EXPECT_EQ(seen, std::vector<int>{ 5 });
-}
-
-TEST(Property, TheSignalCarriesTheValueReadBackAfterStoring)
-{
-  ClampingProperty property;
-  std::vector<int> seen;
-  boost::signals2::scoped_connection connection;
-  record<int>(property, seen, connection);
+  EXPECT_EQ(property.stores, 1) << "the current value is neither stored again nor signalled";
   property.setValue(250);
   EXPECT_EQ(property.value(), 100);
-  EXPECT_EQ(seen, std::vector<int>{ 100 }) << "not the argument, 250";
+  EXPECT_EQ(seen, (std::vector<int>{ 5, 100 })) << "the value read back, not the argument 250";
 }
 
 TEST(Property, InvalidValuesAreRefusedWithTheValidatorsMessageAndChangeNothing)

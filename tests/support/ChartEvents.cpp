@@ -2,6 +2,10 @@
 
 #include <vtkAxis.h>
 #include <vtkChart.h>
+#include <vtkPlotPoints.h>
+#include <vtkTable.h>
+
+#include <cmath>
 
 namespace testsupport
 {
@@ -35,6 +39,18 @@ vtkContextMouseEvent mouseAt(vtkChart& chart,
   event.SetLastScenePos(at);
   event.SetLastScreenPos(screen);
   return event;
+}
+
+std::pair<double, double> valuesOfCase(vtkPlotPoints& points, unsigned long long id)
+{
+  vtkTable* table = points.GetInput();
+  for (vtkIdType row = 0; table && row < table->GetNumberOfRows(); ++row)
+  {
+    if (table->GetValue(row, 0).ToDouble() == static_cast<double>(id))
+      return { table->GetValueByName(row, points.GetXAxis()->GetTitle().c_str()).ToDouble(),
+               table->GetValueByName(row, points.GetYAxis()->GetTitle().c_str()).ToDouble() };
+  }
+  return { std::nan(""), std::nan("") };
 }
 
 } // namespace testsupport

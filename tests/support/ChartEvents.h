@@ -4,8 +4,11 @@
 
 #include <vtkContextMouseEvent.h>
 
+#include <utility>
+
 class vtkAxis;
 class vtkChart;
+class vtkPlotPoints;
 class vtkRenderWindowInteractor;
 
 namespace testsupport
@@ -23,5 +26,9 @@ vtkContextMouseEvent mouseAt(vtkChart& chart,
                              double y,
                              float dx = 0,
                              float dy = 0);
+
+/// The values a plot of points shows for a case (its id in column 0), by the titles of its axes;
+/// NaN when the plot does not show the case.
+std::pair<double, double> valuesOfCase(vtkPlotPoints& points, unsigned long long id);
 
 } // namespace testsupport

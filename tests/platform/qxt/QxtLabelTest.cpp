@@ -1,7 +1,6 @@
 #include "qxt/QxtLabel.h"
 
 #include <QImage>
-#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 namespace
