@@ -9,9 +9,11 @@
 #include "properties/ValueRangeValidator.h"
 #include "serialization/EnumSerializer.h"
 #include "serialization/GenericSerializer.h"
-#include "serialization/TagSerializers.h"
+#include "serialization/TagGroupsToShowSerializer.h"
+#include "serialization/TagsToShowSerializer.h"
 #include "serialization/ValueRangeSerializer.h"
 #include "serialization/VariableInfoSerializer.h"
+#include "serialization/VariableListSerializer.h"
 #include "serialize/Serializer.h"
 #include "serialize/VectorSerializer.h"
 

@@ -1,8 +1,10 @@
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
 #include "properties/Property.h"
-#include "serialization/TagSerializers.h"
+#include "serialization/TagGroupsToShowSerializer.h"
+#include "serialization/TagsToShowSerializer.h"
 #include "serialization/VariableInfoSerializer.h"
+#include "serialization/VariableListSerializer.h"
 
 #include <QDomDocument>
 #include <boost/make_shared.hpp>

@@ -12,8 +12,10 @@
 #include "properties/PropertyAbstract.h"
 #include "serialization/EnumSerializer.h"
 #include "serialization/GenericSerializer.h"
-#include "serialization/TagSerializers.h"
+#include "serialization/TagGroupsToShowSerializer.h"
+#include "serialization/TagsToShowSerializer.h"
 #include "serialization/VariableInfoSerializer.h"
+#include "serialization/VariableListSerializer.h"
 #include "serialize/Serializer.h"
 #include "signals/SignalConnectionCollection.h"
 

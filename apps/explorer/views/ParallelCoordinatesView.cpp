@@ -12,7 +12,7 @@
 #include "properties/Property.h"
 #include "properties/UndoablePropertyProxy.h"
 #include "serialization/GenericSerializer.h"
-#include "serialization/VariableInfoSerializer.h"
+#include "serialization/VariableListSerializer.h"
 #include "serialize/Serializer.h"
 #include "signals/SignalConnectionCollection.h"
 

@@ -1,21 +1,9 @@
-#include "serialization/TagSerializers.h"
+#include "serialization/TagGroupsToShowSerializer.h"
 #include "datamanagement/Project.h"
 #include "properties/PropertyAbstract.h"
 
 #include <QDomDocument>
 #include <QDomElement>
-
-TagsToShowSerializer::TagsToShowSerializer(
-  boost::shared_ptr<plexa::PropertyAbstract<std::vector<std::string>>> property,
-  const std::set<std::string>& knownTags)
-  : VectorSerializer<std::string>("TagsToShow",
-                                  std::move(property),
-                                  [knownTags](const std::string& tag)
-                                  { return knownTags.count(tag) != 0; })
-{
-}
-
-TagsToShowSerializer::~TagsToShowSerializer() = default;
 
 TagGroupsToShowSerializer::TagGroupsToShowSerializer(
   boost::shared_ptr<TagGroupListProperty> property)

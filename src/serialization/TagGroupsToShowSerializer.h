@@ -16,18 +16,6 @@ template<typename T>
 class PropertyAbstract;
 }
 
-/// Saves the tags to show as the comma-separated text of a "TagsToShow" element, and reads back
-/// only the names among the known tags (exact, case-sensitive).
-class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT TagsToShowSerializer
-  : public VectorSerializer<std::string>
-{
-public:
-  TagsToShowSerializer(
-    boost::shared_ptr<plexa::PropertyAbstract<std::vector<std::string>>> property,
-    const std::set<std::string>& knownTags);
-  ~TagsToShowSerializer() override;
-};
-
 /// Saves the tag groups to show by name as the comma-separated text of a "TagGroupsToShow"
 /// element, and reads every name back, resolving it through the current project; a name the
 /// project has no tag group for is dropped. A handle whose group no longer exists is written
