@@ -522,10 +522,12 @@ CasesTableView::CasesTableView(const ViewContext& context)
   d->table->setItemDelegate(new CasesDelegate(*rows, d->table));
   d->table->beforeAddingToSelection = [rows] { rows->adoptFlags(); };
   d->rows = rows;
-  // The column headers get a selection of their own, always empty: to draw the table's, a header
-  // asks it about every row of its column on each paint, most of a second at a million rows.
+  // The headers get a selection of their own, always empty: to draw the table's, a column header
+  // asks it about every row of its column on each paint, most of a second at a million rows; and
+  // a row header could not show the rows kept as flags, so it shows none.
   QHeaderView* columns = d->table->horizontalHeader();
-  columns->setSelectionModel(new QItemSelectionModel(d->model.get(), columns));
+  for (QHeaderView* header : { columns, d->table->verticalHeader() })
+    header->setSelectionModel(new QItemSelectionModel(d->model.get(), header));
   d->synchronizer =
     std::make_unique<CasesSelectionSynchronizer>(context.selection, *d->table, *d->model, *rows);
 
