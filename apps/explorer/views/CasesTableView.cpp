@@ -312,13 +312,14 @@ public:
   void show(std::vector<int> rows)
   {
     dropFlags();
-    QItemSelection runs = rowRanges(*model(), rows);
-    if (static_cast<std::size_t>(runs.size()) <= flaggedAbove)
+    std::size_t runs = 0;
+    for (std::size_t i = 0; i < rows.size() && runs <= flaggedAbove; ++i)
+      runs += i == 0 || rows[i] > rows[i - 1] + 1 ? 1 : 0;
+    if (runs <= flaggedAbove)
     {
-      select(runs, ClearAndSelect);
+      select(rowRanges(*model(), rows), ClearAndSelect);
       return;
     }
-    runs.clear();
     if (hasSelection())
       QItemSelectionModel::select(QItemSelection(), Clear);
     flags.assign(static_cast<std::size_t>(model()->rowCount()), false);
