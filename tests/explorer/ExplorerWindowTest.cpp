@@ -555,16 +555,9 @@ TEST_F(ExplorerWindowTest, SelectedCasesImagesAndDifferencesFollowTheSelection)
   EXPECT_EQ(testsupport::readFile(exported),
             "case_id,angle,speed,material\n1,30,10,steel\n3,45,10,steel\n2,30,20,wood\n");
 
-  // Stepping through the cases (wrapping) and their images, by call and by key.
+  // Stepping through the cases (wrapping) and their images, by call and by key. The view's tab
+  // was behind another when the selection changed: it takes the selection in when brought forward.
   auto* images = window->view<explorer::SelectedImageView>();
-  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1 }));
-  images->stepCases(-1);
-  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 3 }));
-  QTest::keyClick(images->widget(), Qt::Key_Right);
-  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1 }));
-  images->sideBySide()->setValue(2);
-  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1, 2 }));
-  EXPECT_TRUE(images->captions()[1].startsWith("case 2, angle 30, speed 20, material wood"));
   const auto pixmapColour = [&](int pane)
   {
     const auto labels = images->widget()->findChildren<QLabel*>();
@@ -575,6 +568,17 @@ TEST_F(ExplorerWindowTest, SelectedCasesImagesAndDifferencesFollowTheSelection)
     return pane < static_cast<int>(colours.size()) ? colours[static_cast<std::size_t>(pane)]
                                                    : QColor();
   };
+  EXPECT_EQ(pixmapColour(0), QColor()) << "nothing taken in while hidden";
+  window->findChild<QTabWidget*>("viewTabs")->setCurrentWidget(images->widget());
+  EXPECT_EQ(pixmapColour(0), QColor(Qt::red)) << "case 1's first image, once shown";
+  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1 }));
+  images->stepCases(-1);
+  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 3 }));
+  QTest::keyClick(images->widget(), Qt::Key_Right);
+  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1 }));
+  images->sideBySide()->setValue(2);
+  EXPECT_EQ(images->shownCases(), (std::vector<unsigned long long>{ 1, 2 }));
+  EXPECT_TRUE(images->captions()[1].startsWith("case 2, angle 30, speed 20, material wood"));
   EXPECT_EQ(pixmapColour(0), QColor(Qt::red)) << "case 1's first image";
   QTest::keyClick(images->widget(), Qt::Key_Down);
   EXPECT_EQ(pixmapColour(0), QColor(Qt::green)) << "case 1's second image";
