@@ -3,6 +3,7 @@
 #include <vtkAxis.h>
 #include <vtkContext2D.h>
 #include <vtkFloatArray.h>
+#include <vtkIdTypeArray.h>
 #include <vtkImageData.h>
 #include <vtkObjectFactory.h>
 #include <vtkPen.h>
@@ -29,6 +30,7 @@ void vtkDensityPlotPoints::PrintSelf(ostream& os, vtkIndent indent)
   this->Superclass::PrintSelf(os, indent);
   os << indent << "DrawDensity: " << this->DrawDensity << "\n";
   os << indent << "PointOpacity: " << this->PointOpacity << "\n";
+  os << indent << "DrawSelectionDensity: " << this->DrawSelectionDensity << "\n";
 }
 
 void vtkDensityPlotPoints::ApplyPointOpacity()
@@ -64,110 +66,143 @@ bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
 
   // The visible area in the plot's (shifted and scaled) coordinates, and its size in pixels.
   const vtkRectd shiftScale = this->GetShiftScale();
-  const double area[4] = {
-    (this->XAxis->GetMinimum() + shiftScale.GetX()) * shiftScale.GetWidth(),
-    (this->XAxis->GetMaximum() + shiftScale.GetX()) * shiftScale.GetWidth(),
-    (this->YAxis->GetMinimum() + shiftScale.GetY()) * shiftScale.GetHeight(),
-    (this->YAxis->GetMaximum() + shiftScale.GetY()) * shiftScale.GetHeight(),
-  };
+  Grid grid{ { (this->XAxis->GetMinimum() + shiftScale.GetX()) * shiftScale.GetWidth(),
+               (this->XAxis->GetMaximum() + shiftScale.GetX()) * shiftScale.GetWidth(),
+               (this->YAxis->GetMinimum() + shiftScale.GetY()) * shiftScale.GetHeight(),
+               (this->YAxis->GetMaximum() + shiftScale.GetY()) * shiftScale.GetHeight() },
+             { 1, 1 } };
   const float pixelsX = std::abs(this->XAxis->GetPoint2()[0] - this->XAxis->GetPoint1()[0]);
   const float pixelsY = std::abs(this->YAxis->GetPoint2()[1] - this->YAxis->GetPoint1()[1]);
   constexpr int binPixels = 2;
-  const int size[2] = { std::max(1, static_cast<int>(pixelsX) / binPixels),
-                        std::max(1, static_cast<int>(pixelsY) / binPixels) };
+  grid.size[0] = std::max(1, static_cast<int>(pixelsX) / binPixels);
+  grid.size[1] = std::max(1, static_cast<int>(pixelsY) / binPixels);
+  const double* area = grid.area;
   if (!(area[1] > area[0]) || !(area[3] > area[2]))
   {
     return false;
   }
+  const auto sameGrid = [&](const double binnedArea[4], const int binnedSize[2])
+  {
+    return std::equal(area, area + 4, binnedArea) &&
+           std::equal(grid.size, grid.size + 2, binnedSize);
+  };
+  const vtkRectf where(static_cast<float>(area[0]),
+                       static_cast<float>(area[2]),
+                       static_cast<float>(area[1] - area[0]),
+                       static_cast<float>(area[3] - area[2]));
 
   unsigned char plain[4];
   this->GetColor(plain);
   const bool colored = this->ScalarVisibility && this->Colors &&
                        this->Colors->GetNumberOfTuples() == this->Points->GetNumberOfPoints();
   const vtkMTimeType colorsTime = colored ? this->Colors->GetMTime() : 0;
-  const bool same =
-    this->BinnedPointsTime == this->Points->GetMTime() && this->BinnedColorsTime == colorsTime &&
-    std::equal(area, area + 4, this->BinnedArea) && std::equal(size, size + 2, this->BinnedSize) &&
-    std::equal(plain, plain + 4, this->BinnedColor);
-  if (!same)
+  if (this->BinnedPointsTime != this->Points->GetMTime() || this->BinnedColorsTime != colorsTime ||
+      !sameGrid(this->BinnedArea, this->BinnedSize) ||
+      !std::equal(plain, plain + 4, this->BinnedColor))
   {
-    const std::size_t bins = static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]);
-    std::vector<unsigned> counts(bins, 0);
-    std::vector<double> sums(colored ? bins * 3 : 0, 0.0);
-    const vtkIdType n = this->Points->GetNumberOfPoints();
-    const double toBinX = size[0] / (area[1] - area[0]);
-    const double toBinY = size[1] / (area[3] - area[2]);
-    const auto binOf = [&](double x, double y, std::size_t& bin)
-    {
-      const double bx = std::floor((x - area[0]) * toBinX);
-      const double by = std::floor((y - area[2]) * toBinY);
-      // Points outside the axes' range, and non-finite ones, fall outside every bin.
-      if (!(bx >= 0 && bx < size[0] && by >= 0 && by < size[1]))
-        return false;
-      bin = static_cast<std::size_t>(by) * static_cast<std::size_t>(size[0]) +
-            static_cast<std::size_t>(bx);
-      return true;
-    };
-    // The plot keeps its points as floats: read them in place rather than one virtual call each.
-    auto* floats = vtkFloatArray::SafeDownCast(this->Points->GetData());
-    const float* xy = floats ? floats->GetPointer(0) : nullptr;
-    const vtkIdType components = floats ? floats->GetNumberOfComponents() : 0;
-    const unsigned char* rgba = colored ? this->Colors->GetPointer(0) : nullptr;
-    const int stride = colored ? this->Colors->GetNumberOfComponents() : 0;
-    for (vtkIdType i = 0; i < n; ++i)
-    {
-      double p[3] = { 0, 0, 0 };
-      if (xy)
-      {
-        p[0] = xy[components * i];
-        p[1] = xy[components * i + 1];
-      }
-      else
-        this->Points->GetPoint(i, p);
-      std::size_t bin = 0;
-      if (!binOf(p[0], p[1], bin))
-        continue;
-      ++counts[bin];
-      if (rgba)
-      {
-        const unsigned char* colour = rgba + i * stride;
-        for (std::size_t c = 0; c < 3; ++c)
-          sums[bin * 3 + c] += colour[c];
-      }
-    }
-    const unsigned most = std::max(1u, *std::max_element(counts.begin(), counts.end()));
-    this->Density->SetDimensions(size[0], size[1], 1);
-    this->Density->AllocateScalars(VTK_UNSIGNED_CHAR, 4);
-    auto* pixels = static_cast<unsigned char*>(this->Density->GetScalarPointer());
-    for (std::size_t bin = 0; bin < bins; ++bin)
-    {
-      unsigned char* pixel = pixels + bin * 4;
-      const unsigned count = counts[bin];
-      if (count == 0)
-      {
-        std::fill(pixel, pixel + 4, 0);
-        continue;
-      }
-      for (std::size_t c = 0; c < 3; ++c)
-        pixel[c] =
-          colored ? static_cast<unsigned char>(std::lround(sums[bin * 3 + c] / count)) : plain[c];
-      // A lone point stays visible; the densest bin is opaque.
-      const double weight = std::log1p(count) / std::log1p(most);
-      pixel[3] = static_cast<unsigned char>(96 + 159 * weight);
-    }
-    this->Density->Modified();
+    this->Bin(grid, nullptr, this->Points->GetNumberOfPoints(), colored, plain, this->Density);
     this->BinnedPointsTime = this->Points->GetMTime();
     this->BinnedColorsTime = colorsTime;
     std::copy(area, area + 4, this->BinnedArea);
-    std::copy(size, size + 2, this->BinnedSize);
+    std::copy(grid.size, grid.size + 2, this->BinnedSize);
     std::copy(plain, plain + 4, this->BinnedColor);
   }
-  painter->DrawImage(vtkRectf(static_cast<float>(area[0]),
-                              static_cast<float>(area[2]),
-                              static_cast<float>(area[1] - area[0]),
-                              static_cast<float>(area[3] - area[2])),
-                     this->Density);
+  painter->DrawImage(where, this->Density);
+
+  vtkIdTypeArray* selection = this->Selection;
+  if (!this->DrawSelectionDensity || !selection || selection->GetNumberOfTuples() == 0)
+  {
+    return true;
+  }
+  if (this->BinnedSelectionTime != selection->GetMTime() ||
+      this->BinnedSelectionPointsTime != this->Points->GetMTime() ||
+      !sameGrid(this->BinnedSelectionArea, this->BinnedSelectionSize))
+  {
+    this->Bin(grid,
+              selection->GetPointer(0),
+              selection->GetNumberOfTuples(),
+              false,
+              this->SelectionDensityColor,
+              this->SelectedDensity);
+    this->BinnedSelectionTime = selection->GetMTime();
+    this->BinnedSelectionPointsTime = this->Points->GetMTime();
+    std::copy(area, area + 4, this->BinnedSelectionArea);
+    std::copy(grid.size, grid.size + 2, this->BinnedSelectionSize);
+  }
+  painter->DrawImage(where, this->SelectedDensity);
   return true;
+}
+
+void vtkDensityPlotPoints::Bin(const Grid& grid,
+                               const vtkIdType* rows,
+                               vtkIdType count,
+                               bool colored,
+                               const unsigned char plain[4],
+                               vtkImageData* image) const
+{
+  const double* area = grid.area;
+  const int* size = grid.size;
+  const std::size_t bins = static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]);
+  std::vector<unsigned> counts(bins, 0);
+  std::vector<double> sums(colored ? bins * 3 : 0, 0.0);
+  const double toBinX = size[0] / (area[1] - area[0]);
+  const double toBinY = size[1] / (area[3] - area[2]);
+  // The plot keeps its points as floats: read them in place rather than one virtual call each.
+  auto* floats = vtkFloatArray::SafeDownCast(this->Points->GetData());
+  const float* xy = floats ? floats->GetPointer(0) : nullptr;
+  const vtkIdType components = floats ? floats->GetNumberOfComponents() : 0;
+  const vtkIdType points = this->Points->GetNumberOfPoints();
+  const unsigned char* rgba = colored ? this->Colors->GetPointer(0) : nullptr;
+  const int stride = colored ? this->Colors->GetNumberOfComponents() : 0;
+  for (vtkIdType k = 0; k < count; ++k)
+  {
+    const vtkIdType i = rows ? rows[k] : k;
+    if (i < 0 || i >= points)
+      continue;
+    double p[3] = { 0, 0, 0 };
+    if (xy)
+    {
+      p[0] = xy[components * i];
+      p[1] = xy[components * i + 1];
+    }
+    else
+      this->Points->GetPoint(i, p);
+    const double bx = std::floor((p[0] - area[0]) * toBinX);
+    const double by = std::floor((p[1] - area[2]) * toBinY);
+    // Points outside the axes' range, and non-finite ones, fall outside every bin.
+    if (!(bx >= 0 && bx < size[0] && by >= 0 && by < size[1]))
+      continue;
+    const std::size_t bin = static_cast<std::size_t>(by) * static_cast<std::size_t>(size[0]) +
+                            static_cast<std::size_t>(bx);
+    ++counts[bin];
+    if (rgba)
+    {
+      const unsigned char* colour = rgba + i * stride;
+      for (std::size_t c = 0; c < 3; ++c)
+        sums[bin * 3 + c] += colour[c];
+    }
+  }
+  const unsigned most = std::max(1u, *std::max_element(counts.begin(), counts.end()));
+  image->SetDimensions(size[0], size[1], 1);
+  image->AllocateScalars(VTK_UNSIGNED_CHAR, 4);
+  auto* pixels = static_cast<unsigned char*>(image->GetScalarPointer());
+  for (std::size_t bin = 0; bin < bins; ++bin)
+  {
+    unsigned char* pixel = pixels + bin * 4;
+    const unsigned n = counts[bin];
+    if (n == 0)
+    {
+      std::fill(pixel, pixel + 4, 0);
+      continue;
+    }
+    for (std::size_t c = 0; c < 3; ++c)
+      pixel[c] =
+        colored ? static_cast<unsigned char>(std::lround(sums[bin * 3 + c] / n)) : plain[c];
+    // A lone point stays visible; the densest bin is opaque.
+    const double weight = std::log1p(n) / std::log1p(most);
+    pixel[3] = static_cast<unsigned char>(96 + 159 * weight);
+  }
+  image->Modified();
 }
 
 vtkStdString vtkDensityPlotPoints::GetTooltipLabel(const vtkVector2d& plotPos,

@@ -17,8 +17,8 @@ namespace explorer
 /// costs the plot area, not the points.
 ///
 /// Everything else (bounds, selection, picking, tool tips) is the points plot's own, so the two
-/// modes select and pick the same cases. Selected points are not painted in density mode: the
-/// view draws them on top.
+/// modes select and pick the same cases. In density mode the selected points are painted, when
+/// asked, as a second density over the first in one colour; otherwise the view draws them.
 class vtkDensityPlotPoints : public vtkPlotPoints
 {
 public:
@@ -34,6 +34,12 @@ public:
   /// each other. The density mode shows that by itself and ignores it.
   vtkSetClampMacro(PointOpacity, double, 0.0, 1.0);
   vtkGetMacro(PointOpacity, double);
+
+  /// In density mode, the selected points as a density of their own in `SelectionDensityColor`
+  /// over the others; off by default.
+  vtkSetMacro(DrawSelectionDensity, bool);
+  vtkGetMacro(DrawSelectionDensity, bool);
+  vtkSetVector4Macro(SelectionDensityColor, unsigned char);
 
   bool Paint(vtkContext2D* painter) override;
 
@@ -54,6 +60,22 @@ private:
   // Gives the markers' colours (or the pen, without colours) the point opacity.
   void ApplyPointOpacity();
 
+  // Where a density image lies and how many bins it has.
+  struct Grid
+  {
+    double area[4]; // x from, x to, y from, y to, in the plot's coordinates
+    int size[2];
+  };
+
+  // Bins the points (the `count` rows listed in `rows`, or all of them when `rows` is null) into
+  // `image`, each bin in the mean colour of its points when `colored`, else in `plain`.
+  void Bin(const Grid& grid,
+           const vtkIdType* rows,
+           vtkIdType count,
+           bool colored,
+           const unsigned char plain[4],
+           vtkImageData* image) const;
+
   bool DrawDensity = false;
   double PointOpacity = 1.0;
   // The colours the opacity was written into, and the alpha written.
@@ -66,6 +88,15 @@ private:
   double BinnedArea[4] = { 0, 0, 0, 0 };
   int BinnedSize[2] = { 0, 0 };
   unsigned char BinnedColor[4] = { 0, 0, 0, 0 };
+
+  bool DrawSelectionDensity = false;
+  unsigned char SelectionDensityColor[4] = { 20, 20, 20, 255 };
+  vtkNew<vtkImageData> SelectedDensity;
+  // What the selection's image was made from, besides the grid.
+  vtkMTimeType BinnedSelectionTime = 0;
+  vtkMTimeType BinnedSelectionPointsTime = 0;
+  double BinnedSelectionArea[4] = { 0, 0, 0, 0 };
+  int BinnedSelectionSize[2] = { 0, 0 };
 };
 
 } // namespace explorer

@@ -535,6 +535,40 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
   EXPECT_GT(coloured, 50);
 }
 
+TEST_F(ExplorerWindowTest, ManySelectedCasesInADensityAreADarkDensityOverTheOthers)
+{
+  // More selected cases than are ringed one by one.
+  const TemporaryFolder many;
+  explorer::SampleStudyOptions options;
+  options.folder = many.path();
+  options.runs = 12000;
+  options.images = false;
+  explorer::writeSampleStudy(options);
+  window->showStudy(readStudy(many.path()));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  auto* scatter = window->view<explorer::ScatterPlotView>();
+  scatter->pointsMode()->setValue(explorer::ScatterPlotView::DensityPoints);
+  auto* widget = qobject_cast<QVTKOpenGLNativeWidget*>(scatter->widget());
+  // How dark the plot area is: the points' bins, darkened where selected ones lie over them.
+  const auto ink = [&]
+  {
+    widget->renderWindow()->Render();
+    const QImage shown = widget->grabFramebuffer();
+    vtkAxis& x = *scatter->chart().GetAxis(vtkAxis::BOTTOM);
+    vtkAxis& y = *scatter->chart().GetAxis(vtkAxis::LEFT);
+    double sum = 0;
+    for (int row = qRound(y.GetPoint1()[1]) + 2; row < qRound(y.GetPoint2()[1]) - 2; ++row)
+      for (int column = qRound(x.GetPoint1()[0]) + 2; column < qRound(x.GetPoint2()[0]) - 2;
+           ++column)
+        sum += 255 - qGray(shown.pixel(column, shown.height() - 1 - row));
+    return sum;
+  };
+  const double unselected = ink();
+  const std::vector<unsigned long long>& ids = window->project()->caseIds();
+  window->selection().setSelection({ ids.begin(), ids.end() });
+  EXPECT_GT(ink(), 1.5 * unselected);
+}
+
 TEST_F(ExplorerWindowTest, SelectedCasesImagesAndDifferencesFollowTheSelection)
 {
   const testsupport::SmallStudy small;

@@ -299,8 +299,8 @@ struct ScatterPlotView::Impl
   // Copies the selected rows into the plots drawn on top; costs the selection, not the study.
   // Up to `ringedSelection` points they are ringed markers. Past it two more passes of markers
   // would cost as much as the points themselves: with markers the points plot draws its selected
-  // points larger in the ring's colour; with density the ring plot draws them as a dark density
-  // over the other.
+  // points larger in the ring's colour; with density it draws them as a dark density over the
+  // other, binned from its own points without a copy.
   void updateSelectedMarkers()
   {
     vtkTable* table = points->GetInput();
@@ -312,9 +312,9 @@ struct ScatterPlotView::Impl
     points->GetSelectionPen()->SetOpacity(any && many && !density ? 255 : 0);
     const std::string colorName = color->value().lock().name();
     const bool colored = legend->show()->value() && !colorName.empty();
-    const bool ringVisible = any && (!many || density);
-    const bool fillVisible = any && !many;
-    selectedRing->SetDrawDensity(many && density);
+    const bool ringVisible = any && !many;
+    const bool fillVisible = ringVisible;
+    points->SetDrawSelectionDensity(any && many && density);
     // The case ids first, as in the points' table: the tool tips read them there. One copy
     // serves both plots.
     const vtkSmartPointer<vtkTable> selectedRows = ringVisible ? rowsOf(*table,
@@ -432,6 +432,7 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   // unless it is very large (see updateSelectedMarkers).
   d->points->GetSelectionPen()->SetColor(20, 20, 20);
   d->points->GetSelectionPen()->SetOpacity(0);
+  d->points->SetSelectionDensityColor(20, 20, 20, 255);
   d->selectedRing = vtkSmartPointer<vtkDensityPlotPoints>::New();
   d->selectedRing->SetMarkerStyle(vtkPlotPoints::CIRCLE);
   d->selectedRing->SetMarkerSize(14);
