@@ -89,6 +89,17 @@ protected:
     window->show();
   }
 
+  // Shows a study of `runs` generated runs without images.
+  void showGeneratedStudy(int runs)
+  {
+    explorer::SampleStudyOptions options;
+    options.folder = output.filePath("generated");
+    options.runs = runs;
+    options.images = false;
+    explorer::writeSampleStudy(options);
+    window->showStudy(readStudy(options.folder));
+  }
+
   std::string savedSettings()
   {
     const std::string path = output.filePath("saved.xml");
@@ -537,14 +548,7 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
 
 TEST_F(ExplorerWindowTest, ManySelectedCasesInADensityAreADarkDensityOverTheOthers)
 {
-  // More selected cases than are ringed one by one.
-  const TemporaryFolder many;
-  explorer::SampleStudyOptions options;
-  options.folder = many.path();
-  options.runs = 12000;
-  options.images = false;
-  explorer::writeSampleStudy(options);
-  window->showStudy(readStudy(many.path()));
+  showGeneratedStudy(12000); // more selected cases than are ringed one by one
   ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
   auto* scatter = window->view<explorer::ScatterPlotView>();
   scatter->pointsMode()->setValue(explorer::ScatterPlotView::DensityPoints);
@@ -793,13 +797,7 @@ TEST_F(ExplorerWindowTest, ACrowdedSelectionFromAnotherViewIsDrawnAndChangedInTh
 {
   // Every other case of 600: 300 runs of rows, which the table keeps otherwise than Qt's
   // selection of a few runs.
-  const TemporaryFolder crowd;
-  explorer::SampleStudyOptions options;
-  options.folder = crowd.path();
-  options.runs = 600;
-  options.images = false;
-  explorer::writeSampleStudy(options);
-  window->showStudy(readStudy(crowd.path()));
+  showGeneratedStudy(600);
   auto* cases = window->view<explorer::CasesTableView>();
   QTableView& table = cases->table();
   const auto caseOf = [&](int row) { return table.model()->index(row, 0).data().toULongLong(); };
