@@ -181,6 +181,10 @@ private:
   std::vector<int> shownRow;
 };
 
+// Past this many runs of rows, a selection is "many scattered rows": the table keeps it as flags
+// (CasesSelectionModel) and repaints it whole.
+constexpr std::size_t manyRuns = 256;
+
 // A selection of many scattered rows repaints the whole viewport: finding the region of each of
 // its ranges costs more than painting the rows in sight. A press with Control adds to the
 // selection or takes from it: Qt decides which from its own selection, which must then hold the
@@ -207,8 +211,9 @@ protected:
 
   QRegion visualRegionForSelection(const QItemSelection& selection) const override
   {
-    return selection.size() > 256 ? QRegion(viewport()->rect())
-                                  : QTableView::visualRegionForSelection(selection);
+    return static_cast<std::size_t>(selection.size()) > manyRuns
+             ? QRegion(viewport()->rect())
+             : QTableView::visualRegionForSelection(selection);
   }
 };
 
@@ -276,9 +281,6 @@ private:
 class CasesSelectionModel : public QItemSelectionModel
 {
 public:
-  // More runs of rows than this are kept as flags.
-  static constexpr std::size_t flaggedAbove = 256;
-
   CasesSelectionModel(QAbstractItemModel* model, QAbstractItemView* view)
     : QItemSelectionModel(model, view)
     , view(view)
@@ -313,9 +315,9 @@ public:
   {
     dropFlags();
     std::size_t runs = 0;
-    for (std::size_t i = 0; i < rows.size() && runs <= flaggedAbove; ++i)
+    for (std::size_t i = 0; i < rows.size() && runs <= manyRuns; ++i)
       runs += i == 0 || rows[i] > rows[i - 1] + 1 ? 1 : 0;
-    if (runs <= flaggedAbove)
+    if (runs <= manyRuns)
     {
       select(rowRanges(*model(), rows), ClearAndSelect);
       return;
