@@ -39,6 +39,9 @@ class ImageMatrixViewInterface : public virtual DataViewInterface
 namespace explorer
 {
 
+class CaseKeys;
+class CaseOrder;
+class FileLocator;
 class PropertyEditors;
 
 /// What every view is built from: the study, its pipeline (the cases the filters let through),
@@ -50,6 +53,12 @@ struct ViewContext
   std::shared_ptr<DataPipelineManager> pipeline;
   boost::shared_ptr<SelectionModelInterface> selection;
   ImageCache* images = nullptr;
+  /// The study's case keys, for plots that carry keys instead of case ids.
+  std::shared_ptr<const CaseKeys> keys;
+  /// Where the study's files are on this machine; image views read through it.
+  std::shared_ptr<const FileLocator> files;
+  /// The order the user sees the cases in, set by the cases table when sorted.
+  std::shared_ptr<CaseOrder> order;
 };
 
 /// Brings the first selected item of a table into sight once control returns to the event loop

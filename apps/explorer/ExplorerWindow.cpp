@@ -1,6 +1,9 @@
 #include "ExplorerWindow.h"
 
+#include "CaseKeys.h"
+#include "CaseOrder.h"
 #include "ExplorerView.h"
+#include "FileLocator.h"
 #include "SettingsFile.h"
 #include "SettingsPanel.h"
 #include "ViewRegistry.h"
@@ -27,6 +30,9 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QLocale>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -54,7 +60,7 @@ namespace explorer
 namespace
 {
 
-// Enables the chart actions while a chart is the current view.
+// The views the chart actions (mouse modes, Fit to Data) apply to.
 class ChartActionsVisitor : public DataViewVisitorAbstract
 {
 public:
@@ -63,6 +69,13 @@ public:
   bool chart = false;
 };
 
+bool isChart(ExplorerView& view)
+{
+  ChartActionsVisitor visitor;
+  view.accept(visitor);
+  return visitor.chart;
+}
+
 } // namespace
 
 struct ExplorerWindow::Impl
@@ -70,6 +83,7 @@ struct ExplorerWindow::Impl
   // Declared before the views, so that it outlives them.
   std::shared_ptr<const Project> project;
   std::shared_ptr<DataPipelineManager> pipeline;
+  std::shared_ptr<FileLocator> files;
   boost::shared_ptr<SelectionModel> selection = boost::make_shared<SelectionModel>();
   ImageCache cache;
   std::vector<boost::shared_ptr<ExplorerView>> views;
@@ -80,6 +94,10 @@ struct ExplorerWindow::Impl
   QAction* fitAction = nullptr;
   QProgressBar* progress = nullptr;
   QLabel* selectionCount = nullptr;
+  QLabel* shownCount = nullptr;
+  QLabel* filesNote = nullptr;
+  // Connections to the study shown, made again for each study.
+  SignalConnectionCollection studyConnections;
   SignalConnectionCollection connections;
   std::shared_ptr<ImageFileLoaderInterface> preloaded;
   QThread* preloader = nullptr;
@@ -101,6 +119,7 @@ struct ExplorerWindow::Impl
 
   void clearViews()
   {
+    studyConnections.clear();
     current = nullptr;
     // Hidden first: a tab taking the place of a deleted one would be shown, and its view would
     // catch up on the study just before it goes.
@@ -125,6 +144,13 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
   d->progress->hide();
   d->selectionCount = new QLabel();
   d->selectionCount->setObjectName("selectionCount");
+  d->shownCount = new QLabel();
+  d->shownCount->setObjectName("shownCount");
+  d->filesNote = new QLabel();
+  d->filesNote->setObjectName("filesNote");
+  d->filesNote->setStyleSheet("color: #a00000");
+  statusBar()->addPermanentWidget(d->filesNote);
+  statusBar()->addPermanentWidget(d->shownCount);
   statusBar()->addPermanentWidget(d->selectionCount);
   statusBar()->addPermanentWidget(d->progress);
   d->connections.add(d->selection->connectSignalSelectionChanged(
@@ -135,9 +161,12 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
           this,
           [this](QWidget*, QWidget* now)
           {
+            // The chart actions stay with the last chart that had the focus: a click in the
+            // table or the settings panel does not take them away.
             for (ExplorerView* view : views())
             {
-              if (now && (now == view->widget() || view->widget()->isAncestorOf(now)))
+              if (now && (now == view->widget() || view->widget()->isAncestorOf(now)) &&
+                  isChart(*view))
                 setCurrentView(view);
             }
           });
@@ -160,6 +189,8 @@ void ExplorerWindow::createActions()
   file->addSeparator();
   file->addAction("Export Cases (full precision)...", this, [this] { exportCasesAs(true); });
   file->addAction("Export Cases (6 digits)...", this, [this] { exportCasesAs(false); });
+  file->addSeparator();
+  file->addAction("Locate &Files...", this, &ExplorerWindow::locateFiles);
   file->addSeparator();
   file->addAction("&Quit", this, &QWidget::close, QKeySequence::Quit);
 
@@ -240,7 +271,15 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->project = project ? std::move(project) : Project::project();
   Project::setProject(d->project);
   d->pipeline = std::make_shared<DataPipelineManager>(d->project);
-  const ViewContext context{ d->project, d->pipeline, d->selection, &d->cache };
+  d->files = std::make_shared<FileLocator>();
+  const auto keys = std::make_shared<CaseKeys>(*d->project);
+  const ViewContext context{ d->project,
+                             d->pipeline,
+                             d->selection,
+                             &d->cache,
+                             keys,
+                             d->files,
+                             std::make_shared<CaseOrder>(keys) };
   // What the views set up for themselves is where the history starts, not a step in it.
   const UndoStack::SuspendUndoRecording startingUp;
   while (d->splitter->count() > 0)
@@ -318,13 +357,82 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
                              .arg(d->project->numberOfRecords())
                              .arg(d->project->variables().size()));
   showSelectionCount(d->selection->getSelections().size());
+  showShownCount();
+  showMissingFiles();
+  d->studyConnections.add(d->pipeline->connectSignalPipelineChanged([this] { showShownCount(); }));
+  d->studyConnections.add(
+    d->files->locations()->connectSignalPropertyChanged([this] { showMissingFiles(); }));
 }
 
 void ExplorerWindow::showSelectionCount(std::size_t selected)
 {
   d->selectionCount->setText(QString("%1 of %2 cases selected")
-                               .arg(selected)
-                               .arg(d->project ? d->project->numberOfRecords() : 0));
+                               .arg(QLocale().toString(static_cast<qulonglong>(selected)))
+                               .arg(QLocale().toString(static_cast<qulonglong>(
+                                 d->project ? d->project->numberOfRecords() : 0))));
+}
+
+void ExplorerWindow::showShownCount()
+{
+  const auto all = static_cast<qulonglong>(d->project->numberOfRecords());
+  const auto shown = static_cast<qulonglong>(shownCases());
+  d->shownCount->setText(shown == all ? QString("%1 cases shown").arg(QLocale().toString(all))
+                                      : QString("%1 of %2 cases shown")
+                                          .arg(QLocale().toString(shown))
+                                          .arg(QLocale().toString(all)));
+}
+
+void ExplorerWindow::showMissingFiles()
+{
+  std::size_t missing = 0;
+  std::size_t urls = 0;
+  d->files->countMissing(*d->project, missing, urls);
+  const std::size_t all = d->project->auxFiles().size();
+  QString note;
+  if (missing > 0)
+    note = QString("%1 of %2 files not found%3")
+             .arg(missing)
+             .arg(all)
+             .arg(urls > 0 ? QString(" (%1 are URLs): File > Locate Files...").arg(urls)
+                           : QString(": File > Locate Files..."));
+  d->filesNote->setText(note);
+  d->filesNote->setVisible(!note.isEmpty());
+}
+
+FileLocator& ExplorerWindow::files() const
+{
+  return *d->files;
+}
+
+void ExplorerWindow::locateFiles()
+{
+  FileLocator::Location proposed;
+  const QString studyFolder = QString::fromStdString(d->project->folder());
+  QFileInfo study(studyFolder);
+  if (!d->files->proposeLocation(
+        *d->project, study.absoluteDir().absolutePath().toStdString(), proposed))
+  {
+    QMessageBox::information(this, "Locate Files", "Every file of this study is found.");
+    return;
+  }
+  bool ok = false;
+  const QString prefix = QInputDialog::getText(
+    this,
+    "Locate Files",
+    "Paths that start with this are read from the folder chosen next:",
+    QLineEdit::Normal,
+    QString::fromStdString(proposed.prefix),
+    &ok);
+  if (!ok || prefix.isEmpty())
+    return;
+  const QString folder = QFileDialog::getExistingDirectory(
+    this,
+    "Folder of the files starting with " + prefix,
+    proposed.folder.empty() ? studyFolder : QString::fromStdString(proposed.folder));
+  if (folder.isEmpty())
+    return;
+  d->files->addLocation({ prefix.toStdString(), folder.toStdString() });
+  report(QString("files starting with %1 are read from %2").arg(prefix, folder));
 }
 
 std::shared_ptr<const Project> ExplorerWindow::project() const
@@ -344,6 +452,7 @@ bool ExplorerWindow::loadSettings(const QString& path, QString& error)
   {
     SettingsFile::load(QString::fromUtf8(file.readAll()),
                        path.toStdString(),
+                       { d->files->serializer() },
                        views(),
                        *d->pipeline,
                        *d->project,
@@ -367,7 +476,7 @@ bool ExplorerWindow::saveSettings(const QString& path, QString& error) const
   }
   QTextStream stream(&file);
   stream.setCodec("UTF-8");
-  stream << SettingsFile::write(views(), *d->pipeline);
+  stream << SettingsFile::write({ d->files->serializer() }, views(), *d->pipeline);
   stream.flush();
   if (file.error() != QFile::NoError)
   {
@@ -486,8 +595,12 @@ void ExplorerWindow::openSettings()
 {
   const QString path = QFileDialog::getOpenFileName(this, "Load Settings", {}, "Settings (*.xml)");
   QString error;
-  if (!path.isEmpty() && !loadSettings(path, error))
+  if (path.isEmpty())
+    return;
+  if (!loadSettings(path, error))
     QMessageBox::critical(this, "Cannot load the settings", error);
+  else
+    report("settings loaded from " + path);
 }
 
 void ExplorerWindow::saveSettingsAs()
@@ -495,8 +608,12 @@ void ExplorerWindow::saveSettingsAs()
   const QString path =
     QFileDialog::getSaveFileName(this, "Save Settings", "settings.xml", "Settings (*.xml)");
   QString error;
-  if (!path.isEmpty() && !saveSettings(path, error))
+  if (path.isEmpty())
+    return;
+  if (!saveSettings(path, error))
     QMessageBox::critical(this, "Cannot save the settings", error);
+  else
+    report("settings saved to " + path);
 }
 
 void ExplorerWindow::exportCasesAs(bool fullPrecision)

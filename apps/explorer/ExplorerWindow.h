@@ -16,6 +16,7 @@ namespace explorer
 {
 
 class ExplorerView;
+class FileLocator;
 
 /// The explorer's main window: one view of each registered kind over one study, linked by one
 /// master selection, with the settings panel at the side.
@@ -52,10 +53,13 @@ public:
         return found;
     return nullptr;
   }
-  /// The view the chart actions (mouse modes, Fit to Data) apply to: the last one focused.
+  /// The view the chart actions (mouse modes, Fit to Data) apply to: the last chart focused.
   ExplorerView* currentView() const;
   /// The number of cases the filters let through.
   int shownCases() const;
+
+  /// Where the study's files are found on this machine.
+  FileLocator& files() const;
 
   /// How File > Open rewrites the paths of Cinema databases written elsewhere.
   void setPathRebases(std::vector<PathRebase> rebases);
@@ -72,6 +76,9 @@ private:
   void exportCasesAs(bool fullPrecision);
   void setCurrentView(ExplorerView* view);
   void showSelectionCount(std::size_t selected);
+  void showShownCount();
+  void showMissingFiles();
+  void locateFiles();
   void report(const QString& message);
 
   struct Impl;

@@ -1,6 +1,9 @@
 #include "PropertyEditors.h"
 
+#include "StudyFiles.h"
+
 #include "charts/AxisDetailsInterface.h"
+#include "analyzer_common/UndoStack.h"
 #include "colorlegend/ColorLegend.h"
 #include "datamanagement/Project.h"
 
@@ -56,6 +59,34 @@ void PropertyEditors::edit(const std::function<void()>& change,
   }
 }
 
+void PropertyEditors::followEdits(QWidget* editor, const QString& step, std::function<void()> run)
+{
+  followUps[editor] = { step, std::move(run) };
+  QObject::connect(editor, &QObject::destroyed, [this, editor] { followUps.erase(editor); });
+}
+
+void PropertyEditors::editWith(QWidget* editor,
+                               const std::function<void()>& change,
+                               const std::function<void()>& restore) const
+{
+  const auto found = followUps.find(editor);
+  if (found == followUps.end())
+  {
+    edit(change, restore);
+    return;
+  }
+  const UndoStack::Macro step(found->second.step);
+  bool accepted = true;
+  edit(change,
+       [&]
+       {
+         accepted = false;
+         restore();
+       });
+  if (accepted)
+    edit(found->second.run, restore);
+}
+
 void PropertyEditors::follow(const plexa::PropertyItemInterface& property,
                              const std::function<void()>& show)
 {
@@ -64,13 +95,13 @@ void PropertyEditors::follow(const plexa::PropertyItemInterface& property,
 
 QComboBox* PropertyEditors::variableChooser(boost::shared_ptr<VariableProperty> property,
                                             bool numericOnly,
-                                            bool allowNone)
+                                            const QString& none)
 {
   auto* combo = new QComboBox();
   std::vector<WeakPtr<Variable>> choices;
-  if (allowNone)
+  if (!none.isEmpty())
   {
-    combo->addItem("(none)");
+    combo->addItem(none);
     choices.emplace_back();
   }
   for (const auto& variable : studyProject->variables())
@@ -90,13 +121,29 @@ QComboBox* PropertyEditors::variableChooser(boost::shared_ptr<VariableProperty> 
   follow(*property, show);
   QObject::connect(combo,
                    QOverload<int>::of(&QComboBox::activated),
-                   [this, choices, property, show](int i)
+                   [this, combo, choices, property, show](int i)
                    {
                      if (i >= 0 && i < static_cast<int>(choices.size()))
-                       edit([&] { property->setValue(choices[static_cast<std::size_t>(i)]); },
-                            show);
+                       editWith(
+                         combo,
+                         [&] { property->setValue(choices[static_cast<std::size_t>(i)]); },
+                         show);
                    });
   return combo;
+}
+
+QComboBox* PropertyEditors::tagChooser(
+  boost::shared_ptr<plexa::PropertyAbstract<std::string>> property,
+  const QString& none)
+{
+  std::vector<std::string> tags = studyfiles::imageTags(project());
+  for (const auto& tag : project().tags())
+    if (std::find(tags.begin(), tags.end(), tag) == tags.end())
+      tags.push_back(tag);
+  std::vector<std::pair<QString, std::string>> choices{ { none, std::string() } };
+  for (const auto& tag : tags)
+    choices.emplace_back(QString::fromStdString(tag), tag);
+  return enumChooser(property, choices);
 }
 
 QLineEdit* PropertyEditors::numberEditor(

@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -53,10 +54,14 @@ public:
   /// Disconnects every editor from its property.
   void clear() { connections.clear(); }
 
-  /// A choice among the study's variables (numeric ones only, or all), optionally "(none)".
+  /// A choice among the study's variables (numeric ones only, or all), and of none of them
+  /// under the name `none` ("(none)", say) unless it is empty.
   QComboBox* variableChooser(boost::shared_ptr<VariableProperty> property,
                              bool numericOnly,
-                             bool allowNone);
+                             const QString& none);
+  /// A choice among the study's tags, image tags first, and of none under the name `none`.
+  QComboBox* tagChooser(boost::shared_ptr<plexa::PropertyAbstract<std::string>> property,
+                        const QString& none);
   QLineEdit* numberEditor(boost::shared_ptr<plexa::PropertyAbstract<double>> property);
   QCheckBox* checkBox(const QString& text,
                       boost::shared_ptr<plexa::PropertyAbstract<bool>> property);
@@ -85,10 +90,24 @@ public:
 
   /// Runs an edit; a refused value is reported and the editor is brought back by `restore`.
   void edit(const std::function<void()>& change, const std::function<void()>& restore) const;
+  /// After each accepted edit made with `editor` (one made by this object), runs `followUp` in
+  /// the same undo step, named `step`: a change that settles what the edit left unsettled.
+  void followEdits(QWidget* editor, const QString& step, std::function<void()> followUp);
   /// Keeps `show` called whenever the property changes.
   void follow(const plexa::PropertyItemInterface& property, const std::function<void()>& show);
 
 private:
+  // Runs an edit made with `editor`, and its follow-up when it has one.
+  void editWith(QWidget* editor,
+                const std::function<void()>& change,
+                const std::function<void()>& restore) const;
+
+  struct FollowUp
+  {
+    QString step;
+    std::function<void()> run;
+  };
+  std::map<const QWidget*, FollowUp> followUps;
   std::shared_ptr<const Project> studyProject;
   Report report;
   SignalConnectionCollection connections;
@@ -113,8 +132,11 @@ QComboBox* PropertyEditors::enumChooser(boost::shared_ptr<plexa::PropertyAbstrac
   QObject::connect(
     combo,
     QOverload<int>::of(&QComboBox::activated),
-    [this, choices, property, show](int i)
-    { edit([&] { property->setValue(choices[static_cast<std::size_t>(i)].second); }, show); });
+    [this, combo, choices, property, show](int i)
+    {
+      editWith(
+        combo, [&] { property->setValue(choices[static_cast<std::size_t>(i)].second); }, show);
+    });
   return combo;
 }
 

@@ -79,11 +79,18 @@ void applyFilters(const QDomElement& root,
 }
 
 void applyAll(const QDomElement& root,
+              const SettingsFile::StudySettings& study,
               const std::vector<ExplorerView*>& views,
               DataPipelineManager& pipeline,
               const Project& project,
               const std::string& source)
 {
+  for (const auto& setting : study)
+  {
+    QDomElement element = root.firstChildElement(QString::fromStdString(setting->name()));
+    if (!element.isNull())
+      setting->deserialize(element);
+  }
   applyFilters(root, pipeline, project, source);
   for (ExplorerView* view : views)
   {
@@ -95,7 +102,8 @@ void applyAll(const QDomElement& root,
 
 } // namespace
 
-QString SettingsFile::write(const std::vector<ExplorerView*>& views,
+QString SettingsFile::write(const StudySettings& study,
+                            const std::vector<ExplorerView*>& views,
                             const DataPipelineManager& pipeline)
 {
   QDomDocument document;
@@ -104,6 +112,8 @@ QString SettingsFile::write(const std::vector<ExplorerView*>& views,
   QDomElement root = document.createElement("ExplorerSettings");
   root.setAttribute("version", 1);
   document.appendChild(root);
+  for (const auto& setting : study)
+    root.appendChild(setting->serialize(document));
   for (ExplorerView* view : views)
     root.appendChild(view->serializer().serialize(document));
   QDomElement filters = document.createElement("Filters");
@@ -127,6 +137,7 @@ QString SettingsFile::write(const std::vector<ExplorerView*>& views,
 
 void SettingsFile::load(const QString& xml,
                         const std::string& source,
+                        const StudySettings& study,
                         const std::vector<ExplorerView*>& views,
                         DataPipelineManager& pipeline,
                         const Project& project,
@@ -161,18 +172,18 @@ void SettingsFile::load(const QString& xml,
                         ": the settings name variables this study does not have: " + unknown);
 
   QDomDocument before;
-  before.setContent(write(views, pipeline));
+  before.setContent(write(study, views, pipeline));
   {
     // The settings' own changes are not recorded one by one: loading is one step, below.
     UndoStack::SuspendUndoRecording notRecorded;
     try
     {
-      applyAll(root, views, pipeline, project, source);
+      applyAll(root, study, views, pipeline, project, source);
     }
     catch (const std::exception& e)
     {
       const std::string problem = e.what();
-      applyAll(before.documentElement(), views, pipeline, project, source);
+      applyAll(before.documentElement(), study, views, pipeline, project, source);
       throw SettingsError(source + ": a setting was refused, nothing was changed: " + problem);
     }
   }
@@ -180,14 +191,14 @@ void SettingsFile::load(const QString& xml,
   // Both documents applied cleanly once; undo and redo apply them again. The stack runs redo on
   // push, when the settings are already in place.
   const auto apply =
-    [views, pipeline = &pipeline, project = &project, source](const QDomDocument& doc)
+    [study, views, pipeline = &pipeline, project = &project, source](const QDomDocument& doc)
   {
     return [=]
     {
       UndoStack::SuspendUndoRecording replaying;
       try
       {
-        applyAll(doc.documentElement(), views, *pipeline, *project, source);
+        applyAll(doc.documentElement(), study, views, *pipeline, *project, source);
       }
       catch (const std::exception&)
       {

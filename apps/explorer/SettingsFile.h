@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <boost/shared_ptr.hpp>
 
 #include <memory>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 class DataPipelineManager;
 class DeleteSignaler;
 class Project;
+class SerializerInterface;
 
 namespace explorer
 {
@@ -24,11 +26,15 @@ public:
 };
 
 /// The view settings of the explorer as one XML document: an element "ExplorerSettings" with the
-/// element of each view (written by the view's serializer) and the range filters.
+/// settings of the study that every view shares (where its files are, say), the element of each
+/// view (written by the view's serializer) and the range filters.
 class SettingsFile
 {
 public:
-  static QString write(const std::vector<ExplorerView*>& views,
+  using StudySettings = std::vector<boost::shared_ptr<SerializerInterface>>;
+
+  static QString write(const StudySettings& study,
+                       const std::vector<ExplorerView*>& views,
                        const DataPipelineManager& pipeline);
 
   /// Reads settings and applies them. A document that is not well-formed, is not explorer
@@ -38,6 +44,7 @@ public:
   /// Settings"), which does nothing once `owner` is gone.
   static void load(const QString& xml,
                    const std::string& source,
+                   const StudySettings& study,
                    const std::vector<ExplorerView*>& views,
                    DataPipelineManager& pipeline,
                    const Project& project,

@@ -205,20 +205,58 @@ void vtkDensityPlotPoints::Bin(const Grid& grid,
   image->Modified();
 }
 
+void vtkDensityPlotPoints::SetCaseIdOfRow(CaseIdOfRow caseIdOfRow)
+{
+  this->CaseOfRow = std::move(caseIdOfRow);
+}
+
 vtkStdString vtkDensityPlotPoints::GetTooltipLabel(const vtkVector2d& plotPos,
                                                    vtkIdType seriesIndex,
                                                    vtkIdType segmentIndex)
 {
   vtkTable* table = this->GetInput();
   if (!table || table->GetNumberOfColumns() == 0 || seriesIndex < 0 ||
-      seriesIndex >= table->GetNumberOfRows())
+      seriesIndex >= table->GetNumberOfRows() || !this->Points ||
+      seriesIndex >= this->Points->GetNumberOfPoints())
   {
     return this->Superclass::GetTooltipLabel(plotPos, seriesIndex, segmentIndex);
   }
-  // Case ids travel as doubles in the plotted table; exact up to 2^53.
-  const auto id = static_cast<unsigned long long>(table->GetValue(seriesIndex, 0).ToDouble());
+  const auto caseOf = [&](vtkIdType row)
+  {
+    unsigned long long id = 0;
+    if (this->CaseOfRow)
+    {
+      if (!this->CaseOfRow(row, id))
+        return std::string("?");
+    }
+    else
+      id = static_cast<unsigned long long>(table->GetValue(row, 0).ToDouble());
+    return std::to_string(id);
+  };
+  // The other points on the hovered point's spot: a click there takes them all.
+  double at[3];
+  this->Points->GetPoint(seriesIndex, at);
+  constexpr std::size_t listed = 5;
+  std::vector<vtkIdType> here;
+  double p[3];
+  for (vtkIdType i = 0; i < this->Points->GetNumberOfPoints(); ++i)
+  {
+    this->Points->GetPoint(i, p);
+    if (p[0] == at[0] && p[1] == at[1])
+      here.push_back(i);
+  }
   std::ostringstream label;
-  label << "case " << id << "\n"
+  if (here.size() <= 1)
+    label << "case " << caseOf(seriesIndex);
+  else
+  {
+    label << here.size() << " cases here: ";
+    for (std::size_t i = 0; i < std::min(here.size(), listed); ++i)
+      label << (i > 0 ? ", " : "") << caseOf(here[i]);
+    if (here.size() > listed)
+      label << ", ...";
+  }
+  label << "\n"
         << (this->XAxis ? this->XAxis->GetTitle() : std::string("x")) << " "
         << vtkVariant(plotPos.GetX()).ToString() << ", "
         << (this->YAxis ? this->YAxis->GetTitle() : std::string("y")) << " "

@@ -4,6 +4,8 @@
 #include <vtkPlotPoints.h>
 #include <vtkSmartPointer.h>
 
+#include <functional>
+
 class vtkImageData;
 
 namespace explorer
@@ -43,8 +45,14 @@ public:
 
   bool Paint(vtkContext2D* painter) override;
 
-  /// The hovered point's case (column 0 of the input) and its values, named by the axes:
-  /// "case 1003\nangle 45, range 37.76".
+  /// The case of a row of the input, for tool tips; false when the row has none. By default
+  /// column 0 of the input holds the case ids.
+  using CaseIdOfRow = std::function<bool(vtkIdType row, unsigned long long& caseId)>;
+  void SetCaseIdOfRow(CaseIdOfRow caseIdOfRow);
+
+  /// The hovered point's case and its values, named by the axes: "case 1003\nangle 45, range
+  /// 37.76". Points on the very same spot are counted, as a click there selects them all:
+  /// "3 cases here: 12, 15, 40\nangle 45, range 37.76".
   vtkStdString GetTooltipLabel(const vtkVector2d& plotPos,
                                vtkIdType seriesIndex,
                                vtkIdType segmentIndex) override;
@@ -76,6 +84,7 @@ private:
            const unsigned char plain[4],
            vtkImageData* image) const;
 
+  CaseIdOfRow CaseOfRow;
   bool DrawDensity = false;
   double PointOpacity = 1.0;
   // The colours the opacity was written into, and the alpha written.

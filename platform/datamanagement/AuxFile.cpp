@@ -31,6 +31,20 @@ bool AuxFile::hasTag(const std::string& tag) const
   return d && std::find(d->tags.begin(), d->tags.end(), tag) != d->tags.end();
 }
 
+bool AuxFile::isUrl(const std::string& path)
+{
+  const std::size_t colon = path.find("://");
+  if (colon == std::string::npos || colon < 2)
+    return false;
+  return std::all_of(path.begin(),
+                     path.begin() + static_cast<std::ptrdiff_t>(colon),
+                     [](char c)
+                     {
+                       return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                              (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+                     });
+}
+
 WeakPtr<Record> AuxFile::record() const
 {
   if (!d)

@@ -27,4 +27,8 @@ public:
   bool hasTag(const std::string& tag) const;
   /// The case the file belongs to.
   WeakPtr<Record> record() const;
+
+  /// Whether a path is a URL ("https://host/a.png": a scheme of two or more letters, digits,
+  /// '+', '-' or '.', then "://"). A study keeps URLs as written, never joined to its folder.
+  static bool isUrl(const std::string& path);
 };

@@ -1,5 +1,7 @@
 #include "datamanagement/CinemaReader.h"
 
+#include "datamanagement/AuxFile.h"
+
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
 #include "datamanagement/StudyFormatError.h"
@@ -89,6 +91,9 @@ std::string resolvedPath(std::string_view cell,
       return rebase.to + text.substr(rebase.from.size());
     }
   }
+  // A URL names a file elsewhere, found or not by the program that shows it; kept as written.
+  if (AuxFile::isUrl(text))
+    return text;
   fs::path path(text);
   if (path.is_absolute())
   {

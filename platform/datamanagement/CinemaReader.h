@@ -29,7 +29,8 @@ QUEN_DATAMANAGEMENT_LIB2_EXPORT bool isCinemaDatabase(const std::string& folder)
 ///   exist is listed all the same. Such a column is not a variable.
 /// - Paths that are absolute ("/data/a.png", or "file://host/data/a.png") must lie inside the
 ///   folder, and relative ones must not lead out of it, unless a rebase rewrites them; otherwise
-///   the database is refused with a message naming the row.
+///   the database is refused with a message naming the row. URLs ("https://host/a.png") are
+///   kept as written.
 /// - The case ids are the row numbers (the first run is 1), unless a column named "case_id",
 ///   "id", "run" or "simuID" (in any case) holds unique non-negative integers: then they are the
 ///   case ids and that column is not a variable.

@@ -219,7 +219,7 @@ std::shared_ptr<const Project> ProjectBuilder::build()
     AuxFileData aux;
     aux.id = nextId++;
     aux.filePath =
-      input.folder.empty()
+      input.folder.empty() || AuxFile::isUrl(file.relativePath)
         ? file.relativePath
         : (std::filesystem::path(input.folder) / file.relativePath).lexically_normal().string();
     aux.relativePath = std::move(file.relativePath);

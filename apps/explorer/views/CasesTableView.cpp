@@ -1,5 +1,6 @@
 #include "views/CasesTableView.h"
 
+#include "CaseOrder.h"
 #include "CaseRowIndex.h"
 #include "TableSorting.h"
 
@@ -120,6 +121,20 @@ public:
   unsigned long long caseOfRow(int row) const
   {
     return caseIds[static_cast<std::size_t>(tableRow(row))];
+  }
+  // The shown cases in the shown order when sorted; empty in the study's order.
+  std::vector<unsigned long long> sortedCases() const
+  {
+    std::vector<unsigned long long> ids;
+    ids.reserve(order.size());
+    for (std::size_t row : order)
+      ids.push_back(caseIds[row]);
+    return ids;
+  }
+  // The largest case id shown, whose text is the widest of the case id column.
+  unsigned long long largestCaseId() const
+  {
+    return caseIds.empty() ? 0 : *std::max_element(caseIds.begin(), caseIds.end());
   }
   // The shown rows of the cases.
   std::vector<int> rowsOf(const std::set<unsigned long long>& ids) const
@@ -451,6 +466,7 @@ struct CasesTableView::Impl
   std::unique_ptr<TableViewSelectionSynchronizer> synchronizer;
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> sortColumn;
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
+  std::shared_ptr<CaseOrder> order;
   SignalConnectionCollection connections;
 
   void applySort()
@@ -459,7 +475,19 @@ struct CasesTableView::Impl
     table->horizontalHeader()->setSortIndicator(
       sortColumn->value(), sortDescending->value() ? Qt::DescendingOrder : Qt::AscendingOrder);
     model->sortBy(sortColumn->value(), sortDescending->value());
+    fitCaseIdColumn();
     synchronizer->showMasterSelection();
+    order->setOrder(model->sortedCases());
+  }
+
+  // Case ids are shown whole, the longest 20 digits.
+  void fitCaseIdColumn()
+  {
+    const QString widest = QString::number(model->largestCaseId());
+    table->setColumnWidth(
+      0,
+      std::max(table->horizontalHeader()->defaultSectionSize(),
+               table->fontMetrics().horizontalAdvance(widest) + 16));
   }
 
   // Selects the case whose id was typed, or says why it cannot.
@@ -492,6 +520,7 @@ CasesTableView::CasesTableView(const ViewContext& context)
   const DataPipelineManagerInterface& pipeline = *context.pipeline;
   d->project = context.project;
   d->selection = context.selection;
+  d->order = context.order;
   d->container = new QWidget();
   d->container->setObjectName("cases");
   auto* layout = new QVBoxLayout(d->container);
@@ -560,8 +589,12 @@ CasesTableView::CasesTableView(const ViewContext& context)
     [impl]
     {
       impl->model->reload();
+      impl->fitCaseIdColumn();
       impl->synchronizer->showMasterSelection();
+      if (impl->sortColumn->value() >= 0)
+        impl->order->setOrder(impl->model->sortedCases());
     }));
+  d->fitCaseIdColumn();
   saveSetting(boost::make_shared<GenericSerializer<short>>("SortColumn", d->sortColumn),
               "a column, or -1");
   saveSetting(boost::make_shared<GenericSerializer<bool>>("SortDescending", d->sortDescending),
@@ -604,6 +637,7 @@ void CasesTableView::resume()
 {
   d->connections.unblock();
   d->model->reload();
+  d->fitCaseIdColumn();
   d->synchronizer->resume();
 }
 

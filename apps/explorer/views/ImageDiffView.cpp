@@ -1,7 +1,11 @@
 #include "views/ImageDiffView.h"
 
+#include "CaseOrder.h"
 #include "ChangesWhileHidden.h"
+#include "FileLocator.h"
+#include "FittedImage.h"
 #include "PropertyEditors.h"
+#include "StudyFiles.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/AuxFile.h"
 #include "datamanagement/Project.h"
@@ -15,6 +19,7 @@
 #include "signals/SignalConnectionCollection.h"
 
 #include <QCheckBox>
+#include <QFormLayout>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
@@ -88,12 +93,18 @@ struct ImageDiffView::Impl
   boost::shared_ptr<SelectionModelInterface> selection;
   std::shared_ptr<ImageFileLoaderInterface> loader;
   QPointer<QWidget> container;
-  QLabel* panes[3] = { nullptr, nullptr, nullptr };
+  // Each image as large as its pane allows: a large one never widens the window.
+  FittedImage* panes[3] = { nullptr, nullptr, nullptr };
   QLabel* titles[3] = { nullptr, nullptr, nullptr };
   QLabel* scale = nullptr;
   QLabel* text = nullptr;
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> pinned;
   boost::shared_ptr<plexa::UndoablePropertyProxy<unsigned long long>> reference;
+  // The tag of the images compared; empty for the first image of the first case.
+  boost::shared_ptr<plexa::UndoablePropertyProxy<std::string>> imageTag;
+  std::shared_ptr<const FileLocator> files;
+  std::shared_ptr<const CaseOrder> order;
+  QString noImages;
   std::vector<unsigned long long> compared;
   int largest = 0;
   SignalConnectionCollection connections;
@@ -101,26 +112,26 @@ struct ImageDiffView::Impl
   // The image of a case with the tag, or its first one; empty with the reason when there is none.
   std::shared_ptr<QImage> imageOf(unsigned long long id, std::string& tag, QString& problem) const
   {
-    const auto files = project->record(id).lock().auxFiles();
-    if (files.empty())
+    const auto images = studyfiles::imagesOf(project->record(id).lock(), imageTag->value());
+    if (images.empty())
     {
-      problem = QString("case %1 has no images").arg(id);
+      problem = imageTag->value().empty() ? QString("case %1 has no images").arg(id)
+                                          : QString("case %1 has no image tagged %2")
+                                              .arg(id)
+                                              .arg(QString::fromStdString(imageTag->value()));
       return nullptr;
     }
-    AuxFile chosen = files.front().lock();
-    for (const auto& handle : files)
+    AuxFile chosen = images.front();
+    for (const AuxFile& file : images)
     {
-      const AuxFile file = handle.lock();
       if (!tag.empty() && !file.tags().empty() && file.tags().front() == tag)
         chosen = file;
     }
     if (tag.empty() && !chosen.tags().empty())
       tag = chosen.tags().front();
-    if (!QFileInfo::exists(QString::fromStdString(chosen.filePath())))
+    if (const QString missing = files->problem(chosen); !missing.isEmpty())
     {
-      problem = QString("case %1: %2 is missing")
-                  .arg(id)
-                  .arg(QString::fromStdString(chosen.relativePath()));
+      problem = QString("case %1: %2").arg(id).arg(missing);
       return nullptr;
     }
     auto image = loader->image(chosen.filePath());
@@ -141,19 +152,23 @@ struct ImageDiffView::Impl
     compared.clear();
     if (pinned->value() && project->record(reference->value()).lock().isNull() == false)
       compared.push_back(reference->value());
-    for (auto id = ids.begin(); id != ids.end() && compared.size() < 2; ++id)
+    // The cases in the order the user sees them (the table's, once sorted).
+    const std::vector<unsigned long long> ordered = order->sorted(ids);
+    for (auto id = ordered.begin(); id != ordered.end() && compared.size() < 2; ++id)
       if (compared.empty() || compared.front() != *id)
         compared.push_back(*id);
     largest = 0;
-    for (QLabel* label : panes)
-      label->clear();
+    for (FittedImage* pane : panes)
+      pane->clear();
     for (QLabel* label : titles)
       label->clear();
     scale->clear();
-    if (compared.size() < 2)
+    if (compared.size() < 2 || !noImages.isEmpty())
     {
       compared.clear();
-      text->setText("Select two cases, or pin a reference case and select another.");
+      text->setText(noImages.isEmpty()
+                      ? "Select two cases, or pin a reference case and select another."
+                      : noImages);
       return;
     }
     std::string tag;
@@ -170,9 +185,9 @@ struct ImageDiffView::Impl
       return;
     }
     const QImage difference = absoluteDifference(*first, *second, largest);
-    panes[0]->setPixmap(QPixmap::fromImage(*first));
-    panes[1]->setPixmap(QPixmap::fromImage(second->scaled(first->size())));
-    panes[2]->setPixmap(QPixmap::fromImage(heatMap(difference, largest)));
+    panes[0]->setImage(*first);
+    panes[1]->setImage(second->scaled(first->size()));
+    panes[2]->setImage(heatMap(difference, largest));
     titles[2]->setText("difference");
     QImage bar(256, 12, QImage::Format_RGB32);
     for (int x = 0; x < bar.width(); ++x)
@@ -193,7 +208,12 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
 {
   d->project = context.project;
   d->selection = context.selection;
-  d->loader = context.images->imageLoader();
+  d->files = context.files;
+  d->order = context.order;
+  d->loader = FileLocator::locating(context.files, context.images->imageLoader());
+  if (studyfiles::imageTags(*d->project).empty())
+    d->noImages = d->project->auxFiles().empty() ? "This study has no image files."
+                                                 : "None of this study's files is an image.";
   d->container = new QWidget();
   d->container->setObjectName("imageDifference");
   auto* layout = new QVBoxLayout(d->container);
@@ -204,12 +224,14 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
   for (int i = 0; i < 3; ++i)
   {
     d->titles[i] = new QLabel();
-    d->panes[i] = new QLabel();
-    d->panes[i]->setAlignment(Qt::AlignCenter);
+    d->panes[i] = new FittedImage();
     grid->addWidget(d->titles[i], 0, i);
     grid->addWidget(d->panes[i], 1, i);
   }
   layout->addLayout(grid, 1);
+  for (int i = 0; i < 3; ++i)
+    grid->setColumnStretch(i, 1);
+  grid->setRowStretch(1, 1);
   auto* scaleRow = new QGridLayout();
   d->scale = new QLabel();
   scaleRow->addWidget(new QLabel("same"), 0, 0);
@@ -239,6 +261,14 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
     }));
   d->connections.add(
     d->reference->connectSignalPropertyChanged([impl] { impl->changes->changed(false); }));
+  d->imageTag = boost::make_shared<plexa::UndoablePropertyProxy<std::string>>(
+    "Image Tag", boost::make_shared<plexa::Property<std::string>>(std::string()));
+  for (const plexa::PropertyItemInterface* followed :
+       std::initializer_list<const plexa::PropertyItemInterface*>{
+         d->imageTag.get(), context.files->locations().get() })
+    d->connections.add(
+      followed->connectSignalPropertyChanged([impl] { impl->changes->changed(false); }));
+  d->connections.add(context.order->connectChanged([impl] { impl->changes->changed(false); }));
   d->connections.add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
   // The case first, then the pin: a pin read back refers to the case read just before.
@@ -246,6 +276,7 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
     boost::make_shared<GenericSerializer<unsigned long long>>("ReferenceCase", d->reference),
     "a case id");
   saveSetting(boost::make_shared<GenericSerializer<bool>>("PinnedReference", d->pinned), "0 or 1");
+  saveSetting(boost::make_shared<GenericSerializer<std::string>>("ImageTag", d->imageTag));
 }
 
 ImageDiffView::~ImageDiffView()
@@ -264,9 +295,12 @@ void ImageDiffView::accept(DataViewVisitorInterface& visitor)
   visitor.visit(boost::dynamic_pointer_cast<ImageDiffViewInterface>(shared_from_this()));
 }
 
-std::vector<SettingsSection> ImageDiffView::settingsSections(PropertyEditors&)
+std::vector<SettingsSection> ImageDiffView::settingsSections(PropertyEditors& editors)
 {
-  return {};
+  auto* box = new QWidget();
+  auto* form = new QFormLayout(box);
+  form->addRow("Images", editors.tagChooser(d->imageTag, "(first image)"));
+  return { { title(), box } };
 }
 
 std::string ImageDiffView::selectionSummary() const

@@ -1,8 +1,12 @@
 #include "views/ImageMatrixView.h"
 
 #include "PropertyEditors.h"
+#include "StudyDefaults.h"
+#include "StudyFiles.h"
 
 #include "analyzer_common/SelectionModelInterface.h"
+#include "analyzer_common/UndoStack.h"
+#include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "images/ImageCache.h"
@@ -20,6 +24,12 @@
 #include "signals/SignalConnectionCollection.h"
 
 #include <QCheckBox>
+#include <QComboBox>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QStackedLayout>
 #include <QDomDocument>
 #include <QDomElement>
 #include <QFormLayout>
@@ -31,6 +41,7 @@
 #include <boost/make_shared.hpp>
 
 #include <charconv>
+#include <set>
 
 namespace explorer
 {
@@ -83,6 +94,45 @@ private:
   boost::shared_ptr<plexa::PropertyAbstract<Variant>> property;
 };
 
+// Why a study shows no image at all, or nothing when it has images.
+QString withoutImages(const Project& project)
+{
+  if (project.auxFiles().empty())
+    return "This study has no image files.";
+  std::set<QString> extensions;
+  for (const auto& file : project.auxFiles())
+    extensions.insert(QFileInfo(QString::fromStdString(file.lock().filePath())).suffix());
+  QStringList listed;
+  for (const QString& extension : extensions)
+    listed << (extension.isEmpty() ? QString("no extension") : "." + extension);
+  return "The files of this study are not images (" + listed.join(", ") + ").";
+}
+
+using Matrix = ImageMatrixViewProperties;
+
+// The values a page can show: the page variable's values among the study's cases, or the tags.
+std::vector<Variant> pageValues(const Project& project, const Matrix& properties)
+{
+  std::vector<Variant> values;
+  if (properties.dimensionPagesBy()->value() == Matrix::PageByTag)
+  {
+    std::vector<std::string> tags = studyfiles::imageTags(project);
+    for (const auto& tag : project.tags())
+      if (std::find(tags.begin(), tags.end(), tag) == tags.end())
+        tags.push_back(tag);
+    for (const auto& tag : tags)
+      values.emplace_back(tag);
+    return values;
+  }
+  const Variable variable = properties.pageVar()->value().lock();
+  if (variable.isNull())
+    return values;
+  std::set<Variant> distinct;
+  for (const auto& record : project.records())
+    distinct.insert(record.lock().data(variable));
+  return { distinct.begin(), distinct.end() };
+}
+
 } // namespace
 
 struct ImageMatrixView::Impl
@@ -100,21 +150,40 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
   const Project& project = *context.project;
   d->container = new QWidget();
   d->container->setObjectName("imageMatrix");
-  auto* layout = new QVBoxLayout(d->container);
-  layout->setContentsMargins(0, 0, 0, 0);
+  auto* layout = new QStackedLayout(d->container);
   d->properties = std::make_shared<ImageMatrixViewProperties>();
   d->properties->zoom()->setValue(12);
+  // A layout that shows something on any study: never by a constant, and image files only
+  // where the study lists others beside them.
+  const defaults::MatrixChoice chosen = defaults::matrix(
+    project, d->properties->columnVar()->value(), d->properties->rowVar()->value());
+  d->properties->columnVar()->setValue(chosen.column);
+  d->properties->rowVar()->setValue(chosen.row);
+  const std::vector<std::string> imageTags = studyfiles::imageTags(project);
+  if (!imageTags.empty() && studyfiles::hasOtherFiles(project))
+  {
+    d->properties->dimensionPagesBy()->setValue(ImageMatrixViewProperties::PageByTag);
+    d->properties->pageValue()->setValue(Variant(imageTags.front()));
+  }
   d->table = new ImageTableView(*d->container,
                                 context.pipeline,
                                 context.selection,
                                 context.images->sharedLoader(),
                                 d->properties);
   layout->addWidget(d->table);
+  if (imageTags.empty())
+  {
+    auto* reason = new QLabel(withoutImages(project));
+    reason->setObjectName("imageMatrixMessage");
+    reason->setAlignment(Qt::AlignCenter);
+    reason->setWordWrap(true);
+    layout->addWidget(reason);
+    layout->setCurrentWidget(reason);
+  }
   QTableView* cells = &d->table->tableView();
   d->connections.add(context.selection->connectSignalSelectionChanged(
     [cells](const std::set<unsigned long long>&) { scrollToSelectionLater(*cells); }));
 
-  using Matrix = ImageMatrixViewProperties;
   NamedValueTranslator<Matrix::RowColumnDimensionBy> axes;
   axes.add("Variable", Matrix::ByVariable);
   axes.add("Tag", Matrix::ByTag);
@@ -168,37 +237,107 @@ std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& 
   auto* box = new QWidget();
   auto* form = new QFormLayout(box);
   const std::vector<std::pair<QString, Matrix::RowColumnDimensionBy>> axes = {
-    { "Variable", Matrix::ByVariable }, { "Tag", Matrix::ByTag }
+    { "By variable", Matrix::ByVariable }, { "By tag", Matrix::ByTag }
   };
-  form->addRow("Rows by", editors.enumChooser(p->dimensionRowsBy(), axes));
-  form->addRow("Row variable", editors.variableChooser(p->rowVar(), false, true));
-  form->addRow("Columns by", editors.enumChooser(p->dimensionColumnsBy(), axes));
-  form->addRow("Column variable", editors.variableChooser(p->columnVar(), false, true));
-  form->addRow(
-    "Pages",
+  // An axis laid out by tags shows the tags to show: with none chosen yet, the image tags are
+  // chosen with it, in the same step. Its variable has no say meanwhile.
+  const auto axisEditors = [&](const QString& name,
+                               const boost::shared_ptr<plexa::PropertyAbstract<
+                                 Matrix::RowColumnDimensionBy>>& by,
+                               const boost::shared_ptr<PropertyEditors::VariableProperty>& variable)
+  {
+    QComboBox* mode = editors.enumChooser(by, axes);
+    QComboBox* chooser = editors.variableChooser(variable, false, "(none)");
+    const auto enable = [chooser, by] { chooser->setEnabled(by->value() == Matrix::ByVariable); };
+    enable();
+    editors.follow(*by, enable);
+    editors.followEdits(mode,
+                        "Change " + name + " By",
+                        [p, &project, by]
+                        {
+                          if (by->value() == Matrix::ByTag && p->tagsToShow()->value().empty())
+                          {
+                            std::vector<std::string> tags = studyfiles::imageTags(project);
+                            if (tags.empty())
+                              tags = project.tags();
+                            p->tagsToShow()->setValue(tags);
+                          }
+                        });
+    form->addRow(name + " by", mode);
+    form->addRow(name + " variable", chooser);
+  };
+  axisEditors("Rows", p->dimensionRowsBy(), p->rowVar());
+  axisEditors("Columns", p->dimensionColumnsBy(), p->columnVar());
+
+  QComboBox* pages =
     editors.enumChooser<Matrix::PageDimensionBy>(p->dimensionPagesBy(),
                                                  { { "None", Matrix::NoPages },
                                                    { "By variable", Matrix::PageByVariable },
-                                                   { "By tag", Matrix::PageByTag } }));
-  form->addRow("Page variable", editors.variableChooser(p->pageVar(), false, true));
+                                                   { "By tag", Matrix::PageByTag } });
+  form->addRow("Pages", pages);
+  QComboBox* pageVariable = editors.variableChooser(p->pageVar(), false, "(none)");
+  form->addRow("Page variable", pageVariable);
 
-  // A page value typed as a number is a number; anything else is a text value.
-  auto* page = new QLineEdit();
-  const auto showPage = [page, p]
-  { page->setText(QString::fromStdString(p->pageValue()->value().toString())); };
+  // The page shown: one of the values the page variable takes (or a tag), stepped through with
+  // the buttons. Paging by a variable starts on its first value.
+  auto* pageRow = new QWidget();
+  auto* pageLayout = new QHBoxLayout(pageRow);
+  pageLayout->setContentsMargins(0, 0, 0, 0);
+  auto* previous = new QPushButton("<");
+  auto* page = new QComboBox();
+  page->setObjectName("imageMatrixPage");
+  auto* next = new QPushButton(">");
+  for (QPushButton* button : { previous, next })
+    button->setMaximumWidth(28);
+  pageLayout->addWidget(previous);
+  pageLayout->addWidget(page, 1);
+  pageLayout->addWidget(next);
+  auto values = std::make_shared<std::vector<Variant>>();
+  const auto showPage = [page, pageVariable, previous, next, p, values, &project]
+  {
+    const QSignalBlocker blocker(page);
+    *values = pageValues(project, *p);
+    page->clear();
+    for (const Variant& value : *values)
+      page->addItem(QString::fromStdString(variantDisplayText(value)));
+    const auto at = std::find(values->begin(), values->end(), p->pageValue()->value());
+    page->setCurrentIndex(at == values->end() ? -1 : static_cast<int>(at - values->begin()));
+    const bool paged = p->dimensionPagesBy()->value() != Matrix::NoPages;
+    pageVariable->setEnabled(p->dimensionPagesBy()->value() == Matrix::PageByVariable);
+    for (QWidget* widget : std::initializer_list<QWidget*>{ page, previous, next })
+      widget->setEnabled(paged && !values->empty());
+  };
   showPage();
-  editors.follow(*p->pageValue(), showPage);
-  QObject::connect(page,
-                   &QLineEdit::editingFinished,
-                   [&editors, page, p, showPage]
-                   {
-                     double number = 0;
-                     const Variant value = parseNumber(page->text(), number)
-                                             ? Variant(number)
-                                             : Variant(page->text().toStdString());
-                     editors.edit([&] { p->pageValue()->setValue(value); }, showPage);
-                   });
-  form->addRow("Page value", page);
+  for (const plexa::PropertyItemInterface* setting :
+       std::initializer_list<const plexa::PropertyItemInterface*>{
+         p->pageValue().get(), p->pageVar().get(), p->dimensionPagesBy().get() })
+    editors.follow(*setting, showPage);
+  const auto choosePage = [&editors, p, values, showPage](int index)
+  {
+    if (index >= 0 && index < static_cast<int>(values->size()))
+      editors.edit([&] { p->pageValue()->setValue((*values)[static_cast<std::size_t>(index)]); },
+                   showPage);
+  };
+  QObject::connect(page, QOverload<int>::of(&QComboBox::activated), choosePage);
+  QObject::connect(previous,
+                   &QPushButton::clicked,
+                   [page, choosePage] { choosePage(std::max(page->currentIndex() - 1, 0)); });
+  QObject::connect(next,
+                   &QPushButton::clicked,
+                   [page, choosePage]
+                   { choosePage(std::min(page->currentIndex() + 1, page->count() - 1)); });
+  // A page value that is not among the values shows an empty page: the first value instead.
+  const auto firstPage = [p, &project]
+  {
+    if (p->dimensionPagesBy()->value() == Matrix::NoPages)
+      return;
+    const std::vector<Variant> all = pageValues(project, *p);
+    if (!all.empty() && std::find(all.begin(), all.end(), p->pageValue()->value()) == all.end())
+      p->pageValue()->setValue(all.front());
+  };
+  editors.followEdits(pages, "Change Dimension Pages By", firstPage);
+  editors.followEdits(pageVariable, "Change Page Variable", firstPage);
+  form->addRow("Page", pageRow);
   form->addRow(editors.checkBox("Show labels", p->showLabels()));
 
   form->addRow("Label variables", editors.variableList(p->variablesInLabel(), false));

@@ -4,6 +4,7 @@
 #include "ChangesWhileHidden.h"
 #include "FilterEdits.h"
 #include "PropertyEditors.h"
+#include "StudyDefaults.h"
 #include "analyzer_common/DeleteSignaler.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/Project.h"
@@ -421,6 +422,11 @@ struct ParallelCoordinatesView::Impl
       }
       linesLayerValid = true;
     }
+    if (axes.size() == 1)
+    {
+      drawTicks(painter, at);
+      return;
+    }
     // A selection stands out against faded lines.
     painter.setOpacity(selectedRows.empty() ? 1.0 : 0.3);
     painter.drawImage(0, 0, linesLayer);
@@ -459,6 +465,24 @@ struct ParallelCoordinatesView::Impl
     }
   }
 
+  // One axis joins nothing: each case is a short mark across it, the selected ones dark.
+  void drawTicks(QPainter& painter, const Layout& at)
+  {
+    const double x = at.x(0);
+    for (std::size_t row = 0; row < caseIds.size(); ++row)
+    {
+      painter.setPen(QPen(QColor(colourOf(row)), 1.5));
+      const double y = at.y(axes.front().position[row]);
+      painter.drawLine(QPointF(x - 10, y), QPointF(x + 10, y));
+    }
+    painter.setPen(QPen(QColor(20, 20, 20), 3));
+    for (int row : selectedRows)
+    {
+      const double y = at.y(axes.front().position[static_cast<std::size_t>(row)]);
+      painter.drawLine(QPointF(x - 14, y), QPointF(x + 14, y));
+    }
+  }
+
   void drawAxes(QPainter& painter, const Layout& at)
   {
     painter.setRenderHint(QPainter::Antialiasing, false);
@@ -468,10 +492,17 @@ struct ParallelCoordinatesView::Impl
       QRectF(4, at.missingY - 8, 56, 16), Qt::AlignLeft | Qt::AlignVCenter, "missing");
     const Variable colourVariable = color->value().lock();
     if (!colourVariable.isNull())
-      painter.drawText(QRectF(at.width / 2.0, at.missingY + 8, at.width / 2.0 - 6, 18),
+    {
+      // Right of the "missing" label, shortened rather than cut when the view is narrow.
+      const QRectF caption(64, at.missingY + 8, std::max(at.width - 70.0, 0.0), 18);
+      painter.drawText(caption,
                        Qt::AlignRight | Qt::AlignVCenter,
-                       "colour: " + QString::fromStdString(colourVariable.name()) +
-                         " (blue low, red high)");
+                       painter.fontMetrics().elidedText(
+                         "colour: " + QString::fromStdString(colourVariable.name()) +
+                           " (blue low, red high)",
+                         Qt::ElideMiddle,
+                         static_cast<int>(caption.width())));
+    }
     QFont bold = painter.font();
     bold.setBold(true);
     const QFont plain = painter.font();
@@ -630,16 +661,9 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
   d->canvas->setMinimumSize(200, 160);
   d->canvas->setMouseTracking(false);
 
-  VariableList firstAxes;
-  WeakPtr<Variable> firstColour;
-  int continuous = 0;
-  for (const auto& variable : d->project->variables())
-  {
-    if (firstAxes.size() < 8)
-      firstAxes.push_back(variable);
-    if (variable.lock().nature() == Variable::Continuous && continuous++ <= 1)
-      firstColour = variable;
-  }
+  // The varying variables as the axes; the lines coloured as the scatter plot's points.
+  const VariableList firstAxes = defaults::parallelAxes(*d->project, 8);
+  const WeakPtr<Variable> firstColour = defaults::scatter(*d->project).colour;
   d->axesProperty = boost::make_shared<plexa::UndoablePropertyProxy<VariableList>>(
     "Axes", boost::make_shared<plexa::Property<VariableList>>(firstAxes));
   d->color = boost::make_shared<plexa::UndoablePropertyProxy<WeakPtr<Variable>>>(
@@ -738,7 +762,7 @@ std::vector<SettingsSection> ParallelCoordinatesView::settingsSections(PropertyE
   auto* form = new QFormLayout(box);
   // The chosen axes first, in their order, then the others; drag an entry to reorder.
   form->addRow("Axes", editors.variableList(d->axesProperty, true));
-  form->addRow("Colour", editors.variableChooser(d->color, true, true));
+  form->addRow("Colour", editors.variableChooser(d->color, true, "(none)"));
   form->addRow("Lines",
                editors.enumChooser<short>(d->mode,
                                           { { "Automatic", AutomaticLines },

@@ -3,6 +3,8 @@
 #include "CaseRowIndex.h"
 #include "ChangesWhileHidden.h"
 #include "PropertyEditors.h"
+#include "StudyDefaults.h"
+#include "analyzer_common/NiceNumber.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "common_vtk/vtkPxCommandProxy.h"
 #include "datamanagement/Project.h"
@@ -40,12 +42,14 @@
 #include <vtkRenderWindowInteractor.h>
 #include <vtkRenderer.h>
 #include <vtkScalarBarActor.h>
+#include <vtkStringArray.h>
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
 #include <vtkTextProperty.h>
 
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -130,19 +134,17 @@ private:
 
 vtkStandardNewMacro(vtkFinishedPolyDataMapper);
 
-// The `skip`-th variable of a nature, or else the `fallback`-th numeric one.
-WeakPtr<Variable> pick(const Project& project, Variable::Nature nature, int skip, int fallback)
+// A variable's range widened to round numbers, so that the box's labels fall on them; a
+// constant is centred in a range around it.
+std::pair<double, double> niceRange(std::pair<double, double> range)
 {
-  std::vector<WeakPtr<Variable>> numeric;
-  for (const auto& variable : project.variables())
+  if (!(range.first < range.second))
   {
-    if (variable.lock().nature() == nature && skip-- == 0)
-      return variable;
-    if (variable.lock().nature() != Variable::Text)
-      numeric.push_back(variable);
+    const double half = range.first == 0 ? 1 : makeNiceNumber(std::abs(range.first) / 10);
+    return { range.first - half, range.first + half };
   }
-  return fallback < static_cast<int>(numeric.size()) ? numeric[static_cast<std::size_t>(fallback)]
-                                                     : WeakPtr<Variable>();
+  const double step = makeNiceNumber((range.second - range.first) / 4);
+  return { std::floor(range.first / step) * step, std::ceil(range.second / step) * step };
 }
 
 } // namespace
@@ -213,7 +215,7 @@ struct ScatterPlot3DView::Impl
       if (!v.isNull())
       {
         columns[a] = vtkDoubleArray::SafeDownCast(table->GetColumnByName(v.name().c_str()));
-        ranges[a] = v.range();
+        ranges[a] = niceRange(v.range());
       }
     }
     const Variable colourVariable = color->value().lock();
@@ -286,10 +288,27 @@ struct ScatterPlot3DView::Impl
     box->SetXTitle(titles[0]);
     box->SetYTitle(titles[1]);
     box->SetZTitle(titles[2]);
-    box->SetXAxisRange(ranges[0].first, ranges[0].second);
-    box->SetYAxisRange(ranges[1].first, ranges[1].second);
-    box->SetZAxisRange(ranges[2].first, ranges[2].second);
+    for (int a = 0; a < 3; ++a)
+      labelAxis(a, ranges[static_cast<std::size_t>(a)]);
     findSelected(selection->getSelections());
+  }
+
+  // Labels on round numbers, four or five intervals of the box from its first to its last: the
+  // box's own ticks, eight to ten per axis, run together on an axis seen at a slant.
+  void labelAxis(int axis, std::pair<double, double> range)
+  {
+    const double step = makeNiceNumber((range.second - range.first) / 4);
+    auto labels = vtkSmartPointer<vtkStringArray>::New();
+    for (double value = range.first; value <= range.second + step / 2; value += step)
+    {
+      char text[32];
+      std::snprintf(text, sizeof text, "%g", std::abs(value) < step / 1e6 ? 0.0 : value);
+      labels->InsertNextValue(text);
+    }
+    box->SetAxisLabels(axis, labels);
+    (axis == 0   ? box->SetXAxisRange(range.first, range.second)
+     : axis == 1 ? box->SetYAxisRange(range.first, range.second)
+                 : box->SetZAxisRange(range.first, range.second));
   }
 
   // Shows these pieces of a cloud, an actor each; actors left over are hidden.
@@ -479,11 +498,8 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   }
   d->renderer->AddActor2D(d->colourBar);
 
-  // As the scatter plot starts: two discrete inputs across, a result up, another as colour.
-  const std::array<WeakPtr<Variable>, 4> first = { pick(*d->project, Variable::Discrete, 0, 0),
-                                                   pick(*d->project, Variable::Discrete, 1, 1),
-                                                   pick(*d->project, Variable::Continuous, 0, 2),
-                                                   pick(*d->project, Variable::Continuous, 1, 3) };
+  // As the scatter plot starts: inputs across, a result up, another as colour.
+  const std::array<WeakPtr<Variable>, 4> first = defaults::scatter3D(*d->project);
   const char* names[3] = { "X Variable", "Y Variable", "Z Variable" };
   for (std::size_t a = 0; a < 3; ++a)
     d->axes[a] = boost::make_shared<VariableProxy>(
@@ -594,10 +610,10 @@ std::vector<SettingsSection> ScatterPlot3DView::settingsSections(PropertyEditors
 {
   auto* box = new QWidget();
   auto* form = new QFormLayout(box);
-  form->addRow("X", editors.variableChooser(d->axes[0], true, false));
-  form->addRow("Y", editors.variableChooser(d->axes[1], true, false));
-  form->addRow("Z", editors.variableChooser(d->axes[2], true, false));
-  form->addRow("Colour", editors.variableChooser(d->color, true, true));
+  form->addRow("X", editors.variableChooser(d->axes[0], true, {}));
+  form->addRow("Y", editors.variableChooser(d->axes[1], true, {}));
+  form->addRow("Z", editors.variableChooser(d->axes[2], true, {}));
+  form->addRow("Colour", editors.variableChooser(d->color, true, "(none)"));
   return { { "3-D scatter plot", box } };
 }
 

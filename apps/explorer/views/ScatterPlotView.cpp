@@ -1,8 +1,11 @@
 #include "views/ScatterPlotView.h"
 
+#include "CaseKeys.h"
+#include "KeyedSelectionModel.h"
 #include "PropertyEditors.h"
+#include "StudyDefaults.h"
+#include "vtkCaseKeysFilter.h"
 #include "vtkDensityPlotPoints.h"
-#include "vtkPlottableCaseIds.h"
 
 #include "analyzer_common/NiceNumber.h"
 #include "analyzer_common/SelectionModelInterface.h"
@@ -41,6 +44,7 @@
 #include <vtkCommand.h>
 #include <vtkContextScene.h>
 #include <vtkContextView.h>
+#include <vtkDoubleArray.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkIdList.h>
 #include <vtkIdTypeArray.h>
@@ -53,6 +57,7 @@
 #include <vtkScalarBarRepresentation.h>
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
+#include <vtkTextActor.h>
 #include <vtkTextProperty.h>
 
 #include <array>
@@ -65,17 +70,6 @@ namespace
 {
 
 using VariableProxy = plexa::UndoablePropertyProxy<WeakPtr<Variable>>;
-
-// The first variable of the project of the given nature after `skip` of them, or any.
-WeakPtr<Variable> pick(const Project& project, Variable::Nature nature, int skip)
-{
-  for (const auto& variable : project.variables())
-  {
-    if (variable.lock().nature() == nature && skip-- == 0)
-      return variable;
-  }
-  return {};
-}
 
 // The listed rows of the named columns of a table.
 vtkSmartPointer<vtkTable> rowsOf(vtkTable& table,
@@ -106,6 +100,9 @@ vtkSmartPointer<vtkTable> rowsOf(vtkTable& table,
   }
   return subset;
 }
+
+// Shown along X when no X variable is chosen: each case at its place in the study.
+const char* const caseOrderTitle = vtkCaseKeysFilter::caseOrderColumnName;
 
 // A multiple of a nice step as the double nearest the decimal: 3 steps of 0.1 are 0.3, where
 // 3 * 0.1 would be 0.30000000000000004.
@@ -233,7 +230,14 @@ struct ScatterPlotView::Impl
   // Set while the chart fits itself: refresh() then updates it without drawing, since the fit
   // goes on to widen the range and draws once at the end.
   bool fitting = false;
-  vtkSmartPointer<vtkPlottableCaseIds> plottable;
+  vtkSmartPointer<vtkCaseKeysFilter> plottable;
+  // The plot's rows carry case keys; the plot selects through them (see CaseKeys).
+  std::shared_ptr<const CaseKeys> keys;
+  boost::shared_ptr<KeyedSelectionModel> keyedSelection;
+  // What the plot leaves out, and why; what it cannot plot at all.
+  vtkSmartPointer<vtkTextActor> notes;
+  // Under the colour legend: how many cases are drawn grey for want of a colour value.
+  vtkSmartPointer<vtkTextActor> legendNote;
   vtkSmartPointer<InvalidPointsFilter> validPoints;
   boost::shared_ptr<SpatialVariableProperty2D> xTarget;
   boost::shared_ptr<SpatialVariableProperty2D> yTarget;
@@ -263,34 +267,98 @@ struct ScatterPlotView::Impl
   }
 
   // The plotted table: the pipeline's output without the rows that cannot be plotted.
+  // The X column of the plotted table: the X variable's, or the case order without one.
+  std::string xColumn() const
+  {
+    const Variable variable = x->value().lock();
+    return variable.isNull() ? caseOrderTitle : variable.name();
+  }
+
+  void assignAxes(vtkPlot& plot) const
+  {
+    if (x->value().lock().isNull())
+      plot.SetInputArray(0, caseOrderTitle);
+    else
+      xTarget->assignInputArrayToPlot(plot, x->value());
+    yTarget->assignInputArrayToPlot(plot, y->value());
+  }
+
   void updatePoints()
   {
-    // Without both variables there is nothing to plot (an empty study, say).
-    const bool bothVariables = !x->value().lock().isNull() && !y->value().lock().isNull();
-    points->SetVisible(bothVariables);
-    if (!bothVariables)
+    // Without a Y variable there is nothing to plot (a study without numbers that vary, say).
+    const bool plotted = !y->value().lock().isNull();
+    points->SetVisible(plotted);
+    if (!plotted)
     {
       points->SetInputData(nullptr);
+      updateNotes();
       return;
     }
-    plottable->SetColumns(
-      { x->value().lock().name(), y->value().lock().name(), color->value().lock().name() });
+    plottable->SetColumns({ xColumn(), y->value().lock().name(), color->value().lock().name() });
     validPoints->Update();
     auto table = vtkSmartPointer<vtkTable>::New();
     table->ShallowCopy(validPoints->GetOutput());
     points->SetInputData(table);
     applyPointsMode();
-    xTarget->assignInputArrayToPlot(*points, x->value());
-    yTarget->assignInputArrayToPlot(*points, y->value());
+    assignAxes(*points);
+    if (x->value().lock().isNull())
+      chart->GetAxis(vtkAxis::BOTTOM)->SetTitle(caseOrderTitle);
     colorTarget->assignColorArray(color->value().lock().name());
     synchronizer->updateChartSelections();
     updateSelectedMarkers();
+    updateNotes();
+  }
+
+  // Says what the plot does not show as it is: cases without X or Y, cases without a colour
+  // value (drawn grey), or why nothing is plotted.
+  void updateNotes()
+  {
+    std::vector<std::string> lines;
+    const vtkIdType plottedRows =
+      points->GetVisible() && points->GetInput() ? points->GetInput()->GetNumberOfRows() : 0;
+    legendNote->SetVisibility(false);
+    if (y->value().lock().isNull())
+      lines.push_back(project->variables().empty()
+                        ? "The study has no variables to plot."
+                        : "Nothing to plot: choose a numeric Y variable (no number of this study "
+                          "varies).");
+    else
+    {
+      pipeline.output()->Update();
+      const vtkIdType shown = pipeline.output()->GetOutput()->GetNumberOfRows();
+      if (shown > plottedRows)
+        lines.push_back(std::to_string(shown - plottedRows) + " of " + std::to_string(shown) +
+                        " cases have no value of " +
+                        (x->value().lock().isNull() ? y->value().lock().name()
+                                                    : x->value().lock().name() + " or " +
+                                                        y->value().lock().name()) +
+                        " and are not shown.");
+      const std::string colourName = color->value().lock().name();
+      auto* colours = vtkDoubleArray::SafeDownCast(
+        colourName.empty() || !legend->show()->value()
+          ? nullptr
+          : points->GetInput()->GetColumnByName(colourName.c_str()));
+      vtkIdType uncoloured = 0;
+      for (vtkIdType row = 0; colours && row < colours->GetNumberOfTuples(); ++row)
+        uncoloured += std::isnan(colours->GetValue(row)) ? 1 : 0;
+      const std::string grey =
+        "grey: no value\n(" + std::to_string(uncoloured) + (uncoloured == 1 ? " case)" : " cases)");
+      legendNote->SetInput(grey.c_str());
+      legendNote->SetVisibility(uncoloured > 0);
+    }
+    std::string text;
+    for (const auto& line : lines)
+      text += (text.empty() ? "" : "\n") + line;
+    notes->SetInput(text.c_str());
+    notes->SetVisibility(!text.empty());
   }
 
   void applyPointsMode()
   {
     vtkTable* table = points->GetInput();
     const vtkIdType rows = table ? table->GetNumberOfRows() : 0;
+    // A few points are drawn larger, so that they are seen at once.
+    points->SetMarkerSize(rows <= fewPoints ? 9 : 7);
     const short mode = pointsMode->value();
     points->SetDrawDensity(mode == DensityPoints ||
                            (mode == AutomaticPoints && rows > densityAbove));
@@ -320,7 +388,7 @@ struct ScatterPlotView::Impl
     const vtkSmartPointer<vtkTable> selectedRows = ringVisible ? rowsOf(*table,
                                                                         *rows,
                                                                         { table->GetColumnName(0),
-                                                                          x->value().lock().name(),
+                                                                          xColumn(),
                                                                           y->value().lock().name(),
                                                                           colorName })
                                                                : nullptr;
@@ -335,8 +403,7 @@ struct ScatterPlotView::Impl
         continue;
       }
       plot->SetInputData(selectedRows);
-      xTarget->assignInputArrayToPlot(*plot, x->value());
-      yTarget->assignInputArrayToPlot(*plot, y->value());
+      assignAxes(*plot);
     }
     selectedFill->SetScalarVisibility(fillVisible && colored);
     if (fillVisible && colored)
@@ -344,6 +411,7 @@ struct ScatterPlotView::Impl
   }
 
   static constexpr vtkIdType ringedSelection = 10000;
+  static constexpr vtkIdType fewPoints = 500;
   // Markers cost about 40 ms per 10,000 points here (software GL); density costs the plot area.
   static constexpr vtkIdType densityAbove = 25000;
 
@@ -354,7 +422,7 @@ struct ScatterPlotView::Impl
     const int* size = window->GetSize();
     if (size[0] <= 0 || size[1] <= 0)
       return;
-    const bool legendShown = legend && legend->show()->value();
+    const bool legendShown = legend && legend->visible()->value();
     const float margin = legendShown && !legendPlacedByUser ? legendMargin : 0.0f;
     const vtkRectf area(
       0, 0, std::max(1.0f, static_cast<float>(size[0]) - margin), static_cast<float>(size[1]));
@@ -366,12 +434,15 @@ struct ScatterPlotView::Impl
       return;
     if (legendPlacedByUser)
     {
+      legendNote->SetPosition(legendPlacement[0] * size[0],
+                              std::max(0.0, legendPlacement[1] * size[1] - 34));
       representation->SetPosition(legendPlacement[0], legendPlacement[1]);
       representation->SetPosition2(legendPlacement[2], legendPlacement[3]);
       return;
     }
     const auto width = static_cast<double>(size[0]);
     const auto height = static_cast<double>(size[1]);
+    legendNote->SetPosition(width - margin + 8, 6);
     representation->SetPosition((width - margin + 8) / width, 50.0 / height);
     representation->SetPosition2((margin - 16) / width, std::max(0.1, 1.0 - 80.0 / height));
   }
@@ -387,6 +458,40 @@ struct ScatterPlotView::Impl
     std::copy(
       representation->GetPosition2(), representation->GetPosition2() + 2, legendPlacement + 2);
     render();
+  }
+
+  // The fitted range ends on the outermost points, which would be cut in half: widen it by a few
+  // percent, and by at least a marker, to a round number. A variable of one value (a constant,
+  // or a single case) is centred with a margin on either side.
+  void widenToPoints(int which)
+  {
+    vtkAxis* axis = chart->GetAxis(which);
+    std::array<double, 4> bounds = { 0, 0, 0, 0 };
+    const bool plotted =
+      points->GetVisible() && points->GetInput() && points->GetInput()->GetNumberOfRows() > 0;
+    if (plotted)
+      points->GetBounds(bounds.data());
+    const std::size_t i = which == vtkAxis::BOTTOM ? 0 : 1;
+    // From the points themselves: the fitted range has already been rounded outwards.
+    const double min = plotted ? bounds[2 * i] : axis->GetMinimum();
+    const double max = plotted ? bounds[2 * i + 1] : axis->GetMaximum();
+    const double span = max - min;
+    if (!std::isfinite(span) || span < 0)
+      return;
+    if (span == 0)
+    {
+      const double half = min == 0 ? 1 : makeNiceNumber(std::abs(min) / 10);
+      axis->SetRange(min - half, min + half);
+      return;
+    }
+    const float* start = axis->GetPoint1();
+    const float* end = axis->GetPoint2();
+    const double pixels = std::hypot(end[0] - start[0], end[1] - start[1]);
+    const double marker = pixels > 0 ? span * points->GetMarkerSize() / pixels : 0;
+    const double margin = std::max(0.04 * span, marker);
+    const double step = makeNiceNumber(span / 100);
+    axis->SetRange(multipleOf(std::floor((min - margin) / step), step),
+                   multipleOf(std::ceil((max + margin) / step), step));
   }
 
   void render() { draws.now(); }
@@ -426,6 +531,8 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->points->SetLabel("cases");
   d->lookupTable = vtkSmartPointer<vtkLookupTable>::New();
   d->lookupTable->SetHueRange(0.667, 0.0);
+  // A case without a colour value is drawn, in a grey no colour of the map comes near.
+  d->lookupTable->SetNanColor(0.6, 0.6, 0.6, 1.0);
   d->lookupTable->Build();
   d->points->SetLookupTable(d->lookupTable);
   // The selection is drawn by the two plots on top, not in the selection pen's single colour,
@@ -454,9 +561,10 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->xTarget = boost::make_shared<SpatialVariableProperty2D>(d->chart->GetAxis(vtkAxis::BOTTOM), 0);
   d->yTarget = boost::make_shared<SpatialVariableProperty2D>(d->chart->GetAxis(vtkAxis::LEFT), 1);
   d->colorTarget = boost::make_shared<ColorVariableProperty<vtkPlotPoints>>(d->points);
-  d->xTarget->setValue(pick(*d->project, Variable::Discrete, 0));
-  d->yTarget->setValue(pick(*d->project, Variable::Continuous, 0));
-  d->colorTarget->setValue(pick(*d->project, Variable::Continuous, 1));
+  const defaults::ScatterChoice first = defaults::scatter(*d->project);
+  d->xTarget->setValue(first.x);
+  d->yTarget->setValue(first.y);
+  d->colorTarget->setValue(first.colour);
   d->xTarget->addPlot(d->points);
   d->yTarget->addPlot(d->points);
   d->x = boost::make_shared<VariableProxy>("X Variable", d->xTarget);
@@ -480,7 +588,8 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
         1.0,
         plexa::BoundedValueValidator<double>::Inclusive)));
 
-  d->visible = boost::make_shared<plexa::Property<bool>>(true);
+  // The legend is drawn while the points are coloured.
+  d->visible = boost::make_shared<plexa::Property<bool>>(!first.colour.lock().isNull());
   d->legendWidget = vtkSmartPointer<NiceLabelsColorBarWidget>::New();
   d->legend = std::make_unique<ColorLegend>(
     d->color, d->visible, pipeline, d->lookupTable, *d->widget->interactor(), d->legendWidget);
@@ -491,12 +600,33 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   bar->GetLabelTextProperty()->SetFontSize(13);
   bar->GetTitleTextProperty()->SetFontSize(13);
 
-  d->validPoints = InvalidPointsFilter::New(
-    { d->x,
-      d->y,
-      boost::make_shared<InvalidPointsFilter::RelevanceDependentVariableProperty>(
-        d->color, d->legend->show()) });
-  d->plottable = vtkSmartPointer<vtkPlottableCaseIds>::New();
+  d->notes = vtkSmartPointer<vtkTextActor>::New();
+  d->notes->GetTextProperty()->SetFontSize(13);
+  d->notes->GetTextProperty()->SetColor(0.35, 0.1, 0.1);
+  d->notes->GetTextProperty()->SetVerticalJustificationToTop();
+  d->notes->GetPositionCoordinate()->SetCoordinateSystemToNormalizedViewport();
+  d->notes->SetPosition(0.09, 0.985);
+  d->notes->SetVisibility(false);
+  d->view->GetRenderer()->AddActor2D(d->notes);
+  d->legendNote = vtkSmartPointer<vtkTextActor>::New();
+  d->legendNote->GetTextProperty()->SetFontSize(12);
+  d->legendNote->GetTextProperty()->SetColor(0.45, 0.45, 0.45);
+  d->legendNote->SetVisibility(false);
+  d->view->GetRenderer()->AddActor2D(d->legendNote);
+
+  // A case is plotted when it has X and Y; a missing colour value is drawn grey.
+  d->validPoints = InvalidPointsFilter::New({ d->x, d->y });
+  d->keys = context.keys;
+  d->plottable = vtkSmartPointer<vtkCaseKeysFilter>::New();
+  d->plottable->SetKeys(d->keys);
+  const auto caseOfRow = [impl = d.get()](vtkIdType row, unsigned long long& caseId)
+  {
+    vtkTable* table = impl->points->GetInput();
+    return table && row < table->GetNumberOfRows() &&
+           impl->keys->caseIdOf(
+             static_cast<unsigned long long>(table->GetValue(row, 0).ToInt()), caseId);
+  };
+  d->points->SetCaseIdOfRow(caseOfRow);
   d->plottable->SetInputConnection(pipeline.output()->GetOutputPort());
   d->validPoints->SetInputConnection(d->plottable->GetOutputPort());
 
@@ -514,7 +644,9 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->connections.add(mouseMode()->connectSignalValueChanged(
     [impl](const MouseMode& mode) { impl->chartMouseMode->setValue(mode); }));
 
-  d->plotSelection = boost::make_shared<PlotSelectionModel>(d->widget->interactor(), selection);
+  d->keyedSelection = boost::make_shared<KeyedSelectionModel>(selection, d->keys);
+  d->plotSelection =
+    boost::make_shared<PlotSelectionModel>(d->widget->interactor(), d->keyedSelection);
   d->synchronizer = std::make_unique<DataView2DSelectionSynchronizer>(
     d->chart, d->widget->interactor(), d->plotSelection);
   d->synchronizer->setPlotsToSynchronize({ d->points });
@@ -563,16 +695,24 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
     d->updatePoints();
     refresh();
   };
-  const auto refit = [this](const WeakPtr<Variable>&)
+  // A new variable on one axis fits that axis; the other keeps the range it has.
+  const auto refit = [this](int axis)
   {
-    d->updatePoints();
-    fitToData();
+    return [this, axis](const WeakPtr<Variable>&)
+    {
+      d->updatePoints();
+      fitAxis(axis);
+    };
   };
   d->connections.add(pipeline.connectSignalPipelineChanged(replot));
-  d->connections.add(d->x->connectSignalValueChanged(refit));
-  d->connections.add(d->y->connectSignalValueChanged(refit));
-  d->connections.add(
-    d->color->connectSignalValueChanged([replot](const WeakPtr<Variable>&) { replot(); }));
+  d->connections.add(d->x->connectSignalValueChanged(refit(vtkAxis::BOTTOM)));
+  d->connections.add(d->y->connectSignalValueChanged(refit(vtkAxis::LEFT)));
+  d->connections.add(d->color->connectSignalValueChanged(
+    [impl, replot](const WeakPtr<Variable>& colour)
+    {
+      impl->visible->setValue(!colour.lock().isNull());
+      replot();
+    }));
   d->connections.add(
     d->legend->show()->connectSignalValueChanged([replot](const bool&) { replot(); }));
   d->connections.add(d->pointsMode->connectSignalValueChanged(
@@ -602,6 +742,17 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
          d->legend->range().get(),
          d->legend->numLabels().get() })
     d->connections.add(setting->connectSignalPropertyChanged([impl] { impl->scheduleRender(); }));
+  // A range set by the user, or read from saved settings, is kept: no fit made later for a view
+  // that was not yet shown takes its place.
+  for (const plexa::PropertyItemInterface* range :
+       std::initializer_list<const plexa::PropertyItemInterface*>{
+         d->xAxis->min().get(), d->xAxis->max().get(), d->yAxis->min().get(), d->yAxis->max().get() })
+    d->connections.add(range->connectSignalPropertyChanged(
+      [impl]
+      {
+        if (!impl->fitting)
+          impl->pendingFit = false;
+      }));
 
   saveVariableSetting("XVariable", d->x, *d->project);
   saveVariableSetting("YVariable", d->y, *d->project);
@@ -703,9 +854,9 @@ std::vector<SettingsSection> ScatterPlotView::settingsSections(PropertyEditors& 
 {
   auto* chart = new QWidget();
   auto* form = new QFormLayout(chart);
-  form->addRow("X", editors.variableChooser(d->x, true, false));
-  form->addRow("Y", editors.variableChooser(d->y, true, false));
-  form->addRow("Colour", editors.variableChooser(d->color, true, true));
+  form->addRow("X", editors.variableChooser(d->x, true, "(case order)"));
+  form->addRow("Y", editors.variableChooser(d->y, true, {}));
+  form->addRow("Colour", editors.variableChooser(d->color, true, "(none)"));
   form->addRow("Points",
                editors.enumChooser<short>(d->pointsMode,
                                           { { "Automatic (density above 25,000)", AutomaticPoints },
@@ -756,31 +907,23 @@ void ScatterPlotView::fitToData()
   {
     const ScopedValue<bool> fitting(d->fitting, true);
     vtkChartUtils::fitData(*d->chart, *this);
+    d->widenToPoints(vtkAxis::BOTTOM);
+    d->widenToPoints(vtkAxis::LEFT);
   }
-  // The fitted range ends on the outermost points, which would be cut in half: widen it by a
-  // few percent, and by at least a marker, to a round number.
-  std::array<double, 4> bounds = { 0, 0, 0, 0 };
-  const bool points = d->points->GetVisible() && d->points->GetInput() &&
-                      d->points->GetInput()->GetNumberOfRows() > 0;
-  if (points)
-    d->points->GetBounds(bounds.data());
-  for (const std::size_t i : { 0u, 1u })
+  d->render();
+}
+
+void ScatterPlotView::fitAxis(int which)
+{
+  if (!d->widget || !d->widget->isVisible())
   {
-    vtkAxis* axis = d->chart->GetAxis(i == 0 ? vtkAxis::BOTTOM : vtkAxis::LEFT);
-    // From the points themselves: the fitted range has already been rounded outwards.
-    const double min = points ? bounds[2 * i] : axis->GetMinimum();
-    const double max = points ? bounds[2 * i + 1] : axis->GetMaximum();
-    const double span = max - min;
-    if (!std::isfinite(span) || span <= 0)
-      continue;
-    const float* start = axis->GetPoint1();
-    const float* end = axis->GetPoint2();
-    const double pixels = std::hypot(end[0] - start[0], end[1] - start[1]);
-    const double marker = pixels > 0 ? span * d->points->GetMarkerSize() / pixels : 0;
-    const double margin = std::max(0.04 * span, marker);
-    const double step = makeNiceNumber(span / 100);
-    axis->SetRange(multipleOf(std::floor((min - margin) / step), step),
-                   multipleOf(std::ceil((max + margin) / step), step));
+    fitToData();
+    return;
+  }
+  {
+    const ScopedValue<bool> fitting(d->fitting, true);
+    vtkChartUtils::resetAxisRange(*d->chart, *d->chart->GetAxis(which), *this);
+    d->widenToPoints(which);
   }
   d->render();
 }
@@ -831,8 +974,10 @@ bool ScatterPlotView::caseIDAtPoint(unsigned long long& caseID)
     return vtkVector2f(static_cast<float>((p.GetX() + shiftScale.GetX()) * shiftScale.GetWidth()),
                        static_cast<float>((p.GetY() + shiftScale.GetY()) * shiftScale.GetHeight()));
   };
+  unsigned long long key = 0;
   return vtkChartUtils::caseIDAtPoint(
-    *d->points, *table->GetColumn(0), scaled(low), scaled(high), caseID);
+           *d->points, *table->GetColumn(0), scaled(low), scaled(high), key) &&
+         d->keys->caseIdOf(key, caseID);
 }
 
 } // namespace explorer

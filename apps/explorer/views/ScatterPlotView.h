@@ -47,6 +47,8 @@ public:
   ColorLegend& colorLegend() const;
   /// Fits both axes to the shown points.
   void fitToData() override;
+  /// Fits one axis (vtkAxis::BOTTOM or LEFT) to the shown points; the other keeps its range.
+  void fitAxis(int axis);
   /// The points plot and the number of its rows that are selected.
   vtkPlotPoints& points() const;
   /// How the points are drawn: one marker each, or a density image (binned, costing the plot

@@ -1,7 +1,10 @@
 #include "views/SelectedImageView.h"
 
+#include "CaseOrder.h"
 #include "ChangesWhileHidden.h"
+#include "FileLocator.h"
 #include "PropertyEditors.h"
+#include "StudyFiles.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/AuxFile.h"
@@ -84,6 +87,12 @@ struct SelectedImageView::Impl
   QWidget* panes = nullptr;
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> sideBySide;
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> zoom;
+  // The tag of the images shown; empty for every image of a case.
+  boost::shared_ptr<plexa::UndoablePropertyProxy<std::string>> imageTag;
+  std::shared_ptr<const FileLocator> files;
+  std::shared_ptr<const CaseOrder> order;
+  // Why nothing can be shown whatever is selected; empty when the study has images.
+  QString noImages;
   std::vector<unsigned long long> selected;
   std::size_t firstCase = 0;
   std::size_t image = 0;
@@ -105,18 +114,23 @@ struct SelectedImageView::Impl
   {
     auto* label = new QLabel();
     label->setAlignment(Qt::AlignCenter);
-    const auto files = record.auxFiles();
-    if (files.empty())
+    label->setWordWrap(true);
+    const auto images = studyfiles::imagesOf(record, imageTag->value());
+    if (images.empty())
     {
-      label->setText(QString("case %1 has no images").arg(record.caseId()));
+      label->setText(imageTag->value().empty()
+                       ? QString("case %1 has no images").arg(record.caseId())
+                       : QString("case %1 has no image tagged %2")
+                           .arg(record.caseId())
+                           .arg(QString::fromStdString(imageTag->value())));
       return label;
     }
-    const AuxFile file = files[image % files.size()].lock();
+    const AuxFile& file = images[image % images.size()];
     tag = QString::fromStdString(file.tags().empty() ? std::string() : file.tags().front());
-    const QString path = QString::fromStdString(file.filePath());
-    const auto picture = loader->image(file.filePath());
-    if (!QFileInfo::exists(path))
-      label->setText("missing: " + QString::fromStdString(file.relativePath()));
+    const QString problem = files->problem(file);
+    const auto picture = problem.isEmpty() ? loader->image(file.filePath()) : nullptr;
+    if (!problem.isEmpty())
+      label->setText(problem);
     else if (!picture || picture->isNull())
       label->setText("cannot read " + QString::fromStdString(file.relativePath()) +
                      " (not an image, damaged, or larger than the pixel budget)");
@@ -150,7 +164,8 @@ struct SelectedImageView::Impl
       captions.push_back(text->text());
     }
     if (selected.empty())
-      row->addWidget(new QLabel("Select cases to see their images."));
+      row->addWidget(new QLabel(noImages.isEmpty() ? "Select cases to see their images."
+                                                   : noImages));
     position->setText(selected.empty() ? QString()
                                        : QString("case %1 of %2, image %3 %4")
                                            .arg(firstCase + 1)
@@ -163,7 +178,7 @@ struct SelectedImageView::Impl
 
   void follow(const std::set<unsigned long long>& ids)
   {
-    selected.assign(ids.begin(), ids.end());
+    selected = order->sorted(ids);
     firstCase = 0;
     show();
   }
@@ -175,7 +190,12 @@ SelectedImageView::SelectedImageView(const ViewContext& context)
 {
   d->project = context.project;
   d->selection = context.selection;
-  d->loader = context.images->imageLoader();
+  d->files = context.files;
+  d->order = context.order;
+  d->loader = FileLocator::locating(context.files, context.images->imageLoader());
+  if (studyfiles::imageTags(*d->project).empty())
+    d->noImages = d->project->auxFiles().empty() ? "This study has no image files."
+                                                 : "None of this study's files is an image.";
   d->container = new QWidget();
   d->container->setObjectName("selectedImage");
   d->container->setFocusPolicy(Qt::StrongFocus);
@@ -223,6 +243,8 @@ SelectedImageView::SelectedImageView(const ViewContext& context)
     "Image Zoom",
     boost::make_shared<plexa::Property<short>>(
       100, boost::make_shared<Bounded>(10, Bounded::Inclusive, 400, Bounded::Inclusive)));
+  d->imageTag = boost::make_shared<plexa::UndoablePropertyProxy<std::string>>(
+    "Image Tag", boost::make_shared<plexa::Property<std::string>>(std::string()));
   Impl* impl = d.get();
   d->changes = std::make_unique<ChangesWhileHidden>(
     *d->container,
@@ -230,10 +252,15 @@ SelectedImageView::SelectedImageView(const ViewContext& context)
     ChangesWhileHidden::Steps{ {}, [impl](const auto& ids) { impl->follow(ids); }, {} });
   for (const auto& setting : { d->sideBySide, d->zoom })
     d->connections.add(setting->connectSignalPropertyChanged([impl] { impl->show(); }));
+  d->connections.add(d->imageTag->connectSignalPropertyChanged([impl] { impl->show(); }));
+  d->connections.add(context.files->locations()->connectSignalPropertyChanged(
+    [impl] { impl->changes->changed(false); }));
+  d->connections.add(context.order->connectChanged([impl] { impl->changes->changed(false); }));
   d->connections.add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
   saveSetting(boost::make_shared<GenericSerializer<short>>("SideBySide", d->sideBySide), "1 to 4");
   saveSetting(boost::make_shared<GenericSerializer<short>>("Zoom", d->zoom), "a percentage");
+  saveSetting(boost::make_shared<GenericSerializer<std::string>>("ImageTag", d->imageTag));
 }
 
 SelectedImageView::~SelectedImageView()
@@ -264,6 +291,7 @@ std::vector<SettingsSection> SelectedImageView::settingsSections(PropertyEditors
     editors.enumChooser<short>(
       d->zoom,
       { { "25%", 25 }, { "50%", 50 }, { "100%", 100 }, { "200%", 200 }, { "400%", 400 } }));
+  form->addRow("Images", editors.tagChooser(d->imageTag, "(every image)"));
   return { { title(), box } };
 }
 
@@ -318,7 +346,8 @@ void SelectedImageView::stepImages(int step)
     return;
   // Wraps around the images of the first case shown; the others show theirs modulo their count.
   const Record first = d->project->record(d->selected[d->firstCase]).lock();
-  const auto count = static_cast<long long>(std::max<std::size_t>(1, first.auxFiles().size()));
+  const auto count = static_cast<long long>(
+    std::max<std::size_t>(1, studyfiles::imagesOf(first, d->imageTag->value()).size()));
   d->image = static_cast<std::size_t>(
     ((static_cast<long long>(d->image % count) + step) % count + count) % count);
   d->show();

@@ -1,0 +1,116 @@
+#include "CaseKeys.h"
+
+#include "datamanagement/Project.h"
+
+#include <algorithm>
+
+namespace explorer
+{
+
+CaseKeys::CaseKeys(const std::vector<unsigned long long>& caseIds)
+  : ids(caseIds)
+{
+  for (std::size_t i = 1; i < ids.size(); ++i)
+  {
+    sequential = sequential && ids[i] == ids[i - 1] + 1;
+    sorted = sorted && ids[i] > ids[i - 1];
+  }
+  if (!sorted)
+  {
+    keyOfId.reserve(ids.size());
+    for (std::size_t key = 0; key < ids.size(); ++key)
+      keyOfId.emplace(ids[key], static_cast<std::uint32_t>(key));
+  }
+}
+
+CaseKeys::CaseKeys(const Project& project)
+  : CaseKeys(project.caseIds())
+{
+}
+
+bool CaseKeys::caseIdOf(unsigned long long key, unsigned long long& caseId) const
+{
+  if (key >= ids.size())
+    return false;
+  caseId = ids[key];
+  return true;
+}
+
+bool CaseKeys::keyOf(unsigned long long caseId, unsigned long long& key) const
+{
+  if (ids.empty())
+    return false;
+  if (sequential)
+  {
+    if (caseId < ids.front() || caseId - ids.front() >= ids.size())
+      return false;
+    key = caseId - ids.front();
+    return true;
+  }
+  if (sorted)
+  {
+    const auto found = std::lower_bound(ids.begin(), ids.end(), caseId);
+    if (found == ids.end() || *found != caseId)
+      return false;
+    key = static_cast<unsigned long long>(found - ids.begin());
+    return true;
+  }
+  const auto found = keyOfId.find(caseId);
+  if (found == keyOfId.end())
+    return false;
+  key = found->second;
+  return true;
+}
+
+CaseKeys::Set CaseKeys::keysOf(const Set& caseIds) const
+{
+  Set keys;
+  if (sorted)
+  {
+    // Sorted ids have keys in the same order: the keys are appended at the end, and a large
+    // selection is found by one walk along both lists.
+    const bool many = caseIds.size() * 16 > ids.size();
+    auto position = ids.begin();
+    for (unsigned long long id : caseIds)
+    {
+      unsigned long long key = 0;
+      if (sequential || !many)
+      {
+        if (keyOf(id, key))
+          keys.emplace_hint(keys.end(), key);
+        continue;
+      }
+      while (position != ids.end() && *position < id)
+        ++position;
+      if (position == ids.end())
+        break;
+      if (*position == id)
+        keys.emplace_hint(keys.end(), static_cast<unsigned long long>(position - ids.begin()));
+    }
+    return keys;
+  }
+  for (unsigned long long id : caseIds)
+  {
+    unsigned long long key = 0;
+    if (keyOf(id, key))
+      keys.insert(key);
+  }
+  return keys;
+}
+
+CaseKeys::Set CaseKeys::caseIdsOf(const Set& keys) const
+{
+  Set caseIds;
+  for (unsigned long long key : keys)
+  {
+    if (key >= ids.size())
+      break;
+    if (sorted)
+      caseIds.emplace_hint(caseIds.end(), ids[key]);
+    else
+      caseIds.insert(ids[key]);
+  }
+  return caseIds;
+}
+
+} // namespace explorer

@@ -1,0 +1,80 @@
+#include "vtkCaseKeysFilter.h"
+
+#include "CaseKeys.h"
+#include "CaseRowIndex.h"
+
+#include <vtkDoubleArray.h>
+#include <vtkInformationVector.h>
+#include <vtkIntArray.h>
+#include <vtkObjectFactory.h>
+#include <vtkTable.h>
+
+namespace explorer
+{
+
+vtkStandardNewMacro(vtkCaseKeysFilter);
+
+const char* vtkCaseKeysFilter::keyColumnName = "case key";
+const char* vtkCaseKeysFilter::caseOrderColumnName = "case order";
+
+void vtkCaseKeysFilter::PrintSelf(ostream& os, vtkIndent indent)
+{
+  this->Superclass::PrintSelf(os, indent);
+  os << indent << "Columns: " << this->Columns.size() << "\n";
+}
+
+void vtkCaseKeysFilter::SetKeys(std::shared_ptr<const CaseKeys> keys)
+{
+  this->Keys = std::move(keys);
+  this->Modified();
+}
+
+void vtkCaseKeysFilter::SetColumns(const std::vector<std::string>& names)
+{
+  if (names == this->Columns)
+    return;
+  this->Columns = names;
+  this->Modified();
+}
+
+int vtkCaseKeysFilter::RequestData(vtkInformation*,
+                                   vtkInformationVector** inputVector,
+                                   vtkInformationVector* outputVector)
+{
+  vtkTable* input = vtkTable::GetData(inputVector[0], 0);
+  vtkTable* output = vtkTable::GetData(outputVector, 0);
+  auto table = vtkSmartPointer<vtkTable>::New();
+  const std::vector<unsigned long long> ids = caseIdsOf(*input);
+  auto keys = vtkSmartPointer<vtkIntArray>::New();
+  keys->SetName(keyColumnName);
+  keys->SetNumberOfValues(static_cast<vtkIdType>(ids.size()));
+  for (std::size_t row = 0; row < ids.size(); ++row)
+  {
+    unsigned long long key = row;
+    // Every row of the pipeline is a case of the study; a row without one keeps its number.
+    if (this->Keys)
+      this->Keys->keyOf(ids[row], key);
+    keys->SetValue(static_cast<vtkIdType>(row), static_cast<int>(key));
+  }
+  table->AddColumn(keys);
+  for (const std::string& name : this->Columns)
+  {
+    if (table->GetColumnByName(name.c_str()))
+      continue;
+    if (name == caseOrderColumnName)
+    {
+      auto order = vtkSmartPointer<vtkDoubleArray>::New();
+      order->SetName(name.c_str());
+      order->SetNumberOfValues(keys->GetNumberOfValues());
+      for (vtkIdType row = 0; row < keys->GetNumberOfValues(); ++row)
+        order->SetValue(row, keys->GetValue(row) + 1.0);
+      table->AddColumn(order);
+    }
+    else if (vtkAbstractArray* column = input->GetColumnByName(name.c_str()))
+      table->AddColumn(column);
+  }
+  output->ShallowCopy(table);
+  return 1;
+}
+
+} // namespace explorer
