@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "ExplorerWindow.h"
+#include "formats/StudyFormats.h"
 #include "Screenshots.h"
 #include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
@@ -33,8 +34,9 @@ struct Parser
                                      "Write the sample study into DIR and exit.",
                                      "DIR" };
   const QCommandLineOption rebase{ "rebase",
-                                   "Read the paths of a Cinema database that start with OLD as "
-                                   "starting with NEW (may be repeated).",
+                                   "Read the file paths of a Cinema database that start with OLD "
+                                   "(a folder of another machine, a URL) as starting with NEW "
+                                   "(may be repeated).",
                                    "OLD=NEW" };
   const QCommandLineOption runs{ "runs", "Runs of the sample study (at least 1).", "N", "288" };
   const QCommandLineOption noImages{ "no-images", "Write the sample study without images." };
@@ -42,9 +44,11 @@ struct Parser
 
   Parser()
   {
-    parser.setApplicationDescription("Explores the runs of a study in linked views.");
+    parser.setApplicationDescription(
+      QString::fromStdString("Explores the runs of a study in linked views. It opens:\n" +
+                             formatsHelp()));
     parser.addPositionalArgument(
-      "study", "The study folder (cases.csv, auxfiles.csv, images).", "[STUDY_DIR]");
+      "study", "The study: a study folder or a Cinema database (see above).", "[STUDY]");
     parser.addOptions(
       { help, settings, select, screenshots, rebase, generate, runs, noImages, seed });
   }
@@ -103,7 +107,7 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& error
   const QStringList positional = p.parser.positionalArguments();
   if (positional.size() > 1)
   {
-    error = "give one study folder at most";
+    error = "give one study at most";
     return false;
   }
   options.study = positional.value(0);
@@ -136,7 +140,7 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& error
     options.screenshots = p.parser.value(p.screenshots);
     if (options.study.isEmpty())
     {
-      error = "--screenshots needs a study folder";
+      error = "--screenshots needs a study";
       return false;
     }
   }

@@ -7,6 +7,8 @@
 #include "SettingsFile.h"
 #include "SettingsPanel.h"
 #include "ViewRegistry.h"
+#include "formats/StudyFormats.h"
+#include "vtkFilePathColumns.h"
 #include "analyzer_common/DeleteSignaler.h"
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
@@ -488,7 +490,10 @@ bool ExplorerWindow::saveSettings(const QString& path, QString& error) const
 
 bool ExplorerWindow::exportCases(const QString& path, bool fullPrecision, QString& error) const
 {
-  vtkTableAlgorithm* output = d->pipeline->output();
+  // The shown cases with the paths of their files, as the study wrote them.
+  auto output = vtkSmartPointer<vtkFilePathColumns>::New();
+  output->SetInputConnection(d->pipeline->output()->GetOutputPort());
+  output->SetProject(d->project);
   output->Update();
   if (fullPrecision)
   {
@@ -645,8 +650,7 @@ std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder,
     {
       try
       {
-        project =
-          isCinemaDatabase(folder) ? readCinemaDatabase(folder, rebases) : readStudy(folder);
+        project = readAnyStudy(folder, { rebases });
       }
       catch (...)
       {

@@ -318,6 +318,9 @@ QWidget* PropertyEditors::colorLegendEditor(ColorLegend& legend)
   form->addRow("Custom maximum", max);
   auto* labels = new QSpinBox();
   labels->setRange(1, 100);
+  // Checked when the number is committed, not at each key: "12" is typed through "1", which the
+  // legend refuses.
+  labels->setKeyboardTracking(false);
   const auto count = legend.numLabels();
   const auto showCount = [labels, count]
   {

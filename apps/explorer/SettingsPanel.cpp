@@ -9,6 +9,7 @@
 
 #include <QCheckBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QTableWidget>
 #include <QToolBox>
@@ -16,6 +17,34 @@
 
 namespace explorer
 {
+
+namespace
+{
+
+// Lets Undo and Redo pass a text field by to the program's actions.
+class UndoKeysToProgram : public QObject
+{
+public:
+  using QObject::QObject;
+
+protected:
+  bool eventFilter(QObject* watched, QEvent* event) override
+  {
+    if (event->type() == QEvent::ShortcutOverride)
+    {
+      auto* key = static_cast<QKeyEvent*>(event);
+      if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo))
+      {
+        // Not taken by the field, so the window's shortcut runs.
+        event->ignore();
+        return true;
+      }
+    }
+    return QObject::eventFilter(watched, event);
+  }
+};
+
+} // namespace
 
 struct SettingsPanel::Impl
 {
@@ -67,7 +96,8 @@ struct SettingsPanel::Impl
         min->setText(numberText(state.exists ? state.min : range.first));
         max->setText(numberText(state.exists ? state.max : range.second));
       };
-      const auto apply = [this, variable, on, min, max, show]
+      // Editing a bound switches the filter on: a bound typed is a bound meant.
+      const auto apply = [this, variable, on, min, max, show, range](bool switchOn)
       {
         double low = 0;
         double high = 0;
@@ -78,11 +108,18 @@ struct SettingsPanel::Impl
           show();
           return;
         }
-        changeFilter(pipeline, variable, { true, low, high, on->isChecked() }, undoOwner);
+        const FilterState before = filterState(pipeline, variable);
+        const bool boundsChanged =
+          !before.exists ? low != range.first || high != range.second
+                         : low != before.min || high != before.max;
+        if (switchOn && !boundsChanged)
+          return;
+        changeFilter(
+          pipeline, variable, { true, low, high, on->isChecked() || switchOn }, undoOwner);
       };
-      QObject::connect(on, &QCheckBox::toggled, apply);
-      QObject::connect(min, &QLineEdit::editingFinished, apply);
-      QObject::connect(max, &QLineEdit::editingFinished, apply);
+      QObject::connect(on, &QCheckBox::toggled, [apply] { apply(false); });
+      QObject::connect(min, &QLineEdit::editingFinished, [apply] { apply(true); });
+      QObject::connect(max, &QLineEdit::editingFinished, [apply] { apply(true); });
       connections.add(pipeline.connectSignalPipelineChanged(show));
     }
     return table;
@@ -107,6 +144,11 @@ SettingsPanel::SettingsPanel(std::shared_ptr<const Project> project,
       sections->addItem(section.widget, section.title);
   }
   sections->addItem(d->filtersEditor(), "Range filters");
+  // Undo and Redo are the program's in its fields too: a field's own undo of its text would
+  // leave the setting it edits as it was.
+  auto* undoKeys = new UndoKeysToProgram(this);
+  for (QWidget* field : findChildren<QLineEdit*>())
+    field->installEventFilter(undoKeys);
 }
 
 SettingsPanel::~SettingsPanel()

@@ -205,9 +205,9 @@ void vtkDensityPlotPoints::Bin(const Grid& grid,
   image->Modified();
 }
 
-void vtkDensityPlotPoints::SetCaseIdOfRow(CaseIdOfRow caseIdOfRow)
+void vtkDensityPlotPoints::SetCaseIdOfKey(CaseIdOfKey caseIdOfKey)
 {
-  this->CaseOfRow = std::move(caseIdOfRow);
+  this->CaseOfKey = std::move(caseIdOfKey);
 }
 
 vtkStdString vtkDensityPlotPoints::GetTooltipLabel(const vtkVector2d& plotPos,
@@ -224,9 +224,9 @@ vtkStdString vtkDensityPlotPoints::GetTooltipLabel(const vtkVector2d& plotPos,
   const auto caseOf = [&](vtkIdType row)
   {
     unsigned long long id = 0;
-    if (this->CaseOfRow)
+    if (this->CaseOfKey)
     {
-      if (!this->CaseOfRow(row, id))
+      if (!this->CaseOfKey(table->GetValue(row, 0).ToLongLong(), id))
         return std::string("?");
     }
     else

@@ -45,10 +45,10 @@ public:
 
   bool Paint(vtkContext2D* painter) override;
 
-  /// The case of a row of the input, for tool tips; false when the row has none. By default
-  /// column 0 of the input holds the case ids.
-  using CaseIdOfRow = std::function<bool(vtkIdType row, unsigned long long& caseId)>;
-  void SetCaseIdOfRow(CaseIdOfRow caseIdOfRow);
+  /// Column 0 of the input holds case ids, or with this function keys that it turns into case
+  /// ids (false for a key without a case), for tool tips.
+  using CaseIdOfKey = std::function<bool(long long key, unsigned long long& caseId)>;
+  void SetCaseIdOfKey(CaseIdOfKey caseIdOfKey);
 
   /// The hovered point's case and its values, named by the axes: "case 1003\nangle 45, range
   /// 37.76". Points on the very same spot are counted, as a click there selects them all:
@@ -84,7 +84,7 @@ private:
            const unsigned char plain[4],
            vtkImageData* image) const;
 
-  CaseIdOfRow CaseOfRow;
+  CaseIdOfKey CaseOfKey;
   bool DrawDensity = false;
   double PointOpacity = 1.0;
   // The colours the opacity was written into, and the alpha written.

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QImage>
+#include <QDir>
 #include <QProcess>
 #include <QRegularExpression>
 #include <gtest/gtest.h>
@@ -139,7 +140,15 @@ TEST_F(Explorer, BadInputGetsAClearMessageAndANonZeroExit)
     { "a missing study",
       { QString::fromStdString(output.filePath("nowhere")), "--screenshots", shots },
       2,
-      "the study folder does not exist" },
+      "does not exist; the explorer opens a study folder holding cases.csv" },
+    { "a file that is no study",
+      { QString::fromStdString(output.write("notes.txt", "hello")), "--screenshots", shots },
+      2,
+      "is a file the explorer does not read" },
+    { "a folder without data",
+      { QString::fromStdString(output.filePath("empty-folder")), "--screenshots", shots },
+      2,
+      "holding data.csv" },
     { "malformed settings",
       { QString::fromStdString(study->path()),
         "--settings",
@@ -159,6 +168,7 @@ TEST_F(Explorer, BadInputGetsAClearMessageAndANonZeroExit)
       5,
       "cannot create the folder" },
   };
+  QDir().mkpath(QString::fromStdString(output.filePath("empty-folder")));
   for (const auto& c : cases)
   {
     const ExplorerRun run = explorer(c.arguments);
@@ -177,5 +187,7 @@ TEST(ExplorerProgram, HelpNeedsNoDisplay)
   process.start(EXPLORER_PATH, { "--help" });
   ASSERT_TRUE(process.waitForFinished(60000));
   EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-  EXPECT_TRUE(process.readAllStandardOutput().contains("--generate-sample"));
+  const QByteArray help = process.readAllStandardOutput();
+  EXPECT_TRUE(help.contains("--generate-sample"));
+  EXPECT_TRUE(help.contains("Cinema database")) << "the formats it opens are named";
 }

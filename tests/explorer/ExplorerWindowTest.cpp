@@ -287,8 +287,8 @@ TEST(ExplorerCommandLine, ReadsOptionsAndRefusesBadOnes)
     { { "--generate-sample", "dir", "--runs", "0" }, false, Mode::Open, 1, "at least 1" },
     { { "--generate-sample", "dir", "--runs", "x" }, false, Mode::Open, 1, "at least 1" },
     { { "study", "--select", "12,x" }, false, Mode::Open, 4, "--select takes case ids" },
-    { { "--screenshots", "out" }, false, Mode::Open, 1, "needs a study folder" },
-    { { "a", "b" }, false, Mode::Open, 1, "one study folder at most" },
+    { { "--screenshots", "out" }, false, Mode::Open, 1, "needs a study" },
+    { { "a", "b" }, false, Mode::Open, 1, "one study at most" },
     { { "--no-such-option" }, false, Mode::Open, 1, "no-such-option" },
     { { "db", "--rebase", "/old" }, false, Mode::Open, 1, "--rebase takes OLD=NEW" },
   };
@@ -393,18 +393,19 @@ TEST_F(ExplorerWindowTest, TheChartShowsEditsAtOnceWithWholePointsRingedSelectio
   const QImage shown = widget->grabFramebuffer();
   const auto pixelOf = [&](unsigned long long id)
   {
-    const auto [x, y] = testsupport::valuesOfCase(points, id);
+    const auto [x, y] = testsupport::valuesAtRow(points, scatter->rowOfCase(id));
     return QPoint(qRound(testsupport::pixelOf(*points.GetXAxis(), 0, x)),
                   shown.height() - 1 - qRound(testsupport::pixelOf(*points.GetYAxis(), 1, y)));
   };
   const auto darkAround = [&](QPoint at)
   {
-    // The ring spans radii 4.5 to 7 pixels; a plain marker ends at 3.5.
+    // Among a few hundred points a marker ends at 4.5 pixels, a selected one at 5.5 in a ring
+    // up to 8.
     int dark = 0;
     for (const QPoint direction : { QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1) })
     {
       bool found = false;
-      for (int radius : { 5, 6 })
+      for (int radius : { 6, 7 })
         found = found || qGray(shown.pixel(at + radius * direction)) < 70;
       dark += found ? 1 : 0;
     }
@@ -517,7 +518,7 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
     banded[mode] = window->selection().getSelections();
 
     window->selection().setSelection({});
-    const auto [x, y] = testsupport::valuesOfCase(scatter->points(), 1008);
+    const auto [x, y] = testsupport::valuesAtRow(scatter->points(), scatter->rowOfCase(1008));
     item.MouseButtonPressEvent(mouseAt(x, y));
     item.MouseButtonReleaseEvent(mouseAt(x, y));
     clicked[mode] = window->selection().getSelections();

@@ -41,16 +41,13 @@ vtkContextMouseEvent mouseAt(vtkChart& chart,
   return event;
 }
 
-std::pair<double, double> valuesOfCase(vtkPlotPoints& points, unsigned long long id)
+std::pair<double, double> valuesAtRow(vtkPlotPoints& points, vtkIdType row)
 {
   vtkTable* table = points.GetInput();
-  for (vtkIdType row = 0; table && row < table->GetNumberOfRows(); ++row)
-  {
-    if (table->GetValue(row, 0).ToDouble() == static_cast<double>(id))
-      return { table->GetValueByName(row, points.GetXAxis()->GetTitle().c_str()).ToDouble(),
-               table->GetValueByName(row, points.GetYAxis()->GetTitle().c_str()).ToDouble() };
-  }
-  return { std::nan(""), std::nan("") };
+  if (!table || row < 0 || row >= table->GetNumberOfRows())
+    return { std::nan(""), std::nan("") };
+  return { table->GetValueByName(row, points.GetXAxis()->GetTitle().c_str()).ToDouble(),
+           table->GetValueByName(row, points.GetYAxis()->GetTitle().c_str()).ToDouble() };
 }
 
 } // namespace testsupport

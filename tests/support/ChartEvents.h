@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vtkType.h>
+
 // Mouse events for charts at data coordinates, as a user's pointer over a drawn chart makes them.
 
 #include <vtkContextMouseEvent.h>
@@ -27,8 +29,8 @@ vtkContextMouseEvent mouseAt(vtkChart& chart,
                              float dx = 0,
                              float dy = 0);
 
-/// The values a plot of points shows for a case (its id in column 0), by the titles of its axes;
-/// NaN when the plot does not show the case.
-std::pair<double, double> valuesOfCase(vtkPlotPoints& points, unsigned long long id);
+/// The values a plot of points shows at a row of its table, by the titles of its axes; NaN for a
+/// row it does not have.
+std::pair<double, double> valuesAtRow(vtkPlotPoints& points, vtkIdType row);
 
 } // namespace testsupport

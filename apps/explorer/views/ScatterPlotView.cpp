@@ -48,6 +48,7 @@
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkIdList.h>
 #include <vtkIdTypeArray.h>
+#include <vtkIntArray.h>
 #include <vtkLookupTable.h>
 #include <vtkPen.h>
 #include <vtkPlotPoints.h>
@@ -254,6 +255,9 @@ struct ScatterPlotView::Impl
   std::unique_ptr<DataView2DSelectionSynchronizer> synchronizer;
   vtkSmartPointer<vtkPxCommandProxy> pressObserver;
   vtkSmartPointer<vtkPxCommandProxy> releaseObserver;
+  vtkSmartPointer<vtkPxCommandProxy> afterReleaseObserver;
+  // The axes' ranges when the left button went down: x from, x to, y from, y to.
+  double rangesAtPress[4] = { 0, 0, 0, 0 };
   // A fit asked for before the widget could draw: the chart learns its bounds only while it
   // paints, so the fit is made again on the first refresh once the widget is shown.
   bool pendingFit = false;
@@ -357,8 +361,12 @@ struct ScatterPlotView::Impl
   {
     vtkTable* table = points->GetInput();
     const vtkIdType rows = table ? table->GetNumberOfRows() : 0;
-    // A few points are drawn larger, so that they are seen at once.
-    points->SetMarkerSize(rows <= fewPoints ? 9 : 7);
+    // A few points are drawn larger, so that they are seen at once; a selected point is drawn
+    // a little larger still, in a dark ring.
+    const float size = rows <= fewPoints ? 9 : 7;
+    points->SetMarkerSize(size);
+    selectedFill->SetMarkerSize(size + 2);
+    selectedRing->SetMarkerSize(size + 7);
     const short mode = pointsMode->value();
     points->SetDrawDensity(mode == DensityPoints ||
                            (mode == AutomaticPoints && rows > densityAbove));
@@ -419,6 +427,9 @@ struct ScatterPlotView::Impl
   // legend never covers a point. Runs before each render, when the view's size is known.
   void layOut()
   {
+    for (const auto& [details, which] : { std::make_pair(xAxis.get(), int(vtkAxis::BOTTOM)),
+                                          std::make_pair(yAxis.get(), int(vtkAxis::LEFT)) })
+      placeCustomTicks(*details, *chart->GetAxis(which));
     const int* size = window->GetSize();
     if (size[0] <= 0 || size[1] <= 0)
       return;
@@ -445,6 +456,32 @@ struct ScatterPlotView::Impl
     legendNote->SetPosition(width - margin + 8, 6);
     representation->SetPosition((width - margin + 8) / width, 50.0 / height);
     representation->SetPosition2((margin - 16) / width, std::max(0.1, 1.0 - 80.0 / height));
+  }
+
+  // A custom grid spacing puts a tick on every multiple of the spacing inside the range. The axis
+  // settings start the ticks at the multiple nearest zero from the minimum, which can lie below
+  // the range and leave it without a label (198 to 242 by 50), and can read "-0"; the ticks are
+  // placed again here before each draw.
+  static void placeCustomTicks(AxisDetailsInterface& details, vtkAxis& axis)
+  {
+    if (!details.useCustomGridSpacing()->value())
+      return;
+    const double spacing = details.gridSpacing()->value();
+    const double low = std::min(axis.GetMinimum(), axis.GetMaximum());
+    const double high = std::max(axis.GetMinimum(), axis.GetMaximum());
+    if (!(spacing > 0) || !std::isfinite(low) || !std::isfinite(high) ||
+        (high - low) / spacing > 10000)
+      return;
+    auto positions = vtkSmartPointer<vtkDoubleArray>::New();
+    for (double k = std::ceil(low / spacing); k <= std::floor(high / spacing); ++k)
+      positions->InsertNextValue(multipleOf(k, spacing) + 0.0); // + 0.0: never "-0"
+    vtkDoubleArray* placed = axis.GetTickPositions();
+    const bool same = placed && placed->GetNumberOfTuples() == positions->GetNumberOfTuples() &&
+                      std::equal(positions->GetPointer(0),
+                                 positions->GetPointer(0) + positions->GetNumberOfTuples(),
+                                 placed->GetPointer(0));
+    if (!same)
+      axis.SetCustomTickPositions(positions, nullptr);
   }
 
   void legendMoved()
@@ -488,10 +525,31 @@ struct ScatterPlotView::Impl
     const float* end = axis->GetPoint2();
     const double pixels = std::hypot(end[0] - start[0], end[1] - start[1]);
     const double marker = pixels > 0 ? span * points->GetMarkerSize() / pixels : 0;
-    const double margin = std::max(0.04 * span, marker);
+    const double margin =
+      std::max({ 0.04 * span, marker, halfGap(which == vtkAxis::BOTTOM ? *x : *y) });
     const double step = makeNiceNumber(span / 100);
     axis->SetRange(multipleOf(std::floor((min - margin) / step), step),
                    multipleOf(std::ceil((max + margin) / step), step));
+  }
+
+  // Half the mean gap between the values of a discrete variable: its first and last values then
+  // sit as far from the ends of the axis as from their neighbours, as columns of a sweep do.
+  double halfGap(const plexa::PropertyAbstract<WeakPtr<Variable>>& axisVariable) const
+  {
+    const Variable variable = axisVariable.value().lock();
+    const auto* values = variable.isNull() || variable.nature() != Variable::Discrete
+                           ? nullptr
+                           : project->numericValues(variable);
+    if (!values)
+      return 0;
+    std::vector<double> distinct;
+    for (double value : *values)
+      if (!std::isnan(value) &&
+          std::find(distinct.begin(), distinct.end(), value) == distinct.end())
+        distinct.push_back(value);
+    const auto range = variable.range();
+    return distinct.size() < 2 ? 0
+                               : (range.second - range.first) / (2.0 * (distinct.size() - 1));
   }
 
   void render() { draws.now(); }
@@ -619,14 +677,10 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->keys = context.keys;
   d->plottable = vtkSmartPointer<vtkCaseKeysFilter>::New();
   d->plottable->SetKeys(d->keys);
-  const auto caseOfRow = [impl = d.get()](vtkIdType row, unsigned long long& caseId)
-  {
-    vtkTable* table = impl->points->GetInput();
-    return table && row < table->GetNumberOfRows() &&
-           impl->keys->caseIdOf(
-             static_cast<unsigned long long>(table->GetValue(row, 0).ToInt()), caseId);
-  };
-  d->points->SetCaseIdOfRow(caseOfRow);
+  const auto caseOfKey = [keys = d->keys](long long key, unsigned long long& caseId)
+  { return key >= 0 && keys->caseIdOf(static_cast<unsigned long long>(key), caseId); };
+  for (vtkDensityPlotPoints* plot : { d->points.Get(), d->selectedRing.Get(), d->selectedFill.Get() })
+    plot->SetCaseIdOfKey(caseOfKey);
   d->plottable->SetInputConnection(pipeline.output()->GetOutputPort());
   d->validPoints->SetInputConnection(d->plottable->GetOutputPort());
 
@@ -672,23 +726,46 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
 
   // A click without a drag outside Select mode picks the case under the mouse; in Select mode
   // the chart's own click selection does it.
-  d->pressObserver =
-    vtkPxCommandProxy::New([this] { d->widget->interactor()->GetEventPosition(d->pressPosition); });
-  d->releaseObserver = vtkPxCommandProxy::New(
+  // Outside Select mode a click on empty space keeps the selection: the user meant to pan or zoom.
+  d->pressObserver = vtkPxCommandProxy::New(
     [this]
     {
-      int* at = d->widget->interactor()->GetEventPosition();
-      const bool click =
-        std::abs(at[0] - d->pressPosition[0]) < 3 && std::abs(at[1] - d->pressPosition[1]) < 3;
-      if (click && mouseMode()->value() != Select)
-      {
-        d->clickPosition[0] = at[0];
-        d->clickPosition[1] = at[1];
-        adjustSelectionForMouseClickAtPoint();
-      }
+      d->widget->interactor()->GetEventPosition(d->pressPosition);
+      for (int i = 0; i < 2; ++i)
+        d->chart->GetAxis(i == 0 ? vtkAxis::BOTTOM : vtkAxis::LEFT)
+          ->GetRange(d->rangesAtPress + 2 * i);
     });
-  d->widget->interactor()->AddObserver(vtkCommand::LeftButtonPressEvent, d->pressObserver, 1.0);
-  d->widget->interactor()->AddObserver(vtkCommand::LeftButtonReleaseEvent, d->releaseObserver, 1.0);
+  const auto clicked = [this]
+  {
+    const int* at = d->widget->interactor()->GetEventPosition();
+    return std::abs(at[0] - d->pressPosition[0]) < 3 && std::abs(at[1] - d->pressPosition[1]) < 3;
+  };
+  d->releaseObserver = vtkPxCommandProxy::New(
+    [this, clicked]
+    {
+      int* at = d->widget->interactor()->GetEventPosition();
+      unsigned long long id = 0;
+      d->clickPosition[0] = at[0];
+      d->clickPosition[1] = at[1];
+      if (clicked() && mouseMode()->value() != Select && caseIDAtPoint(id))
+        adjustSelectionForMouseClickAtPoint();
+    });
+  // The chart zooms into a box of a few pixels around a click: a click is no zoom, so the axes
+  // get their ranges back once the chart has taken the release.
+  d->afterReleaseObserver = vtkPxCommandProxy::New(
+    [this, clicked]
+    {
+      if (!clicked() || mouseMode()->value() != Zoom)
+        return;
+      for (int i = 0; i < 2; ++i)
+        d->chart->GetAxis(i == 0 ? vtkAxis::BOTTOM : vtkAxis::LEFT)
+          ->SetRange(d->rangesAtPress[2 * i], d->rangesAtPress[2 * i + 1]);
+      refresh();
+    });
+  vtkRenderWindowInteractor* mouse = d->widget->interactor();
+  mouse->AddObserver(vtkCommand::LeftButtonPressEvent, d->pressObserver, 1.0);
+  mouse->AddObserver(vtkCommand::LeftButtonReleaseEvent, d->releaseObserver, 1.0);
+  mouse->AddObserver(vtkCommand::LeftButtonReleaseEvent, d->afterReleaseObserver, -1.0);
 
   const auto replot = [this]
   {
@@ -801,6 +878,7 @@ ScatterPlotView::~ScatterPlotView()
   {
     d->widget->interactor()->RemoveObserver(d->pressObserver);
     d->widget->interactor()->RemoveObserver(d->releaseObserver);
+    d->widget->interactor()->RemoveObserver(d->afterReleaseObserver);
     d->widget->interactor()->RemoveObserver(d->swallowKeys);
     delete d->widget;
   }
@@ -931,6 +1009,19 @@ void ScatterPlotView::fitAxis(int which)
 vtkPlotPoints& ScatterPlotView::points() const
 {
   return *d->points;
+}
+
+long long ScatterPlotView::rowOfCase(unsigned long long caseId) const
+{
+  vtkTable* table = d->points->GetInput();
+  unsigned long long key = 0;
+  if (!table || table->GetNumberOfColumns() == 0 || !d->keys->keyOf(caseId, key))
+    return -1;
+  auto* keys = vtkIntArray::SafeDownCast(table->GetColumn(0));
+  for (vtkIdType row = 0; keys && row < keys->GetNumberOfTuples(); ++row)
+    if (static_cast<unsigned long long>(keys->GetValue(row)) == key)
+      return row;
+  return -1;
 }
 
 boost::shared_ptr<plexa::PropertyAbstract<short>> ScatterPlotView::pointsMode() const

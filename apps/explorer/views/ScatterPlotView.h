@@ -51,6 +51,9 @@ public:
   void fitAxis(int axis);
   /// The points plot and the number of its rows that are selected.
   vtkPlotPoints& points() const;
+  /// The row of the points plot's table that shows a case, or -1. The table's column 0 holds
+  /// case keys (see CaseKeys), not case ids.
+  long long rowOfCase(unsigned long long caseId) const;
   /// How the points are drawn: one marker each, or a density image (binned, costing the plot
   /// area rather than the points), or markers up to 25,000 points and density above.
   enum PointsMode : short
