@@ -297,9 +297,11 @@ struct ScatterPlot3DView::Impl
   // box's own ticks, eight to ten per axis, run together on an axis seen at a slant.
   void labelAxis(int axis, std::pair<double, double> range)
   {
+    // An axis without a variable has a range of nothing.
+    range = niceRange(range);
     const double step = makeNiceNumber((range.second - range.first) / 4);
     auto labels = vtkSmartPointer<vtkStringArray>::New();
-    for (double value = range.first; value <= range.second + step / 2; value += step)
+    for (double value = range.first; step > 0 && value <= range.second + step / 2; value += step)
     {
       char text[32];
       std::snprintf(text, sizeof text, "%g", std::abs(value) < step / 1e6 ? 0.0 : value);

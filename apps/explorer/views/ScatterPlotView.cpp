@@ -1045,6 +1045,16 @@ int ScatterPlotView::highlightedPoints() const
   return selection ? static_cast<int>(selection->GetNumberOfTuples()) : 0;
 }
 
+std::string ScatterPlotView::notes() const
+{
+  return d->notes->GetVisibility() ? d->notes->GetInput() : std::string();
+}
+
+std::string ScatterPlotView::legendNote() const
+{
+  return d->legendNote->GetVisibility() ? d->legendNote->GetInput() : std::string();
+}
+
 bool ScatterPlotView::caseIDAtPoint(unsigned long long& caseID)
 {
   vtkTable* table = d->points->GetInput();

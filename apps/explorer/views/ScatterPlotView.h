@@ -68,6 +68,10 @@ public:
   /// The chart, for mouse events sent to it directly.
   ChartXY& chart() const;
   int highlightedPoints() const;
+  /// What the plot says over its points: the cases it leaves out and why, or why it shows
+  /// nothing; and under the legend, the cases drawn grey for want of a colour value.
+  std::string notes() const;
+  std::string legendNote() const;
 
 protected:
   bool caseIDAtPoint(unsigned long long& caseID) override;

@@ -1,0 +1,120 @@
+// Case keys: the dense keys the explorer's plots carry instead of 64-bit case ids, and the
+// selection and case order built on them.
+
+#include "CaseKeys.h"
+#include "CaseOrder.h"
+#include "KeyedSelectionModel.h"
+
+#include "analyzer_common/SelectionModel.h"
+
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using explorer::CaseKeys;
+using Set = std::set<unsigned long long>;
+
+namespace
+{
+
+constexpr unsigned long long top = std::numeric_limits<unsigned long long>::max();
+
+} // namespace
+
+TEST(CaseKeys, TranslateEveryIdOfAnyShapeBothWays)
+{
+  const struct
+  {
+    const char* shape;
+    std::vector<unsigned long long> ids;
+  } studies[] = {
+    { "sequential from 1000", { 1000, 1001, 1002, 1003 } },
+    { "sorted with gaps", { 5, 17, 2147483647, 2147483648, 4294967296, top } },
+    { "unsorted, at the ends of the range", { top, 0, 9223372036854775808ULL, 4000000000, 5 } },
+    { "one case", { 42 } },
+  };
+  for (const auto& study : studies)
+  {
+    const CaseKeys keys(study.ids);
+    ASSERT_EQ(keys.size(), study.ids.size()) << study.shape;
+    for (std::size_t position = 0; position < study.ids.size(); ++position)
+    {
+      unsigned long long key = 99;
+      unsigned long long id = 99;
+      ASSERT_TRUE(keys.keyOf(study.ids[position], key)) << study.shape;
+      EXPECT_EQ(key, position) << study.shape << ": the key is the place in the study";
+      ASSERT_TRUE(keys.caseIdOf(key, id)) << study.shape;
+      EXPECT_EQ(id, study.ids[position]) << study.shape;
+    }
+    unsigned long long unused = 7;
+    EXPECT_FALSE(keys.keyOf(3, unused)) << study.shape << ": an id the study lacks";
+    EXPECT_FALSE(keys.caseIdOf(study.ids.size(), unused)) << study.shape << ": a key too far";
+    EXPECT_EQ(unused, 7u) << study.shape << ": a refusal leaves the answer alone";
+
+    // Whole selections, with ids and keys the study lacks left out.
+    const Set all(study.ids.begin(), study.ids.end());
+    Set withStrangers = all;
+    withStrangers.insert({ 3, 6, 999 });
+    const Set allKeys = keys.keysOf(withStrangers);
+    EXPECT_EQ(allKeys.size(), study.ids.size()) << study.shape;
+    Set keysWithStrangers = allKeys;
+    keysWithStrangers.insert(study.ids.size() + 10);
+    EXPECT_EQ(keys.caseIdsOf(keysWithStrangers), all) << study.shape;
+  }
+}
+
+TEST(CaseKeys, AManyCaseSelectionOfSortedIdsIsFoundInOneWalk)
+{
+  // Sorted, not sequential: the walk along both lists must find exactly the even ids.
+  std::vector<unsigned long long> ids;
+  for (unsigned long long i = 0; i < 1000; ++i)
+    ids.push_back(3 * i + (i > 500 ? 4000000000ULL : 0));
+  const CaseKeys keys(ids);
+  Set selected;
+  Set expectedKeys;
+  for (std::size_t i = 0; i < ids.size(); i += 2)
+  {
+    selected.insert(ids[i]);
+    selected.insert(ids[i] + 1); // not a case
+    expectedKeys.insert(i);
+  }
+  EXPECT_EQ(keys.keysOf(selected), expectedKeys);
+}
+
+TEST(KeyedSelectionModel, PlotsSelectInKeysWhileTheMasterHoldsCaseIds)
+{
+  const std::vector<unsigned long long> ids = { top, 5, 4294967296, 2147483648 };
+  auto master = boost::make_shared<SelectionModel>();
+  explorer::KeyedSelectionModel keyed(master, std::make_shared<CaseKeys>(ids));
+  std::vector<Set> heard;
+  const auto connection =
+    keyed.connectSignalSelectionChanged([&](const Set& keys) { heard.push_back(keys); });
+
+  keyed.setSelection({ 0, 3 });
+  EXPECT_EQ(master->getSelections(), (Set{ top, 2147483648 }));
+  master->setSelection({ 5, 4294967296 });
+  EXPECT_EQ(keyed.getSelections(), (Set{ 1, 2 }));
+  ASSERT_EQ(heard.size(), 2u);
+  EXPECT_EQ(heard.back(), (Set{ 1, 2 })) << "a master change is heard in keys";
+  connection.disconnect();
+}
+
+TEST(CaseOrder, SelectedCasesFollowTheTablesOrder)
+{
+  const std::vector<unsigned long long> ids = { 10, 20, 30, 40, 50 };
+  explorer::CaseOrder order(std::make_shared<CaseKeys>(ids));
+  int changes = 0;
+  const auto connection = order.connectChanged([&] { ++changes; });
+  const Set selected = { 50, 20, 40, 77 };
+  EXPECT_EQ(order.sorted(selected), (std::vector<unsigned long long>{ 20, 40, 50, 77 }))
+    << "the study's order; an unknown id last";
+  // A table sorted and filtered: 40 and 10 shown, in that order; the others follow in the
+  // study's order.
+  order.setOrder({ 40, 10 });
+  EXPECT_EQ(order.sorted(selected), (std::vector<unsigned long long>{ 40, 20, 50, 77 }));
+  order.setOrder({});
+  EXPECT_EQ(order.sorted(selected), (std::vector<unsigned long long>{ 20, 40, 50, 77 }));
+  EXPECT_EQ(changes, 2);
+  connection.disconnect();
+}
