@@ -254,7 +254,7 @@ int openWindow(const Options& options, std::ostream& err)
   ExplorerWindow window;
   window.setPathRebases(options.rebases);
   // On screen before the study is read: the reading's progress shows over the window.
-  window.resize(1600, 1000);
+  window.rememberLayout();
   window.show();
   QApplication::processEvents();
   prepareWindow(window, options, true, err);

@@ -41,6 +41,7 @@
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QScrollArea>
+#include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -107,6 +108,7 @@ struct ExplorerWindow::Impl
   // The owner of the window's own undo steps (loading settings): they do nothing once it is gone.
   DeleteSignaler undoOwner;
   std::vector<PathRebase> rebases;
+  bool remembersLayout = false;
 
   void stopPreloader()
   {
@@ -151,6 +153,8 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
   d->filesNote = new QLabel();
   d->filesNote->setObjectName("filesNote");
   d->filesNote->setStyleSheet("color: #a00000");
+  for (QLabel* label : { d->selectionCount, d->shownCount, d->filesNote })
+    label->setContentsMargins(10, 0, 10, 0);
   statusBar()->addPermanentWidget(d->filesNote);
   statusBar()->addPermanentWidget(d->shownCount);
   statusBar()->addPermanentWidget(d->selectionCount);
@@ -333,6 +337,8 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->splitter->setSizes(scaled(mainSizes, 650) << 600);
   d->splitter->show();
   side->setSizes(scaled(sideSizes, 830));
+  if (d->remembersLayout)
+    restoreSplitters();
 
   auto* panel = new SettingsPanel(
     d->project, *d->pipeline, views(), [this](const QString& message) { report(message); });
@@ -364,6 +370,38 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->studyConnections.add(d->pipeline->connectSignalPipelineChanged([this] { showShownCount(); }));
   d->studyConnections.add(
     d->files->locations()->connectSignalPropertyChanged([this] { showMissingFiles(); }));
+}
+
+void ExplorerWindow::rememberLayout()
+{
+  d->remembersLayout = true;
+  const QSettings settings;
+  if (!restoreGeometry(settings.value("window/geometry").toByteArray()))
+    resize(1600, 1000);
+  restoreState(settings.value("window/state").toByteArray());
+  restoreSplitters();
+}
+
+void ExplorerWindow::restoreSplitters()
+{
+  const QSettings settings;
+  d->splitter->restoreState(settings.value("window/mainPanes").toByteArray());
+  if (auto* side = qobject_cast<QSplitter*>(d->splitter->widget(d->splitter->count() - 1)))
+    side->restoreState(settings.value("window/sidePanes").toByteArray());
+}
+
+void ExplorerWindow::closeEvent(QCloseEvent* event)
+{
+  if (d->remembersLayout)
+  {
+    QSettings settings;
+    settings.setValue("window/geometry", saveGeometry());
+    settings.setValue("window/state", saveState());
+    settings.setValue("window/mainPanes", d->splitter->saveState());
+    if (auto* side = qobject_cast<QSplitter*>(d->splitter->widget(d->splitter->count() - 1)))
+      settings.setValue("window/sidePanes", side->saveState());
+  }
+  QMainWindow::closeEvent(event);
 }
 
 void ExplorerWindow::showSelectionCount(std::size_t selected)

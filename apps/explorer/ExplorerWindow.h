@@ -64,11 +64,19 @@ public:
   /// How File > Open rewrites the paths of Cinema databases written elsewhere.
   void setPathRebases(std::vector<PathRebase> rebases);
 
+  /// Takes the size, place and pane widths the window had when it was last closed (in the
+  /// application's settings), and keeps them for next time when it closes.
+  void rememberLayout();
+
   /// Decodes every image of the study in the background, with a progress bar, so that the
   /// image matrix finds them ready.
   void preloadImages();
 
+protected:
+  void closeEvent(QCloseEvent* event) override;
+
 private:
+  void restoreSplitters();
   void createActions();
   void openStudy();
   void openSettings();

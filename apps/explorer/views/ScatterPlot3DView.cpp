@@ -4,6 +4,7 @@
 #include "ChangesWhileHidden.h"
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
+#include "VtkFonts.h"
 #include "analyzer_common/NiceNumber.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "common_vtk/vtkPxCommandProxy.h"
@@ -472,6 +473,8 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   {
     d->box->GetTitleTextProperty(axis)->SetColor(0.1, 0.1, 0.1);
     d->box->GetLabelTextProperty(axis)->SetColor(0.25, 0.25, 0.25);
+    useSystemFont(*d->box->GetTitleTextProperty(axis));
+    useSystemFont(*d->box->GetLabelTextProperty(axis));
   }
   for (vtkProperty* lines : { d->box->GetXAxesLinesProperty(),
                               d->box->GetYAxesLinesProperty(),
@@ -497,6 +500,7 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
     text->SetFontSize(12);
     text->ShadowOff();
     text->ItalicOff();
+    useSystemFont(*text);
   }
   d->renderer->AddActor2D(d->colourBar);
 

@@ -4,6 +4,7 @@
 #include "KeyedSelectionModel.h"
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
+#include "VtkFonts.h"
 #include "vtkCaseKeysFilter.h"
 #include "vtkDensityPlotPoints.h"
 
@@ -37,6 +38,7 @@
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPointer>
+#include <QTimer>
 #include <QVTKOpenGLNativeWidget.h>
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
@@ -60,9 +62,11 @@
 #include <vtkTableAlgorithm.h>
 #include <vtkTextActor.h>
 #include <vtkTextProperty.h>
+#include <vtkTooltipItem.h>
 
 #include <array>
 #include <cmath>
+#include <cstring>
 
 namespace explorer
 {
@@ -255,7 +259,6 @@ struct ScatterPlotView::Impl
   std::unique_ptr<DataView2DSelectionSynchronizer> synchronizer;
   vtkSmartPointer<vtkPxCommandProxy> pressObserver;
   vtkSmartPointer<vtkPxCommandProxy> releaseObserver;
-  vtkSmartPointer<vtkPxCommandProxy> afterReleaseObserver;
   // The axes' ranges when the left button went down: x from, x to, y from, y to.
   double rangesAtPress[4] = { 0, 0, 0, 0 };
   // A fit asked for before the widget could draw: the chart learns its bounds only while it
@@ -475,11 +478,12 @@ struct ScatterPlotView::Impl
     auto positions = vtkSmartPointer<vtkDoubleArray>::New();
     for (double k = std::ceil(low / spacing); k <= std::floor(high / spacing); ++k)
       positions->InsertNextValue(multipleOf(k, spacing) + 0.0); // + 0.0: never "-0"
+    // Compared bit for bit: -0 equals 0 as a number.
     vtkDoubleArray* placed = axis.GetTickPositions();
     const bool same = placed && placed->GetNumberOfTuples() == positions->GetNumberOfTuples() &&
-                      std::equal(positions->GetPointer(0),
-                                 positions->GetPointer(0) + positions->GetNumberOfTuples(),
-                                 placed->GetPointer(0));
+                      std::memcmp(positions->GetPointer(0),
+                                  placed->GetPointer(0),
+                                  sizeof(double) * positions->GetNumberOfTuples()) == 0;
     if (!same)
       axis.SetCustomTickPositions(positions, nullptr);
   }
@@ -671,6 +675,16 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   d->legendNote->GetTextProperty()->SetColor(0.45, 0.45, 0.45);
   d->legendNote->SetVisibility(false);
   d->view->GetRenderer()->AddActor2D(d->legendNote);
+  for (vtkTextProperty* text : { d->notes->GetTextProperty(),
+                                 d->legendNote->GetTextProperty(),
+                                 bar->GetLabelTextProperty(),
+                                 bar->GetTitleTextProperty(),
+                                 d->chart->GetTooltip()->GetTextProperties(),
+                                 d->chart->GetAxis(vtkAxis::BOTTOM)->GetTitleProperties(),
+                                 d->chart->GetAxis(vtkAxis::BOTTOM)->GetLabelProperties(),
+                                 d->chart->GetAxis(vtkAxis::LEFT)->GetTitleProperties(),
+                                 d->chart->GetAxis(vtkAxis::LEFT)->GetLabelProperties() })
+    useSystemFont(*text);
 
   // A case is plotted when it has X and Y; a missing colour value is drawn grey.
   d->validPoints = InvalidPointsFilter::New({ d->x, d->y });
@@ -747,25 +761,29 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
       unsigned long long id = 0;
       d->clickPosition[0] = at[0];
       d->clickPosition[1] = at[1];
-      if (clicked() && mouseMode()->value() != Select && caseIDAtPoint(id))
-        adjustSelectionForMouseClickAtPoint();
-    });
-  // The chart zooms into a box of a few pixels around a click: a click is no zoom, so the axes
-  // get their ranges back once the chart has taken the release.
-  d->afterReleaseObserver = vtkPxCommandProxy::New(
-    [this, clicked]
-    {
-      if (!clicked() || mouseMode()->value() != Zoom)
+      if (!clicked() || mouseMode()->value() == Select)
         return;
-      for (int i = 0; i < 2; ++i)
-        d->chart->GetAxis(i == 0 ? vtkAxis::BOTTOM : vtkAxis::LEFT)
-          ->SetRange(d->rangesAtPress[2 * i], d->rangesAtPress[2 * i + 1]);
-      refresh();
+      if (caseIDAtPoint(id))
+        adjustSelectionForMouseClickAtPoint();
+      // The chart zooms into a box of a few pixels around a click, a hand's tremor between press
+      // and release: a click is no zoom, so the axes get their ranges back once the chart has
+      // taken the release (this observer runs before it).
+      if (mouseMode()->value() == Zoom)
+        QTimer::singleShot(0,
+                           d->widget,
+                           [impl = d.get(), ranges = std::vector<double>(
+                                              d->rangesAtPress, d->rangesAtPress + 4)]
+                           {
+                             for (int i = 0; i < 2; ++i)
+                               impl->chart->GetAxis(i == 0 ? vtkAxis::BOTTOM : vtkAxis::LEFT)
+                                 ->SetRange(ranges[2 * i], ranges[2 * i + 1]);
+                             impl->chart->Update();
+                             impl->render();
+                           });
     });
   vtkRenderWindowInteractor* mouse = d->widget->interactor();
   mouse->AddObserver(vtkCommand::LeftButtonPressEvent, d->pressObserver, 1.0);
   mouse->AddObserver(vtkCommand::LeftButtonReleaseEvent, d->releaseObserver, 1.0);
-  mouse->AddObserver(vtkCommand::LeftButtonReleaseEvent, d->afterReleaseObserver, -1.0);
 
   const auto replot = [this]
   {
@@ -878,7 +896,6 @@ ScatterPlotView::~ScatterPlotView()
   {
     d->widget->interactor()->RemoveObserver(d->pressObserver);
     d->widget->interactor()->RemoveObserver(d->releaseObserver);
-    d->widget->interactor()->RemoveObserver(d->afterReleaseObserver);
     d->widget->interactor()->RemoveObserver(d->swallowKeys);
     delete d->widget;
   }
@@ -978,10 +995,7 @@ ColorLegend& ScatterPlotView::colorLegend() const
 
 void ScatterPlotView::fitToData()
 {
-  if (!d->widget || !d->widget->isVisible())
-  {
-    d->pendingFit = true;
-  }
+  d->pendingFit = !d->widget || !d->widget->isVisible();
   {
     const ScopedValue<bool> fitting(d->fitting, true);
     vtkChartUtils::fitData(*d->chart, *this);
