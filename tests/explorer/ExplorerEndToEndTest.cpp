@@ -191,3 +191,32 @@ TEST(ExplorerProgram, HelpNeedsNoDisplay)
   EXPECT_TRUE(help.contains("--generate-sample"));
   EXPECT_TRUE(help.contains("Cinema database")) << "the formats it opens are named";
 }
+
+TEST_F(Explorer, TheScreenshotsShowTheSavedAxisRangesAndExportsKeepTheFilesPaths)
+{
+  // Saved ranges are what the pictures show, not a fit made once the window is drawn.
+  const std::string settings = output.write(
+    "ranges.xml",
+    "<ExplorerSettings><ScatterPlot2D><XMin>20</XMin><XMax>40</XMax><YMin>-5</YMin>"
+    "<YMax>333</YMax></ScatterPlot2D></ExplorerSettings>");
+  const QString shots = QString::fromStdString(output.filePath("shots"));
+  ExplorerRun run = explorer({ QString::fromStdString(study->path()),
+                               "--settings",
+                               QString::fromStdString(settings),
+                               "--screenshots",
+                               shots });
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const std::string saved = testsupport::readFile(output.filePath("shots/settings.xml"));
+  for (const char* element : { "<XMin>20</XMin>", "<XMax>40</XMax>", "<YMax>333</YMax>" })
+    EXPECT_NE(saved.find(element), std::string::npos) << element << " in\n" << saved;
+
+  // A Cinema database exported keeps its FILE columns as paths.
+  TemporaryFolder db;
+  db.write("data.csv",
+           "phi,theta,FILE\n0,0,images/a.png\n0,45,images/b.png\n90,0,\n90,45,images/d.png\n");
+  run = explorer({ QString::fromStdString(db.path()), "--screenshots", shots });
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const std::string exported = testsupport::readFile(output.filePath("shots/cases.csv"));
+  EXPECT_NE(exported.find("FILE"), std::string::npos) << exported;
+  EXPECT_NE(exported.find("images/d.png"), std::string::npos) << exported;
+}

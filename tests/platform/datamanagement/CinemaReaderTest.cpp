@@ -118,6 +118,15 @@ TEST(CinemaReader, PathsOutsideTheFolderAreRefusedWithTheirRowUnlessRebased)
   EXPECT_EQ(project->auxFiles()[1].lock().filePath(), "/home/me/runs/run2/b.png");
   EXPECT_EQ(project->auxFiles()[2].lock().relativePath(), "inside.png")
     << "an absolute path inside the folder needs no rebase";
+
+  // A URL names a file elsewhere: kept as written, never joined to the folder, unless rebased.
+  db.write("data.csv", "x,FILE\n1,https://host/study/a.png\n2,HTTP://host/b.png\n");
+  const auto remote = readCinemaDatabase(db.path(), { { "http://", "/never" } });
+  EXPECT_EQ(remote->auxFiles()[0].lock().filePath(), "https://host/study/a.png");
+  EXPECT_EQ(remote->auxFiles()[0].lock().relativePath(), "https://host/study/a.png");
+  EXPECT_EQ(remote->auxFiles()[1].lock().filePath(), "HTTP://host/b.png");
+  const auto rebased = readCinemaDatabase(db.path(), { { "https://host/", "/home/me/" } });
+  EXPECT_EQ(rebased->auxFiles()[0].lock().filePath(), "/home/me/study/a.png");
 }
 
 TEST(CinemaReader, MalformedDatabasesNameTheirProblem)
