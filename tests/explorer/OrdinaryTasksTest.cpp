@@ -324,3 +324,22 @@ TEST_F(OrdinaryTasks, TheWindowReopensWithItsSizeAndPanes)
   EXPECT_EQ(second.size(), size);
   EXPECT_EQ(qobject_cast<QSplitter*>(second.centralWidget())->sizes(), panes);
 }
+
+TEST_F(OrdinaryTasks, TheChartActionsStayWithTheChartWhenAnotherViewHasTheFocus)
+{
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  QAction* fit = nullptr;
+  for (QAction* action : window->findChildren<QAction*>())
+    if (action->text() == "Fit to Data")
+      fit = action;
+  ASSERT_NE(fit, nullptr);
+  widget->setFocus();
+  QApplication::processEvents();
+  EXPECT_TRUE(fit->isEnabled());
+  window->view<explorer::CasesTableView>()->table().setFocus();
+  window->findChild<QLineEdit*>("findCase")->setFocus();
+  QApplication::processEvents();
+  EXPECT_TRUE(fit->isEnabled()) << "a click in the table leaves Fit to Data to the chart";
+  EXPECT_EQ(window->currentView(), scatter);
+}

@@ -13,6 +13,7 @@
 #include "views/SelectedImageView.h"
 
 #include "analyzer_common/SelectionModel.h"
+#include "charts/AxisDetailsInterface.h"
 #include "charts/ChartXY.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
@@ -415,4 +416,22 @@ TEST_F(StudyShapes, ImageViewsShowImagesOnlyAndFilesAtURLsOnceLocated)
   EXPECT_EQ(difference->comparedCases(), (std::vector<unsigned long long>{ 1, 2 }));
   EXPECT_GT(difference->largestDifference(), 100) << "red against blue, read from the folder";
   EXPECT_EQ(image->shownCases(), (std::vector<unsigned long long>{ 1 }));
+}
+
+TEST_F(StudyShapes, AnAxisOverAConstantIsCentredOnItWithAMargin)
+{
+  TemporaryFolder folder;
+  open(shapes()[3].make(folder));
+  auto* scatter = window->view<explorer::ScatterPlotView>();
+  for (const auto& [name, value] : { std::make_pair("always255", 255.0), std::make_pair("zero", 0.0) })
+  {
+    scatter->yVariable()->setValue(window->project()->variable(name));
+    scatter->fitToData();
+    const double min = scatter->yAxis().min()->value();
+    const double max = scatter->yAxis().max()->value();
+    EXPECT_LT(min, value) << name;
+    EXPECT_GT(max, value) << name;
+    EXPECT_NEAR((min + max) / 2, value, 1e-9) << name << ": centred";
+    EXPECT_LE(max - min, std::max(1.0, std::abs(value)) * 2) << name << ": a margin, not 0 to 6.66";
+  }
 }

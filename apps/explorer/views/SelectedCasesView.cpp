@@ -263,6 +263,10 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
                      try
                      {
                        exportSelection(path.toStdString());
+                       // Said until the selection next changes.
+                       d->count->setText(QString("%1 cases exported to %2")
+                                           .arg(d->model->rowCount())
+                                           .arg(path));
                      }
                      catch (const std::exception& e)
                      {
