@@ -10,7 +10,7 @@
 #include "views/ImageMatrixView.h"
 #include "views/ParallelCoordinatesView.h"
 #include "views/ScatterPlot3DView.h"
-#include "views/ScatterPlotView.h"
+#include "views/scatter/ScatterPlotView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"

@@ -1,6 +1,6 @@
 #include "ExplorerView.h"
 
-#include "SettingsFile.h"
+#include "SettingsError.h"
 
 #include "datamanagement/Project.h"
 #include "serialization/VariableInfoSerializer.h"
@@ -127,7 +127,33 @@ void QueuedDraw::later()
                      });
 }
 
-ExplorerView::~ExplorerView() = default;
+ExplorerView::~ExplorerView()
+{
+  viewConnections.clear();
+  delete ownWidget;
+}
+
+QWidget* ExplorerView::widget() const
+{
+  return ownWidget;
+}
+
+void ExplorerView::setWidget(QWidget* widget)
+{
+  ownWidget = widget;
+}
+
+void ExplorerView::suspend()
+{
+  viewConnections.block();
+  suspendParts();
+}
+
+void ExplorerView::resume()
+{
+  viewConnections.unblock();
+  resumeParts();
+}
 
 void ExplorerView::saveSetting(boost::shared_ptr<SerializerInterface> setting,
                                const std::string& expected)

@@ -2,14 +2,18 @@
 
 // The interface every view of the explorer implements, and what a view is built from.
 
+#include "views/ViewKinds.h"
+
 #include "datamanagement/Variable.h"
 #include "datamanagement/WeakPtr.h"
 #include "dataviews/DataViewAbstract.h"
 #include "dataviews/DataViewVisitorInterface.h"
+#include "signals/SignalConnectionCollection.h"
 
 #include <QPointer>
 #include <QString>
 #include <boost/enable_shared_from_this.hpp>
+#include <boost/pointer_cast.hpp>
 
 #include <functional>
 #include <memory>
@@ -22,19 +26,6 @@ class ImageCache;
 class Project;
 class QTableView;
 class QWidget;
-
-// The kinds of data view, as the visitor tells them apart.
-class ScatterPlot2DInterface : public virtual DataViewInterface
-{
-};
-
-class TableViewInterface : public virtual DataViewInterface
-{
-};
-
-class ImageMatrixViewInterface : public virtual DataViewInterface
-{
-};
 
 namespace explorer
 {
@@ -92,6 +83,10 @@ struct SettingsSection
 
 /// A view of the explorer: a data view with a widget, a title, a section of the settings panel
 /// and an element in the settings file (written and read by its serializer, under domName()).
+///
+/// The view owns its widget and its connections to the study: suspending the view blocks them,
+/// resuming it unblocks them; the widget goes after the view's own parts. A view derives from
+/// ViewOfKind<its kind>, which answers visitors.
 class ExplorerView
   : public DataViewAbstract
   , public boost::enable_shared_from_this<ExplorerView>
@@ -100,7 +95,9 @@ public:
   using DataViewAbstract::DataViewAbstract;
   ~ExplorerView() override;
 
-  virtual QWidget* widget() const = 0;
+  QWidget* widget() const;
+  void suspend() final;
+  void resume() final;
   /// The title of the view's pane and settings ("Scatter plot").
   virtual QString title() const = 0;
   /// A short name for file names ("scatter").
@@ -122,6 +119,15 @@ public:
   using DataViewAbstract::mouseMode;
 
 protected:
+  /// The view's widget, owned by the view from now on.
+  void setWidget(QWidget* widget);
+  /// The view's connections to the study, the selection and its settings.
+  SignalConnectionCollection& connections() { return viewConnections; }
+  /// Run after the view's connections are blocked, and after they are unblocked: a resumed
+  /// view takes in what changed meanwhile.
+  virtual void suspendParts() {}
+  virtual void resumeParts() {}
+
   /// Adds a setting to the view's saved element. A value it refuses while settings are read
   /// back is reported with the setting's path and the value: "ScatterPlot2D/XMin: 'abc' is not
   /// a number", where `expected` ("a number") says what a value must be.
@@ -133,7 +139,24 @@ protected:
                            const Project& project);
 
 private:
+  QPointer<QWidget> ownWidget;
+  SignalConnectionCollection viewConnections;
   std::vector<std::string> variableElementNames;
+};
+
+/// A view of a kind: answers visitors with that kind's overload.
+template<typename Kind>
+class ViewOfKind
+  : public Kind
+  , public ExplorerView
+{
+public:
+  using ExplorerView::ExplorerView;
+
+  void accept(DataViewVisitorInterface& visitor) override
+  {
+    visitKind(visitor, boost::dynamic_pointer_cast<Kind>(shared_from_this()));
+  }
 };
 
 } // namespace explorer

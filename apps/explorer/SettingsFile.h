@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SettingsError.h"
+
 #include <QString>
 #include <boost/shared_ptr.hpp>
 
@@ -17,13 +19,6 @@ namespace explorer
 {
 
 class ExplorerView;
-
-/// Saved settings that cannot be read or applied; the message says where and why.
-class SettingsError : public std::runtime_error
-{
-public:
-  using std::runtime_error::runtime_error;
-};
 
 /// The view settings of the explorer as one XML document: an element "ExplorerSettings" with the
 /// settings of the study that every view shares (where its files are, say), the element of each

@@ -5,7 +5,7 @@
 #include "views/ImageMatrixView.h"
 #include "views/ParallelCoordinatesView.h"
 #include "views/ScatterPlot3DView.h"
-#include "views/ScatterPlotView.h"
+#include "views/scatter/ScatterPlotView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
 

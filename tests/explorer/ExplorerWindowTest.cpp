@@ -10,7 +10,7 @@
 #include "views/ImageMatrixView.h"
 #include "views/ParallelCoordinatesView.h"
 #include "views/ScatterPlot3DView.h"
-#include "views/ScatterPlotView.h"
+#include "views/scatter/ScatterPlotView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
 
@@ -503,12 +503,12 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
   { return testsupport::mouseAt(chart, widget->interactor(), x, y); };
   // A rubber band over the runs at 25 and 35 degrees with ranges up to 100, and a click on the
   // point of case 1008, in each mode.
-  std::map<short, std::set<unsigned long long>> banded;
-  std::map<short, std::set<unsigned long long>> clicked;
-  for (const short mode :
-       { explorer::ScatterPlotView::MarkerPoints, explorer::ScatterPlotView::DensityPoints })
+  using explorer::Drawing;
+  std::map<Drawing, std::set<unsigned long long>> banded;
+  std::map<Drawing, std::set<unsigned long long>> clicked;
+  for (const Drawing mode : { Drawing::Marks, Drawing::Density })
   {
-    scatter->pointsMode()->setValue(mode);
+    scatter->drawing()->setValue(mode);
     widget->renderWindow()->Render();
     window->selection().setSelection({});
     vtkAbstractContextItem& item = chart;
@@ -530,13 +530,13 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
               "case 1008\nangle 35")
       << "the tool tip names the case and its values";
   }
-  EXPECT_GE(banded[explorer::ScatterPlotView::MarkerPoints].size(), 5u);
-  EXPECT_EQ(banded[explorer::ScatterPlotView::DensityPoints],
-            banded[explorer::ScatterPlotView::MarkerPoints]);
-  EXPECT_EQ(clicked[explorer::ScatterPlotView::MarkerPoints],
+  EXPECT_GE(banded[Drawing::Marks].size(), 5u);
+  EXPECT_EQ(banded[Drawing::Density],
+            banded[Drawing::Marks]);
+  EXPECT_EQ(clicked[Drawing::Marks],
             (std::set<unsigned long long>{ 1008 }));
-  EXPECT_EQ(clicked[explorer::ScatterPlotView::DensityPoints],
-            clicked[explorer::ScatterPlotView::MarkerPoints]);
+  EXPECT_EQ(clicked[Drawing::Density],
+            clicked[Drawing::Marks]);
 
   // The density image shows the points: coloured pixels inside the plot area.
   const QImage shown = widget->grabFramebuffer();
@@ -552,7 +552,7 @@ TEST_F(ExplorerWindowTest, ManySelectedCasesInADensityAreADarkDensityOverTheOthe
   showGeneratedStudy(12000); // more selected cases than are ringed one by one
   ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
   auto* scatter = window->view<explorer::ScatterPlotView>();
-  scatter->pointsMode()->setValue(explorer::ScatterPlotView::DensityPoints);
+  scatter->drawing()->setValue(explorer::Drawing::Density);
   auto* widget = qobject_cast<QVTKOpenGLNativeWidget*>(scatter->widget());
   // How dark the plot area is: the points' bins, darkened where selected ones lie over them.
   const auto ink = [&]

@@ -7,7 +7,7 @@
 #include "views/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
-#include "views/ScatterPlotView.h"
+#include "views/scatter/ScatterPlotView.h"
 #include "views/SelectedImageView.h"
 
 #include "analyzer_common/SelectionModel.h"

@@ -467,7 +467,6 @@ struct CasesTableView::Impl
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> sortColumn;
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
   std::shared_ptr<CaseOrder> order;
-  SignalConnectionCollection connections;
 
   void applySort()
   {
@@ -514,7 +513,7 @@ struct CasesTableView::Impl
 };
 
 CasesTableView::CasesTableView(const ViewContext& context)
-  : ExplorerView(std::make_unique<Serializer>("CasesTable"), context.selection)
+  : ViewOfKind(std::make_unique<Serializer>("CasesTable"), context.selection)
   , d(std::make_unique<Impl>())
 {
   const DataPipelineManagerInterface& pipeline = *context.pipeline;
@@ -522,6 +521,7 @@ CasesTableView::CasesTableView(const ViewContext& context)
   d->selection = context.selection;
   d->order = context.order;
   d->container = new QWidget();
+  setWidget(d->container);
   d->container->setObjectName("cases");
   auto* layout = new QVBoxLayout(d->container);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -577,15 +577,15 @@ CasesTableView::CasesTableView(const ViewContext& context)
   sortOnHeaderClicks(*columns, d->sortColumn, d->sortDescending);
   columns->setSortIndicator(-1, Qt::AscendingOrder); // in the study's order until a click
   Impl* impl = d.get();
-  d->connections.add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
-  d->connections.add(
+  connections().add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  connections().add(
     d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   QObject::connect(d->find, &QLineEdit::returnPressed, d->container, [impl] { impl->findCase(); });
 
-  d->connections.add(context.selection->connectSignalSelectionChanged(
+  connections().add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>&)
     { scrollToSelectionLater(*impl->table, [impl] { return impl->rows->firstRow(); }); }));
-  d->connections.add(pipeline.connectSignalPipelineChanged(
+  connections().add(pipeline.connectSignalPipelineChanged(
     [impl]
     {
       impl->model->reload();
@@ -603,39 +603,27 @@ CasesTableView::CasesTableView(const ViewContext& context)
 
 CasesTableView::~CasesTableView()
 {
-  d->connections.clear();
+  // The table lets go of the model before the model goes with the view's parts.
+  connections().clear();
   d->synchronizer.reset();
   if (d->container)
-  {
     d->table->setModel(nullptr);
-    delete d->container;
-  }
 }
 
-QWidget* CasesTableView::widget() const
-{
-  return d->container;
-}
 
-void CasesTableView::accept(DataViewVisitorInterface& visitor)
-{
-  visitor.visit(boost::dynamic_pointer_cast<TableViewInterface>(shared_from_this()));
-}
 
 std::string CasesTableView::selectionSummary() const
 {
   return std::to_string(selectedRows()) + " selected rows";
 }
 
-void CasesTableView::suspend()
+void CasesTableView::suspendParts()
 {
-  d->connections.block();
   d->synchronizer->suspend();
 }
 
-void CasesTableView::resume()
+void CasesTableView::resumeParts()
 {
-  d->connections.unblock();
   d->model->reload();
   d->fitCaseIdColumn();
   d->synchronizer->resume();

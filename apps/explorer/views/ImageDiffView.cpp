@@ -107,7 +107,6 @@ struct ImageDiffView::Impl
   QString noImages;
   std::vector<unsigned long long> compared;
   int largest = 0;
-  SignalConnectionCollection connections;
 
   // The image of a case with the tag, or its first one; empty with the reason when there is none.
   std::shared_ptr<QImage> imageOf(unsigned long long id, std::string& tag, QString& problem) const
@@ -203,7 +202,7 @@ struct ImageDiffView::Impl
 };
 
 ImageDiffView::ImageDiffView(const ViewContext& context)
-  : ExplorerView(std::make_unique<Serializer>("ImageDifference"), context.selection)
+  : ViewOfKind(std::make_unique<Serializer>("ImageDifference"), context.selection)
   , d(std::make_unique<Impl>())
 {
   d->project = context.project;
@@ -215,6 +214,7 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
     d->noImages = d->project->auxFiles().empty() ? "This study has no image files."
                                                  : "None of this study's files is an image.";
   d->container = new QWidget();
+  setWidget(d->container);
   d->container->setObjectName("imageDifference");
   auto* layout = new QVBoxLayout(d->container);
   layout->setContentsMargins(2, 2, 2, 2);
@@ -252,24 +252,24 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
     *context.selection,
     ChangesWhileHidden::Steps{ {}, [impl](const auto& ids) { impl->show(ids); }, {} });
   QObject::connect(pin, &QCheckBox::toggled, d->container, [this](bool on) { pinReference(on); });
-  d->connections.add(d->pinned->connectSignalPropertyChanged(
+  connections().add(d->pinned->connectSignalPropertyChanged(
     [impl, pin]
     {
       const QSignalBlocker blocker(pin);
       pin->setChecked(impl->pinned->value());
       impl->changes->changed(false);
     }));
-  d->connections.add(
+  connections().add(
     d->reference->connectSignalPropertyChanged([impl] { impl->changes->changed(false); }));
   d->imageTag = boost::make_shared<plexa::UndoablePropertyProxy<std::string>>(
     "Image Tag", boost::make_shared<plexa::Property<std::string>>(std::string()));
   for (const plexa::PropertyItemInterface* followed :
        std::initializer_list<const plexa::PropertyItemInterface*>{
          d->imageTag.get(), context.files->locations().get() })
-    d->connections.add(
+    connections().add(
       followed->connectSignalPropertyChanged([impl] { impl->changes->changed(false); }));
-  d->connections.add(context.order->connectChanged([impl] { impl->changes->changed(false); }));
-  d->connections.add(context.selection->connectSignalSelectionChanged(
+  connections().add(context.order->connectChanged([impl] { impl->changes->changed(false); }));
+  connections().add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
   // The case first, then the pin: a pin read back refers to the case read just before.
   saveSetting(
@@ -279,21 +279,9 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
   saveSetting(boost::make_shared<GenericSerializer<std::string>>("ImageTag", d->imageTag));
 }
 
-ImageDiffView::~ImageDiffView()
-{
-  d->connections.clear();
-  delete d->container;
-}
+ImageDiffView::~ImageDiffView() = default;
 
-QWidget* ImageDiffView::widget() const
-{
-  return d->container;
-}
 
-void ImageDiffView::accept(DataViewVisitorInterface& visitor)
-{
-  visitor.visit(boost::dynamic_pointer_cast<ImageDiffViewInterface>(shared_from_this()));
-}
 
 std::vector<SettingsSection> ImageDiffView::settingsSections(PropertyEditors& editors)
 {
@@ -312,14 +300,12 @@ std::string ImageDiffView::selectionSummary() const
          ", largest difference " + std::to_string(d->largest);
 }
 
-void ImageDiffView::suspend()
+void ImageDiffView::suspendParts()
 {
-  d->connections.block();
 }
 
-void ImageDiffView::resume()
+void ImageDiffView::resumeParts()
 {
-  d->connections.unblock();
   d->changes->changed(false);
 }
 

@@ -6,9 +6,6 @@
 
 #include <memory>
 
-class ImageDiffViewInterface : public virtual DataViewInterface
-{
-};
 
 namespace explorer
 {
@@ -18,22 +15,16 @@ namespace explorer
 /// the same tag (the first image of the first case by default; Up and Down pick another). The
 /// difference is drawn black where the images agree, through red and yellow to white where they
 /// differ most, with its scale; a missing or unreadable image is named instead.
-class ImageDiffView
-  : public ImageDiffViewInterface
-  , public ExplorerView
+class ImageDiffView : public ViewOfKind<ImageDiffViewInterface>
 {
 public:
   explicit ImageDiffView(const ViewContext& context);
   ~ImageDiffView() override;
 
-  QWidget* widget() const override;
   QString title() const override { return "Image difference"; }
   std::string shortName() const override { return "image-difference"; }
-  void accept(DataViewVisitorInterface& visitor) override;
   std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
-  void suspend() override;
-  void resume() override;
   void refresh() override;
 
   /// Keeps the first selected case as the reference until unpinned; saved with the settings.
@@ -51,6 +42,10 @@ public:
   static QImage absoluteDifference(const QImage& first, const QImage& second, int& largest);
   /// A grey-level difference in colour: 0 black, then red, yellow, and `largest` white.
   static QImage heatMap(const QImage& difference, int largest);
+
+protected:
+  void suspendParts() override;
+  void resumeParts() override;
 
 private:
   struct Impl;

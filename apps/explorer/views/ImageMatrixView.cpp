@@ -140,15 +140,15 @@ struct ImageMatrixView::Impl
   QPointer<QWidget> container;
   ImageTableView* table = nullptr;
   std::shared_ptr<ImageMatrixViewProperties> properties;
-  SignalConnectionCollection connections;
 };
 
 ImageMatrixView::ImageMatrixView(const ViewContext& context)
-  : ExplorerView(std::make_unique<Serializer>("ImageMatrix"), context.selection)
+  : ViewOfKind(std::make_unique<Serializer>("ImageMatrix"), context.selection)
   , d(std::make_unique<Impl>())
 {
   const Project& project = *context.project;
   d->container = new QWidget();
+  setWidget(d->container);
   d->container->setObjectName("imageMatrix");
   auto* layout = new QStackedLayout(d->container);
   d->properties = std::make_shared<ImageMatrixViewProperties>();
@@ -181,7 +181,7 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
     layout->setCurrentWidget(reason);
   }
   QTableView* cells = &d->table->tableView();
-  d->connections.add(context.selection->connectSignalSelectionChanged(
+  connections().add(context.selection->connectSignalSelectionChanged(
     [cells](const std::set<unsigned long long>&) { scrollToSelectionLater(*cells); }));
 
   NamedValueTranslator<Matrix::RowColumnDimensionBy> axes;
@@ -213,21 +213,9 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
               "a whole number");
 }
 
-ImageMatrixView::~ImageMatrixView()
-{
-  d->connections.clear();
-  delete d->container;
-}
+ImageMatrixView::~ImageMatrixView() = default;
 
-QWidget* ImageMatrixView::widget() const
-{
-  return d->container;
-}
 
-void ImageMatrixView::accept(DataViewVisitorInterface& visitor)
-{
-  visitor.visit(boost::dynamic_pointer_cast<ImageMatrixViewInterface>(shared_from_this()));
-}
 
 std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& editors)
 {
@@ -378,12 +366,12 @@ std::string ImageMatrixView::selectionSummary() const
   return std::to_string(d->table->numSelections()) + " selected cells";
 }
 
-void ImageMatrixView::suspend()
+void ImageMatrixView::suspendParts()
 {
   d->table->suspend();
 }
 
-void ImageMatrixView::resume()
+void ImageMatrixView::resumeParts()
 {
   d->table->resume();
 }

@@ -12,26 +12,24 @@ namespace explorer
 
 /// The image matrix view: the shown cases' images in a grid of rows, columns and pages chosen by
 /// variables or tags. Selecting cells selects their cases.
-class ImageMatrixView
-  : public ImageMatrixViewInterface
-  , public ExplorerView
+class ImageMatrixView : public ViewOfKind<ImageMatrixViewInterface>
 {
 public:
   explicit ImageMatrixView(const ViewContext& context);
   ~ImageMatrixView() override;
 
-  QWidget* widget() const override;
-  void accept(DataViewVisitorInterface& visitor) override;
   QString title() const override { return "Image matrix"; }
   std::string shortName() const override { return "images"; }
   std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
-  void suspend() override;
-  void resume() override;
   void refresh() override;
 
   std::shared_ptr<ImageMatrixViewProperties> properties() const;
   ImageTableView& imageTable() const;
+
+protected:
+  void suspendParts() override;
+  void resumeParts() override;
 
 private:
   struct Impl;

@@ -256,7 +256,6 @@ struct ParallelCoordinatesView::Impl
   boost::shared_ptr<plexa::UndoablePropertyProxy<VariableList>> axesProperty;
   boost::shared_ptr<plexa::UndoablePropertyProxy<WeakPtr<Variable>>> color;
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> mode;
-  SignalConnectionCollection connections;
   // The owner of the brushes' undo steps.
   DeleteSignaler undoOwner;
   const std::array<QRgb, 256> colours = palette();
@@ -651,12 +650,13 @@ struct ParallelCoordinatesView::Impl
 };
 
 ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
-  : ExplorerView(std::make_unique<Serializer>("ParallelCoordinates"), context.selection)
+  : ViewOfKind(std::make_unique<Serializer>("ParallelCoordinates"), context.selection)
   , d(std::make_unique<Impl>(*context.pipeline))
 {
   d->project = context.project;
   d->selection = context.selection;
   d->canvas = new Canvas();
+  setWidget(d->canvas);
   d->canvas->setObjectName("parallelCoordinates");
   d->canvas->setMinimumSize(200, 160);
   d->canvas->setMouseTracking(false);
@@ -722,16 +722,16 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
                                [impl](const auto& ids) { impl->findSelectedRows(ids); },
                                [impl] { impl->canvas->update(); } });
   const auto reload = [impl] { impl->changes->changed(true); };
-  d->connections.add(context.pipeline->connectSignalPipelineChanged(reload));
-  d->connections.add(d->axesProperty->connectSignalPropertyChanged(reload));
-  d->connections.add(d->color->connectSignalPropertyChanged(reload));
-  d->connections.add(d->mode->connectSignalPropertyChanged(
+  connections().add(context.pipeline->connectSignalPipelineChanged(reload));
+  connections().add(d->axesProperty->connectSignalPropertyChanged(reload));
+  connections().add(d->color->connectSignalPropertyChanged(reload));
+  connections().add(d->mode->connectSignalPropertyChanged(
     [impl]
     {
       impl->linesLayerValid = false;
       impl->canvas->update();
     }));
-  d->connections.add(context.selection->connectSignalSelectionChanged(
+  connections().add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
 
   saveSetting(
@@ -740,21 +740,9 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
   saveSetting(boost::make_shared<GenericSerializer<short>>("Lines", d->mode), "0, 1 or 2");
 }
 
-ParallelCoordinatesView::~ParallelCoordinatesView()
-{
-  d->connections.clear();
-  delete d->canvas;
-}
+ParallelCoordinatesView::~ParallelCoordinatesView() = default;
 
-QWidget* ParallelCoordinatesView::widget() const
-{
-  return d->canvas;
-}
 
-void ParallelCoordinatesView::accept(DataViewVisitorInterface& visitor)
-{
-  visitor.visit(boost::dynamic_pointer_cast<LinePlotInterface>(shared_from_this()));
-}
 
 std::vector<SettingsSection> ParallelCoordinatesView::settingsSections(PropertyEditors& editors)
 {
@@ -776,14 +764,12 @@ std::string ParallelCoordinatesView::selectionSummary() const
   return std::to_string(highlightedLines()) + " highlighted lines";
 }
 
-void ParallelCoordinatesView::suspend()
+void ParallelCoordinatesView::suspendParts()
 {
-  d->connections.block();
 }
 
-void ParallelCoordinatesView::resume()
+void ParallelCoordinatesView::resumeParts()
 {
-  d->connections.unblock();
   d->changes->changed(true);
 }
 

@@ -12,9 +12,6 @@ template<typename T>
 class PropertyAbstract;
 }
 
-class LinePlotInterface : public virtual DataViewInterface
-{
-};
 
 namespace explorer
 {
@@ -28,22 +25,16 @@ namespace explorer
 /// A click on a line selects its case (Ctrl+click adds or removes it). Above 20,000 lines the
 /// lines are drawn as a density: each pair of neighbouring axes is binned by pixel rows, so the
 /// cost follows the plot's size rather than the number of cases.
-class ParallelCoordinatesView
-  : public LinePlotInterface
-  , public ExplorerView
+class ParallelCoordinatesView : public ViewOfKind<ParallelCoordinatesInterface>
 {
 public:
   explicit ParallelCoordinatesView(const ViewContext& context);
   ~ParallelCoordinatesView() override;
 
-  QWidget* widget() const override;
-  void accept(DataViewVisitorInterface& visitor) override;
   QString title() const override { return "Parallel coordinates"; }
   std::string shortName() const override { return "parallel"; }
   std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
-  void suspend() override;
-  void resume() override;
   void refresh() override;
 
   /// The variables shown as axes, from left to right.
@@ -65,6 +56,8 @@ public:
   int highlightedLines() const;
 
 protected:
+  void suspendParts() override;
+  void resumeParts() override;
   bool caseIDAtPoint(unsigned long long& caseID) override;
 
 private:

@@ -179,7 +179,6 @@ struct ScatterPlot3DView::Impl
   vtkSmartPointer<vtkPxCommandProxy> endTurning;
   std::array<boost::shared_ptr<VariableProxy>, 3> axes;
   boost::shared_ptr<VariableProxy> color;
-  SignalConnectionCollection connections;
 
   // The shown points: case id, position in the unit box and colour value.
   std::vector<unsigned long long> caseIds;
@@ -416,12 +415,13 @@ struct ScatterPlot3DView::Impl
 };
 
 ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
-  : ExplorerView(std::make_unique<Serializer>("ScatterPlot3D"), context.selection)
+  : ViewOfKind(std::make_unique<Serializer>("ScatterPlot3D"), context.selection)
   , d(std::make_unique<Impl>(*context.pipeline))
 {
   d->project = context.project;
   d->selection = context.selection;
   d->widget = new QVTKOpenGLNativeWidget();
+  setWidget(d->widget);
   d->widget->setObjectName("scatter3dView");
   d->window = vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New();
   d->widget->setRenderWindow(d->window);
@@ -574,10 +574,10 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
                                [impl](const auto& ids) { impl->findSelected(ids); },
                                [impl] { impl->scheduleRender(); } });
   const auto reload = [impl] { impl->changes->changed(true); };
-  d->connections.add(context.pipeline->connectSignalPipelineChanged(reload));
+  connections().add(context.pipeline->connectSignalPipelineChanged(reload));
   for (const auto& property : { d->axes[0], d->axes[1], d->axes[2], d->color })
-    d->connections.add(property->connectSignalPropertyChanged(reload));
-  d->connections.add(context.selection->connectSignalSelectionChanged(
+    connections().add(property->connectSignalPropertyChanged(reload));
+  connections().add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
 
   saveVariableSetting("XVariable", d->axes[0], *d->project);
@@ -589,7 +589,7 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
 
 ScatterPlot3DView::~ScatterPlot3DView()
 {
-  d->connections.clear();
+  connections().clear();
   d->style->RemoveObserver(d->startTurning);
   d->style->RemoveObserver(d->endTurning);
   if (d->widget)
@@ -598,19 +598,10 @@ ScatterPlot3DView::~ScatterPlot3DView()
     for (vtkCommand* observer :
          { static_cast<vtkCommand*>(d->swallowKeys), static_cast<vtkCommand*>(d->pressObserver) })
       interactor->RemoveObserver(observer);
-    delete d->widget;
   }
 }
 
-QWidget* ScatterPlot3DView::widget() const
-{
-  return d->widget;
-}
 
-void ScatterPlot3DView::accept(DataViewVisitorInterface& visitor)
-{
-  visitor.visit(boost::dynamic_pointer_cast<ScatterPlot3DInterface>(shared_from_this()));
-}
 
 std::vector<SettingsSection> ScatterPlot3DView::settingsSections(PropertyEditors& editors)
 {
@@ -628,14 +619,12 @@ std::string ScatterPlot3DView::selectionSummary() const
   return std::to_string(highlightedPoints()) + " highlighted points";
 }
 
-void ScatterPlot3DView::suspend()
+void ScatterPlot3DView::suspendParts()
 {
-  d->connections.block();
 }
 
-void ScatterPlot3DView::resume()
+void ScatterPlot3DView::resumeParts()
 {
-  d->connections.unblock();
   d->changes->changed(true);
 }
 

@@ -12,9 +12,6 @@ template<typename T>
 class PropertyAbstract;
 }
 
-class ScatterPlot3DInterface : public virtual DataViewInterface
-{
-};
 
 namespace explorer
 {
@@ -24,22 +21,16 @@ namespace explorer
 /// pans; a click selects the case under the mouse (Ctrl+click adds or removes it). Selected
 /// cases are drawn on top as ringed points. Rows missing one of the three values are left out.
 /// While the view turns, a study of many cases is drawn from a sample of its points.
-class ScatterPlot3DView
-  : public ScatterPlot3DInterface
-  , public ExplorerView
+class ScatterPlot3DView : public ViewOfKind<ScatterPlot3DInterface>
 {
 public:
   explicit ScatterPlot3DView(const ViewContext& context);
   ~ScatterPlot3DView() override;
 
-  QWidget* widget() const override;
-  void accept(DataViewVisitorInterface& visitor) override;
   QString title() const override { return "3-D scatter plot"; }
   std::string shortName() const override { return "scatter3d"; }
   std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
-  void suspend() override;
-  void resume() override;
   void refresh() override;
   /// Brings every point into sight from the starting direction.
   void fitToData() override;
@@ -54,6 +45,8 @@ public:
   int highlightedPoints() const;
 
 protected:
+  void suspendParts() override;
+  void resumeParts() override;
   bool caseIDAtPoint(unsigned long long& caseID) override;
 
 private:

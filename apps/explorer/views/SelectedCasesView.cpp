@@ -177,7 +177,6 @@ struct SelectedCasesView::Impl
   std::unique_ptr<SelectedCasesModel> model;
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> sortColumn;
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
-  SignalConnectionCollection connections;
 
   std::unique_ptr<ChangesWhileHidden> changes;
 
@@ -198,12 +197,13 @@ struct SelectedCasesView::Impl
 };
 
 SelectedCasesView::SelectedCasesView(const ViewContext& context)
-  : ExplorerView(std::make_unique<Serializer>("SelectedCases"), context.selection)
+  : ViewOfKind(std::make_unique<Serializer>("SelectedCases"), context.selection)
   , d(std::make_unique<Impl>())
 {
   d->project = context.project;
   d->selection = context.selection;
   d->container = new QWidget();
+  setWidget(d->container);
   d->container->setObjectName("selectedCases");
   auto* layout = new QVBoxLayout(d->container);
   layout->setContentsMargins(2, 2, 2, 2);
@@ -237,14 +237,14 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
     "Sort Descending", boost::make_shared<plexa::Property<bool>>(false));
   sortOnHeaderClicks(*d->table->horizontalHeader(), d->sortColumn, d->sortDescending);
   Impl* impl = d.get();
-  d->connections.add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
-  d->connections.add(
+  connections().add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  connections().add(
     d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   d->changes = std::make_unique<ChangesWhileHidden>(
     *d->container,
     *context.selection,
     ChangesWhileHidden::Steps{ {}, [impl](const auto& ids) { impl->showSelection(ids); }, {} });
-  d->connections.add(context.selection->connectSignalSelectionChanged(
+  connections().add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
 
   QObject::connect(copy,
@@ -285,23 +285,13 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
 
 SelectedCasesView::~SelectedCasesView()
 {
-  d->connections.clear();
+  // The table lets go of the model before the model goes with the view's parts.
+  connections().clear();
   if (d->container)
-  {
     d->table->setModel(nullptr);
-    delete d->container;
-  }
 }
 
-QWidget* SelectedCasesView::widget() const
-{
-  return d->container;
-}
 
-void SelectedCasesView::accept(DataViewVisitorInterface& visitor)
-{
-  visitor.visit(boost::dynamic_pointer_cast<SelectedCasesViewInterface>(shared_from_this()));
-}
 
 std::vector<SettingsSection> SelectedCasesView::settingsSections(PropertyEditors&)
 {
@@ -314,14 +304,12 @@ std::string SelectedCasesView::selectionSummary() const
   return std::to_string(d->model->rowCount()) + " rows";
 }
 
-void SelectedCasesView::suspend()
+void SelectedCasesView::suspendParts()
 {
-  d->connections.block();
 }
 
-void SelectedCasesView::resume()
+void SelectedCasesView::resumeParts()
 {
-  d->connections.unblock();
   d->changes->changed(false);
 }
 

@@ -6,9 +6,6 @@
 
 class QTableView;
 
-class SelectedCasesViewInterface : public virtual DataViewInterface
-{
-};
 
 namespace explorer
 {
@@ -17,22 +14,16 @@ namespace explorer
 /// column per variable, sortable by any column (the sort is a saved, undoable setting). Copy
 /// puts the rows, as shown, on the clipboard; exporting writes them in full precision. The cases
 /// are the master selection's whether the filters show them or not.
-class SelectedCasesView
-  : public SelectedCasesViewInterface
-  , public ExplorerView
+class SelectedCasesView : public ViewOfKind<SelectedCasesViewInterface>
 {
 public:
   explicit SelectedCasesView(const ViewContext& context);
   ~SelectedCasesView() override;
 
-  QWidget* widget() const override;
   QString title() const override { return "Selected cases"; }
   std::string shortName() const override { return "selected-cases"; }
-  void accept(DataViewVisitorInterface& visitor) override;
   std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
-  void suspend() override;
-  void resume() override;
   void refresh() override;
 
   /// The column sorted by (-1 for case id order) and whether the order is descending.
@@ -44,6 +35,10 @@ public:
   /// Writes the selected cases to a CSV file, every number so that it reads back exactly; throws
   /// std::runtime_error when the file cannot be written.
   void exportSelection(const std::string& path) const;
+
+protected:
+  void suspendParts() override;
+  void resumeParts() override;
 
 private:
   struct Impl;

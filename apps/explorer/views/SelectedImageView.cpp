@@ -98,7 +98,6 @@ struct SelectedImageView::Impl
   std::size_t image = 0;
   std::vector<unsigned long long> shown;
   std::vector<QString> captions;
-  SignalConnectionCollection connections;
 
   QString caption(const Record& record) const
   {
@@ -185,7 +184,7 @@ struct SelectedImageView::Impl
 };
 
 SelectedImageView::SelectedImageView(const ViewContext& context)
-  : ExplorerView(std::make_unique<Serializer>("SelectedImage"), context.selection)
+  : ViewOfKind(std::make_unique<Serializer>("SelectedImage"), context.selection)
   , d(std::make_unique<Impl>())
 {
   d->project = context.project;
@@ -197,6 +196,7 @@ SelectedImageView::SelectedImageView(const ViewContext& context)
     d->noImages = d->project->auxFiles().empty() ? "This study has no image files."
                                                  : "None of this study's files is an image.";
   d->container = new QWidget();
+  setWidget(d->container);
   d->container->setObjectName("selectedImage");
   d->container->setFocusPolicy(Qt::StrongFocus);
   auto* layout = new QVBoxLayout(d->container);
@@ -251,33 +251,21 @@ SelectedImageView::SelectedImageView(const ViewContext& context)
     *context.selection,
     ChangesWhileHidden::Steps{ {}, [impl](const auto& ids) { impl->follow(ids); }, {} });
   for (const auto& setting : { d->sideBySide, d->zoom })
-    d->connections.add(setting->connectSignalPropertyChanged([impl] { impl->show(); }));
-  d->connections.add(d->imageTag->connectSignalPropertyChanged([impl] { impl->show(); }));
-  d->connections.add(context.files->locations()->connectSignalPropertyChanged(
+    connections().add(setting->connectSignalPropertyChanged([impl] { impl->show(); }));
+  connections().add(d->imageTag->connectSignalPropertyChanged([impl] { impl->show(); }));
+  connections().add(context.files->locations()->connectSignalPropertyChanged(
     [impl] { impl->changes->changed(false); }));
-  d->connections.add(context.order->connectChanged([impl] { impl->changes->changed(false); }));
-  d->connections.add(context.selection->connectSignalSelectionChanged(
+  connections().add(context.order->connectChanged([impl] { impl->changes->changed(false); }));
+  connections().add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
   saveSetting(boost::make_shared<GenericSerializer<short>>("SideBySide", d->sideBySide), "1 to 4");
   saveSetting(boost::make_shared<GenericSerializer<short>>("Zoom", d->zoom), "a percentage");
   saveSetting(boost::make_shared<GenericSerializer<std::string>>("ImageTag", d->imageTag));
 }
 
-SelectedImageView::~SelectedImageView()
-{
-  d->connections.clear();
-  delete d->container;
-}
+SelectedImageView::~SelectedImageView() = default;
 
-QWidget* SelectedImageView::widget() const
-{
-  return d->container;
-}
 
-void SelectedImageView::accept(DataViewVisitorInterface& visitor)
-{
-  visitor.visit(boost::dynamic_pointer_cast<SelectedImageViewInterface>(shared_from_this()));
-}
 
 std::vector<SettingsSection> SelectedImageView::settingsSections(PropertyEditors& editors)
 {
@@ -301,14 +289,12 @@ std::string SelectedImageView::selectionSummary() const
   return std::to_string(d->shown.size()) + " cases shown";
 }
 
-void SelectedImageView::suspend()
+void SelectedImageView::suspendParts()
 {
-  d->connections.block();
 }
 
-void SelectedImageView::resume()
+void SelectedImageView::resumeParts()
 {
-  d->connections.unblock();
   d->changes->changed(false);
 }
 

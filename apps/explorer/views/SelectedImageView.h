@@ -4,9 +4,6 @@
 
 #include <memory>
 
-class SelectedImageViewInterface : public virtual DataViewInterface
-{
-};
 
 namespace explorer
 {
@@ -16,22 +13,16 @@ namespace explorer
 /// selected cases, Up and Down through each case's images; one zoom applies to every pane and
 /// they scroll together. Images come through the window's shared cache; a case without the image
 /// or with an unreadable one shows the reason instead.
-class SelectedImageView
-  : public SelectedImageViewInterface
-  , public ExplorerView
+class SelectedImageView : public ViewOfKind<SelectedImageViewInterface>
 {
 public:
   explicit SelectedImageView(const ViewContext& context);
   ~SelectedImageView() override;
 
-  QWidget* widget() const override;
   QString title() const override { return "Selected image"; }
   std::string shortName() const override { return "selected-image"; }
-  void accept(DataViewVisitorInterface& visitor) override;
   std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
-  void suspend() override;
-  void resume() override;
   void refresh() override;
 
   /// Cases shown side by side, 1 to 4; the zoom in percent, 10 to 400.
@@ -44,6 +35,10 @@ public:
   /// The case ids shown, left to right, and the captions under them.
   std::vector<unsigned long long> shownCases() const;
   std::vector<QString> captions() const;
+
+protected:
+  void suspendParts() override;
+  void resumeParts() override;
 
 private:
   struct Impl;

@@ -1,4 +1,4 @@
-#include "vtkCaseKeysFilter.h"
+#include "views/scatter/vtkCaseKeysFilter.h"
 
 #include "CaseKeys.h"
 #include "CaseRowIndex.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "quen_analyzer_dataviews_common_export.h"
+
 #include <vtkNew.h>
 #include <vtkPlotPoints.h>
 #include <vtkSmartPointer.h>
@@ -7,9 +9,6 @@
 #include <functional>
 
 class vtkImageData;
-
-namespace explorer
-{
 
 /// A points plot that, when told to, paints its points as a density image instead of one marker
 /// each: the points are binned on a grid of 2 x 2 pixels of the plot area, and each bin that
@@ -21,7 +20,7 @@ namespace explorer
 /// Everything else (bounds, selection, picking, tool tips) is the points plot's own, so the two
 /// modes select and pick the same cases. In density mode the selected points are painted, when
 /// asked, as a second density over the first in one colour; otherwise the view draws them.
-class vtkDensityPlotPoints : public vtkPlotPoints
+class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT vtkDensityPlotPoints : public vtkPlotPoints
 {
 public:
   static vtkDensityPlotPoints* New();
@@ -107,5 +106,3 @@ private:
   double BinnedSelectionArea[4] = { 0, 0, 0, 0 };
   int BinnedSelectionSize[2] = { 0, 0 };
 };
-
-} // namespace explorer

@@ -1,4 +1,4 @@
-#include "vtkDensityPlotPoints.h"
+#include "charts/vtkDensityPlotPoints.h"
 
 #include <vtkAxis.h>
 #include <vtkContext2D.h>
@@ -15,9 +15,6 @@
 #include <cmath>
 #include <sstream>
 #include <vector>
-
-namespace explorer
-{
 
 vtkStandardNewMacro(vtkDensityPlotPoints);
 
@@ -263,5 +260,3 @@ vtkStdString vtkDensityPlotPoints::GetTooltipLabel(const vtkVector2d& plotPos,
         << vtkVariant(plotPos.GetY()).ToString();
   return label.str();
 }
-
-} // namespace explorer

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ExplorerView.h"
+#include "views/DrawingPolicy.h"
 
 #include <memory>
 
@@ -19,24 +20,22 @@ namespace explorer
 {
 
 /// The 2-D scatter view: the shown cases as points of an XY chart, coloured by a variable with
-/// a colour legend, the region outside the range filters shaded behind them, rows with NaN in
-/// the plotted variables dropped before plotting. Selecting points selects their cases.
-class ScatterPlotView
-  : public ScatterPlot2DInterface
-  , public ExplorerView
+/// a colour legend, the region outside the range filters shaded behind them. A case without X
+/// or Y is left out and counted; one without a colour value is drawn grey. Selecting points
+/// selects their cases.
+///
+/// Its parts: ScatterPlotModel (what is plotted), ScatterPlotScene (the drawing); the view binds
+/// them to the settings, the selection and the mouse.
+class ScatterPlotView : public ViewOfKind<ScatterPlot2DInterface>
 {
 public:
   explicit ScatterPlotView(const ViewContext& context);
   ~ScatterPlotView() override;
 
-  QWidget* widget() const override;
-  void accept(DataViewVisitorInterface& visitor) override;
   QString title() const override { return "Scatter plot"; }
   std::string shortName() const override { return "scatter"; }
   std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
-  void suspend() override;
-  void resume() override;
   void refresh() override;
 
   boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> xVariable() const;
@@ -49,20 +48,13 @@ public:
   void fitToData() override;
   /// Fits one axis (vtkAxis::BOTTOM or LEFT) to the shown points; the other keeps its range.
   void fitAxis(int axis);
-  /// The points plot and the number of its rows that are selected.
+  /// The points plot; its selection holds the rows of the selected cases.
   vtkPlotPoints& points() const;
   /// The row of the points plot's table that shows a case, or -1. The table's column 0 holds
   /// case keys (see CaseKeys), not case ids.
   long long rowOfCase(unsigned long long caseId) const;
-  /// How the points are drawn: one marker each, or a density image (binned, costing the plot
-  /// area rather than the points), or markers up to 25,000 points and density above.
-  enum PointsMode : short
-  {
-    AutomaticPoints = 0,
-    MarkerPoints = 1,
-    DensityPoints = 2
-  };
-  boost::shared_ptr<plexa::PropertyAbstract<short>> pointsMode() const;
+  /// Markers, or a density above drawing::pointsAsDensityAbove points (automatic).
+  boost::shared_ptr<plexa::PropertyAbstract<Drawing>> drawing() const;
   /// The markers' opacity, from 0.05 to 1.
   boost::shared_ptr<plexa::PropertyAbstract<double>> pointOpacity() const;
   /// The chart, for mouse events sent to it directly.
@@ -75,6 +67,8 @@ public:
 
 protected:
   bool caseIDAtPoint(unsigned long long& caseID) override;
+  void suspendParts() override;
+  void resumeParts() override;
 
 private:
   struct Impl;

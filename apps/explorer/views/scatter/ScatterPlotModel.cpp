@@ -1,0 +1,231 @@
+#include "views/scatter/ScatterPlotModel.h"
+
+#include "CaseKeys.h"
+#include "views/scatter/vtkCaseKeysFilter.h"
+
+#include "analyzer_common/NiceNumber.h"
+#include "charts/InvalidPointsFilter.h"
+#include "datamanagement/Project.h"
+#include "datapipeline/DataPipelineManagerInterface.h"
+
+#include <vtkDoubleArray.h>
+#include <vtkIdList.h>
+#include <vtkIdTypeArray.h>
+#include <vtkIntArray.h>
+#include <vtkTable.h>
+#include <vtkTableAlgorithm.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace explorer
+{
+
+namespace
+{
+
+// A multiple of a nice step as the double nearest the decimal: 3 steps of 0.1 are 0.3, where
+// 3 * 0.1 would be 0.30000000000000004.
+double multipleOf(double count, double step)
+{
+  return step < 1 ? count / std::round(1 / step) : count * step;
+}
+
+} // namespace
+
+const char* const ScatterPlotModel::caseOrder = vtkCaseKeysFilter::caseOrderColumnName;
+
+struct ScatterPlotModel::Impl
+{
+  const DataPipelineManagerInterface& pipeline;
+  std::shared_ptr<const Project> project;
+  std::shared_ptr<const CaseKeys> keys;
+  boost::shared_ptr<const VariableProperty> x;
+  boost::shared_ptr<const VariableProperty> y;
+  boost::shared_ptr<const VariableProperty> colour;
+  vtkSmartPointer<vtkCaseKeysFilter> keyed = vtkSmartPointer<vtkCaseKeysFilter>::New();
+  vtkSmartPointer<InvalidPointsFilter> plottable;
+  vtkSmartPointer<vtkTable> table;
+
+  explicit Impl(const DataPipelineManagerInterface& pipeline)
+    : pipeline(pipeline)
+  {
+  }
+};
+
+ScatterPlotModel::ScatterPlotModel(const DataPipelineManagerInterface& pipeline,
+                                   std::shared_ptr<const Project> project,
+                                   std::shared_ptr<const CaseKeys> keys,
+                                   boost::shared_ptr<const VariableProperty> x,
+                                   boost::shared_ptr<const VariableProperty> y,
+                                   boost::shared_ptr<const VariableProperty> colour)
+  : d(std::make_unique<Impl>(pipeline))
+{
+  d->project = std::move(project);
+  d->keys = std::move(keys);
+  d->x = std::move(x);
+  d->y = std::move(y);
+  d->colour = std::move(colour);
+  d->keyed->SetKeys(d->keys);
+  d->keyed->SetInputConnection(pipeline.output()->GetOutputPort());
+  // A case is plotted when it has X and Y; a missing colour value is drawn grey.
+  d->plottable = InvalidPointsFilter::New({ d->x, d->y });
+  d->plottable->SetInputConnection(d->keyed->GetOutputPort());
+}
+
+ScatterPlotModel::~ScatterPlotModel() = default;
+
+vtkSmartPointer<vtkTable> ScatterPlotModel::update()
+{
+  d->table = nullptr;
+  if (d->y->value().lock().isNull())
+    return nullptr;
+  d->keyed->SetColumns({ xColumn(), yColumn(), d->colour->value().lock().name() });
+  d->plottable->Update();
+  d->table = vtkSmartPointer<vtkTable>::New();
+  d->table->ShallowCopy(d->plottable->GetOutput());
+  return d->table;
+}
+
+vtkTable* ScatterPlotModel::table() const
+{
+  return d->table;
+}
+
+std::string ScatterPlotModel::xColumn() const
+{
+  const Variable variable = d->x->value().lock();
+  return variable.isNull() ? caseOrder : variable.name();
+}
+
+std::string ScatterPlotModel::yColumn() const
+{
+  return d->y->value().lock().name();
+}
+
+std::string ScatterPlotModel::leftOutNote() const
+{
+  if (d->y->value().lock().isNull())
+    return d->project->variables().empty()
+             ? "The study has no variables to plot."
+             : "Nothing to plot: choose a numeric Y variable (no number of this study varies).";
+  d->pipeline.output()->Update();
+  const vtkIdType shown = d->pipeline.output()->GetOutput()->GetNumberOfRows();
+  const vtkIdType plotted = d->table ? d->table->GetNumberOfRows() : 0;
+  if (plotted >= shown)
+    return {};
+  const Variable x = d->x->value().lock();
+  return std::to_string(shown - plotted) + " of " + std::to_string(shown) +
+         " cases have no value of " + (x.isNull() ? yColumn() : x.name() + " or " + yColumn()) +
+         " and are not shown.";
+}
+
+std::size_t ScatterPlotModel::withoutColour() const
+{
+  const std::string name = d->colour->value().lock().name();
+  auto* values = d->table && !name.empty()
+                   ? vtkDoubleArray::SafeDownCast(d->table->GetColumnByName(name.c_str()))
+                   : nullptr;
+  std::size_t count = 0;
+  for (vtkIdType row = 0; values && row < values->GetNumberOfTuples(); ++row)
+    count += std::isnan(values->GetValue(row)) ? 1 : 0;
+  return count;
+}
+
+long long ScatterPlotModel::rowOfCase(unsigned long long caseId) const
+{
+  unsigned long long key = 0;
+  auto* keys =
+    d->table && d->table->GetNumberOfColumns() > 0
+      ? vtkIntArray::SafeDownCast(d->table->GetColumn(0))
+      : nullptr;
+  if (!keys || !d->keys->keyOf(caseId, key))
+    return -1;
+  for (vtkIdType row = 0; row < keys->GetNumberOfTuples(); ++row)
+    if (static_cast<unsigned long long>(keys->GetValue(row)) == key)
+      return row;
+  return -1;
+}
+
+bool ScatterPlotModel::caseOfKey(long long key, unsigned long long& caseId) const
+{
+  return key >= 0 && d->keys->caseIdOf(static_cast<unsigned long long>(key), caseId);
+}
+
+double ScatterPlotModel::halfGap(const Variable& variable) const
+{
+  const auto* values = variable.isNull() || variable.nature() != Variable::Discrete
+                         ? nullptr
+                         : d->project->numericValues(variable);
+  if (!values)
+    return 0;
+  // A discrete variable has few values: a short list searched in order.
+  std::vector<double> distinct;
+  for (double value : *values)
+    if (!std::isnan(value) && std::find(distinct.begin(), distinct.end(), value) == distinct.end())
+      distinct.push_back(value);
+  const auto range = variable.range();
+  return distinct.size() < 2 ? 0 : (range.second - range.first) / (2.0 * (distinct.size() - 1));
+}
+
+bool ScatterPlotModel::axisRange(double min, double max, double margin, double& from, double& to)
+{
+  const double span = max - min;
+  if (!std::isfinite(span) || span < 0)
+    return false;
+  if (span == 0)
+  {
+    const double half = min == 0 ? 1 : makeNiceNumber(std::abs(min) / 10);
+    from = min - half;
+    to = min + half;
+    return true;
+  }
+  const double step = makeNiceNumber(span / 100);
+  from = multipleOf(std::floor((min - margin) / step), step);
+  to = multipleOf(std::ceil((max + margin) / step), step);
+  return true;
+}
+
+std::vector<double> ScatterPlotModel::customTicks(double min, double max, double spacing)
+{
+  const double low = std::min(min, max);
+  const double high = std::max(min, max);
+  std::vector<double> ticks;
+  if (!(spacing > 0) || !std::isfinite(low) || !std::isfinite(high) ||
+      (high - low) / spacing > 10000)
+    return ticks;
+  for (double k = std::ceil(low / spacing); k <= std::floor(high / spacing); ++k)
+    ticks.push_back(multipleOf(k, spacing) + 0.0); // + 0.0: never "-0"
+  return ticks;
+}
+
+vtkSmartPointer<vtkTable> ScatterPlotModel::rowsOf(vtkTable& table,
+                                                   vtkIdTypeArray& rows,
+                                                   const std::vector<std::string>& names)
+{
+  auto ids = vtkSmartPointer<vtkIdList>::New();
+  auto positions = vtkSmartPointer<vtkIdList>::New();
+  ids->SetNumberOfIds(rows.GetNumberOfTuples());
+  positions->SetNumberOfIds(rows.GetNumberOfTuples());
+  for (vtkIdType i = 0; i < rows.GetNumberOfTuples(); ++i)
+  {
+    ids->SetId(i, rows.GetValue(i));
+    positions->SetId(i, i);
+  }
+  auto subset = vtkSmartPointer<vtkTable>::New();
+  for (const std::string& name : names)
+  {
+    vtkAbstractArray* column = table.GetColumnByName(name.c_str());
+    if (!column || subset->GetColumnByName(name.c_str()))
+      continue;
+    vtkSmartPointer<vtkAbstractArray> copy;
+    copy.TakeReference(vtkAbstractArray::CreateArray(column->GetDataType()));
+    copy->SetName(column->GetName());
+    copy->SetNumberOfComponents(column->GetNumberOfComponents());
+    copy->InsertTuples(positions, ids, column);
+    subset->AddColumn(copy);
+  }
+  return subset;
+}
+
+} // namespace explorer
