@@ -1,10 +1,10 @@
 #include "CommandLine.h"
 
 #include "ExplorerWindow.h"
-#include "formats/StudyFormats.h"
 #include "Screenshots.h"
 #include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
+#include "formats/StudyFormats.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -44,9 +44,8 @@ struct Parser
 
   Parser()
   {
-    parser.setApplicationDescription(
-      QString::fromStdString("Explores the runs of a study in linked views. It opens:\n" +
-                             formatsHelp()));
+    parser.setApplicationDescription(QString::fromStdString(
+      "Explores the runs of a study in linked views. It opens:\n" + formatsHelp()));
     parser.addPositionalArgument(
       "study", "The study: a study folder or a Cinema database (see above).", "[STUDY]");
     parser.addOptions(

@@ -7,8 +7,6 @@
 #include "SettingsFile.h"
 #include "SettingsPanel.h"
 #include "ViewRegistry.h"
-#include "formats/StudyFormats.h"
-#include "vtkFilePathColumns.h"
 #include "analyzer_common/DeleteSignaler.h"
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
@@ -19,8 +17,10 @@
 #include "dataviews/DataViewVisitorAbstract.h"
 #include "export/FullPrecisionCSVExporter.h"
 #include "export/SurrogateModelCSVExporter.h"
+#include "formats/StudyFormats.h"
 #include "images/ImageCache.h"
 #include "signals/SignalConnectionCollection.h"
+#include "vtkFilePathColumns.h"
 
 #include "properties/PropertyAbstract.h"
 
@@ -33,9 +33,9 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
-#include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProgressBar>
@@ -456,13 +456,13 @@ void ExplorerWindow::locateFiles()
     return;
   }
   bool ok = false;
-  const QString prefix = QInputDialog::getText(
-    this,
-    "Locate Files",
-    "Paths that start with this are read from the folder chosen next:",
-    QLineEdit::Normal,
-    QString::fromStdString(proposed.prefix),
-    &ok);
+  const QString prefix =
+    QInputDialog::getText(this,
+                          "Locate Files",
+                          "Paths that start with this are read from the folder chosen next:",
+                          QLineEdit::Normal,
+                          QString::fromStdString(proposed.prefix),
+                          &ok);
   if (!ok || prefix.isEmpty())
     return;
   const QString folder = QFileDialog::getExistingDirectory(

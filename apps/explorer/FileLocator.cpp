@@ -99,7 +99,8 @@ struct FileLocator::Impl
 {
   boost::shared_ptr<plexa::UndoablePropertyProxy<Strings>> locations =
     boost::make_shared<plexa::UndoablePropertyProxy<Strings>>(
-      "File Locations", boost::make_shared<plexa::Property<Strings>>(Strings()));
+      "File Locations",
+      boost::make_shared<plexa::Property<Strings>>(Strings()));
 };
 
 FileLocator::FileLocator()
@@ -155,8 +156,9 @@ QString FileLocator::problem(const AuxFile& file) const
   return "missing: " + QString::fromStdString(file.relativePath());
 }
 
-void FileLocator::countMissing(const Project& project, std::size_t& missing, std::size_t& urls)
-  const
+void FileLocator::countMissing(const Project& project,
+                               std::size_t& missing,
+                               std::size_t& urls) const
 {
   missing = 0;
   urls = 0;

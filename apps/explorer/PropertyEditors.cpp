@@ -2,8 +2,8 @@
 
 #include "StudyFiles.h"
 
-#include "charts/AxisDetailsInterface.h"
 #include "analyzer_common/UndoStack.h"
+#include "charts/AxisDetailsInterface.h"
 #include "colorlegend/ColorLegend.h"
 #include "datamanagement/Project.h"
 
@@ -119,16 +119,15 @@ QComboBox* PropertyEditors::variableChooser(boost::shared_ptr<VariableProperty> 
   };
   show();
   follow(*property, show);
-  QObject::connect(combo,
-                   QOverload<int>::of(&QComboBox::activated),
-                   [this, combo, choices, property, show](int i)
-                   {
-                     if (i >= 0 && i < static_cast<int>(choices.size()))
-                       editWith(
-                         combo,
-                         [&] { property->setValue(choices[static_cast<std::size_t>(i)]); },
-                         show);
-                   });
+  QObject::connect(
+    combo,
+    QOverload<int>::of(&QComboBox::activated),
+    [this, combo, choices, property, show](int i)
+    {
+      if (i >= 0 && i < static_cast<int>(choices.size()))
+        editWith(
+          combo, [&] { property->setValue(choices[static_cast<std::size_t>(i)]); }, show);
+    });
   return combo;
 }
 

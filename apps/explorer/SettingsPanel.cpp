@@ -109,9 +109,8 @@ struct SettingsPanel::Impl
           return;
         }
         const FilterState before = filterState(pipeline, variable);
-        const bool boundsChanged =
-          !before.exists ? low != range.first || high != range.second
-                         : low != before.min || high != before.max;
+        const bool boundsChanged = !before.exists ? low != range.first || high != range.second
+                                                  : low != before.min || high != before.max;
         if (switchOn && !boundsChanged)
           return;
         changeFilter(

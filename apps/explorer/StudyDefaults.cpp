@@ -122,8 +122,7 @@ MatrixChoice matrix(const Project& project,
   { return !variable.lock().isNull() && varies(project, variable.lock()); };
   MatrixChoice choice;
   choice.column = usable(column) ? column : firstNotIn(inputs, { row });
-  choice.row =
-    usable(row) && !(row == choice.column) ? row : firstNotIn(inputs, { choice.column });
+  choice.row = usable(row) && !(row == choice.column) ? row : firstNotIn(inputs, { choice.column });
   // Two outputs of many values each would make a sparse grid of cases squared cells.
   if (!(choice.row == row) && project.numberOfRecords() > 0 &&
       choice.row.lock().nature() == Variable::Continuous)

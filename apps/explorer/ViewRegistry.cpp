@@ -5,9 +5,9 @@
 #include "views/ImageMatrixView.h"
 #include "views/ParallelCoordinatesView.h"
 #include "views/ScatterPlot3DView.h"
-#include "views/scatter/ScatterPlotView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
+#include "views/scatter/ScatterPlotView.h"
 
 #include <boost/make_shared.hpp>
 

@@ -25,9 +25,8 @@ std::string installed(std::initializer_list<const char*> candidates)
 
 void useSystemFont(vtkTextProperty& property)
 {
-  static const std::string regular =
-    installed({ "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
-                "/usr/share/fonts/dejavu/DejaVuSans.ttf" });
+  static const std::string regular = installed({ "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
+                                                 "/usr/share/fonts/dejavu/DejaVuSans.ttf" });
   static const std::string bold =
     installed({ "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf",
                 "/usr/share/fonts/dejavu/DejaVuSans-Bold.ttf" });

@@ -39,8 +39,7 @@ int vtkFilePathColumns::RequestData(vtkInformation*,
   for (const std::string& tag : this->Study->tags())
   {
     auto paths = vtkSmartPointer<vtkStringArray>::New();
-    const std::string name =
-      this->Study->variable(tag).lock().isNull() ? tag : tag + " (file)";
+    const std::string name = this->Study->variable(tag).lock().isNull() ? tag : tag + " (file)";
     paths->SetName(name.c_str());
     paths->SetNumberOfValues(static_cast<vtkIdType>(ids.size()));
     for (std::size_t row = 0; row < ids.size(); ++row)

@@ -1,8 +1,8 @@
 #include "support/TemporaryFolder.h"
 
+#include <QDir>
 #include <QFile>
 #include <QImage>
-#include <QDir>
 #include <QProcess>
 #include <QRegularExpression>
 #include <gtest/gtest.h>
@@ -195,10 +195,10 @@ TEST(ExplorerProgram, HelpNeedsNoDisplay)
 TEST_F(Explorer, TheScreenshotsShowTheSavedAxisRangesAndExportsKeepTheFilesPaths)
 {
   // Saved ranges are what the pictures show, not a fit made once the window is drawn.
-  const std::string settings = output.write(
-    "ranges.xml",
-    "<ExplorerSettings><ScatterPlot2D><XMin>20</XMin><XMax>40</XMax><YMin>-5</YMin>"
-    "<YMax>333</YMax></ScatterPlot2D></ExplorerSettings>");
+  const std::string settings =
+    output.write("ranges.xml",
+                 "<ExplorerSettings><ScatterPlot2D><XMin>20</XMin><XMax>40</XMax><YMin>-5</YMin>"
+                 "<YMax>333</YMax></ScatterPlot2D></ExplorerSettings>");
   const QString shots = QString::fromStdString(output.filePath("shots"));
   ExplorerRun run = explorer({ QString::fromStdString(study->path()),
                                "--settings",

@@ -10,9 +10,9 @@
 #include "views/ImageMatrixView.h"
 #include "views/ParallelCoordinatesView.h"
 #include "views/ScatterPlot3DView.h"
-#include "views/scatter/ScatterPlotView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
+#include "views/scatter/ScatterPlotView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
@@ -531,12 +531,9 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
       << "the tool tip names the case and its values";
   }
   EXPECT_GE(banded[Drawing::Marks].size(), 5u);
-  EXPECT_EQ(banded[Drawing::Density],
-            banded[Drawing::Marks]);
-  EXPECT_EQ(clicked[Drawing::Marks],
-            (std::set<unsigned long long>{ 1008 }));
-  EXPECT_EQ(clicked[Drawing::Density],
-            clicked[Drawing::Marks]);
+  EXPECT_EQ(banded[Drawing::Density], banded[Drawing::Marks]);
+  EXPECT_EQ(clicked[Drawing::Marks], (std::set<unsigned long long>{ 1008 }));
+  EXPECT_EQ(clicked[Drawing::Density], clicked[Drawing::Marks]);
 
   // The density image shows the points: coloured pixels inside the plot area.
   const QImage shown = widget->grabFramebuffer();

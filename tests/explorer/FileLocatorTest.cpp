@@ -33,14 +33,14 @@ TEST(FileLocator, FindsFilesWrittenElsewhereThroughItsLocations)
     std::string written;
     std::string located;
   } paths[] = {
-    { local, local },                                              // found as written
-    { "file://" + local, local },                                  // a file URL is its path
-    { "file://somehost" + local, local },                          // with a host
-    { "https://host/study/a.png", root + "/runs/a.png" },          // through a location
+    { local, local },                                               // found as written
+    { "file://" + local, local },                                   // a file URL is its path
+    { "file://somehost" + local, local },                           // with a host
+    { "https://host/study/a.png", root + "/runs/a.png" },           // through a location
     { "https://host/study/deep/b.png", root + "/runs/deep/b.png" }, // the longest prefix wins
-    { "/scratch/old/a.png", root + "/runs/a.png" },                // an absolute path elsewhere
+    { "/scratch/old/a.png", root + "/runs/a.png" },                 // an absolute path elsewhere
     { "https://host/study/../../etc/passwd", "https://host/study/../../etc/passwd" }, // no way out
-    { "https://other/a.png", "https://other/a.png" },              // no location: as written
+    { "https://other/a.png", "https://other/a.png" }, // no location: as written
   };
   for (const auto& path : paths)
     EXPECT_EQ(locator.locate(path.written), path.located) << path.written;
@@ -114,9 +114,13 @@ TEST(StudyFiles, ImageViewsTakeImageFilesOnly)
     std::string path;
     bool image;
   } paths[] = {
-    { "a.png", true },       { "b.JPG", true },   { "c.jpeg", true },
-    { "data/d.csv", false }, { "e.vti", false },  { "f.pdb", false },
-    { png, true },           // no extension: by its content
+    { "a.png", true },
+    { "b.JPG", true },
+    { "c.jpeg", true },
+    { "data/d.csv", false },
+    { "e.vti", false },
+    { "f.pdb", false },
+    { png, true }, // no extension: by its content
     { here.write("notes", "just text"), false },
     { "https://host/g.png", true },
   };

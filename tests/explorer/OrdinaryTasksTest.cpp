@@ -7,8 +7,8 @@
 #include "views/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
-#include "views/scatter/ScatterPlotView.h"
 #include "views/SelectedImageView.h"
+#include "views/scatter/ScatterPlotView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
@@ -300,7 +300,8 @@ TEST_F(OrdinaryTasks, SelectedImagesFollowTheTablesSortAndTheImageMatrixPagesThr
 TEST_F(OrdinaryTasks, TheWindowReopensWithItsSizeAndPanes)
 {
   QSettings::setDefaultFormat(QSettings::IniFormat);
-  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(output.path()));
+  QSettings::setPath(
+    QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(output.path()));
   QSize size;
   QList<int> panes;
   {

@@ -39,7 +39,6 @@ struct Column
   std::vector<std::string> texts;
 };
 
-
 // A study of `cases` cases; a numeric column shorter than that repeats its values.
 std::shared_ptr<const Project> study(std::size_t cases, const std::vector<Column>& columns)
 {
@@ -113,7 +112,10 @@ TEST(StudyDefaults, TheScatterPlotShowsThreeVaryingVariablesWhateverTheShape)
       "c" },
     { "constants beside two varying variables",
       study(80,
-            { { "always255", { 255.0 } }, { "zero", { 0.0 } }, { "p", spread(1) }, { "q", spread(2) } }),
+            { { "always255", { 255.0 } },
+              { "zero", { 0.0 } },
+              { "p", spread(1) },
+              { "q", spread(2) } }),
       "p",
       "q",
       "-" },

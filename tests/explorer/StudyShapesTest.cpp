@@ -8,9 +8,9 @@
 #include "views/ImageMatrixView.h"
 #include "views/ParallelCoordinatesView.h"
 #include "views/ScatterPlot3DView.h"
-#include "views/scatter/ScatterPlotView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
+#include "views/scatter/ScatterPlotView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "charts/AxisDetailsInterface.h"
@@ -361,8 +361,7 @@ TEST_F(StudyShapes, ACaseIsTheSameInEveryViewWhateverItsId)
         row = r;
     ASSERT_GE(row, 0) << "the table shows the whole id " << text;
     rows.selectionModel()->select(rows.model()->index(row, 0),
-                                  QItemSelectionModel::ClearAndSelect |
-                                    QItemSelectionModel::Rows);
+                                  QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     shownEverywhere(id, "row of " + text);
 
     // By a click on its point.
@@ -406,8 +405,7 @@ TEST_F(StudyShapes, ImageViewsShowImagesOnlyAndFilesAtURLsOnceLocated)
   auto* image = window->view<explorer::SelectedImageView>();
   auto* difference = window->view<explorer::ImageDiffView>();
   window->selection().setSelection({ 1, 2 });
-  EXPECT_EQ(difference->message().toStdString().find("case 1: not found: https://host/study/"),
-            0u)
+  EXPECT_EQ(difference->message().toStdString().find("case 1: not found: https://host/study/"), 0u)
     << "the URL is named, not the table before it: " << difference->message().toStdString();
 
   window->files().addLocation({ "https://host/study/", folder.path() + "/local" });
@@ -423,7 +421,8 @@ TEST_F(StudyShapes, AnAxisOverAConstantIsCentredOnItWithAMargin)
   TemporaryFolder folder;
   open(shapes()[3].make(folder));
   auto* scatter = window->view<explorer::ScatterPlotView>();
-  for (const auto& [name, value] : { std::make_pair("always255", 255.0), std::make_pair("zero", 0.0) })
+  for (const auto& [name, value] :
+       { std::make_pair("always255", 255.0), std::make_pair("zero", 0.0) })
   {
     scatter->yVariable()->setValue(window->project()->variable(name));
     scatter->fitToData();

@@ -8,8 +8,7 @@ namespace explorer
 int CinemaDatabaseFormat::score(const std::string& path) const
 {
   std::error_code error;
-  return std::filesystem::is_regular_file(std::filesystem::path(path) / "data.csv", error) ? 5
-                                                                                           : 0;
+  return std::filesystem::is_regular_file(std::filesystem::path(path) / "data.csv", error) ? 5 : 0;
 }
 
 std::shared_ptr<const Project> CinemaDatabaseFormat::read(const std::string& path,

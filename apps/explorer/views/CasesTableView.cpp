@@ -483,10 +483,9 @@ struct CasesTableView::Impl
   void fitCaseIdColumn()
   {
     const QString widest = QString::number(model->largestCaseId());
-    table->setColumnWidth(
-      0,
-      std::max(table->horizontalHeader()->defaultSectionSize(),
-               table->fontMetrics().horizontalAdvance(widest) + 16));
+    table->setColumnWidth(0,
+                          std::max(table->horizontalHeader()->defaultSectionSize(),
+                                   table->fontMetrics().horizontalAdvance(widest) + 16));
   }
 
   // Selects the case whose id was typed, or says why it cannot.
@@ -578,8 +577,7 @@ CasesTableView::CasesTableView(const ViewContext& context)
   columns->setSortIndicator(-1, Qt::AscendingOrder); // in the study's order until a click
   Impl* impl = d.get();
   connections().add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
-  connections().add(
-    d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  connections().add(d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   QObject::connect(d->find, &QLineEdit::returnPressed, d->container, [impl] { impl->findCase(); });
 
   connections().add(context.selection->connectSignalSelectionChanged(
@@ -609,8 +607,6 @@ CasesTableView::~CasesTableView()
   if (d->container)
     d->table->setModel(nullptr);
 }
-
-
 
 std::string CasesTableView::selectionSummary() const
 {

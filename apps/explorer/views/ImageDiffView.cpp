@@ -19,8 +19,8 @@
 #include "signals/SignalConnectionCollection.h"
 
 #include <QCheckBox>
-#include <QFormLayout>
 #include <QFileInfo>
+#include <QFormLayout>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPointer>
@@ -281,8 +281,6 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
 
 ImageDiffView::~ImageDiffView() = default;
 
-
-
 std::vector<SettingsSection> ImageDiffView::settingsSections(PropertyEditors& editors)
 {
   auto* box = new QWidget();
@@ -300,9 +298,7 @@ std::string ImageDiffView::selectionSummary() const
          ", largest difference " + std::to_string(d->largest);
 }
 
-void ImageDiffView::suspendParts()
-{
-}
+void ImageDiffView::suspendParts() {}
 
 void ImageDiffView::resumeParts()
 {

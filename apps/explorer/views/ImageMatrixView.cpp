@@ -25,18 +25,18 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFileInfo>
-#include <QHBoxLayout>
-#include <QLabel>
-#include <QPushButton>
-#include <QStackedLayout>
 #include <QDomDocument>
 #include <QDomElement>
+#include <QFileInfo>
 #include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
+#include <QPushButton>
 #include <QSlider>
+#include <QStackedLayout>
 #include <QVBoxLayout>
 #include <boost/make_shared.hpp>
 
@@ -215,8 +215,6 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
 
 ImageMatrixView::~ImageMatrixView() = default;
 
-
-
 std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& editors)
 {
   using Matrix = ImageMatrixViewProperties;
@@ -229,10 +227,10 @@ std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& 
   };
   // An axis laid out by tags shows the tags to show: with none chosen yet, the image tags are
   // chosen with it, in the same step. Its variable has no say meanwhile.
-  const auto axisEditors = [&](const QString& name,
-                               const boost::shared_ptr<plexa::PropertyAbstract<
-                                 Matrix::RowColumnDimensionBy>>& by,
-                               const boost::shared_ptr<PropertyEditors::VariableProperty>& variable)
+  const auto axisEditors =
+    [&](const QString& name,
+        const boost::shared_ptr<plexa::PropertyAbstract<Matrix::RowColumnDimensionBy>>& by,
+        const boost::shared_ptr<PropertyEditors::VariableProperty>& variable)
   {
     QComboBox* mode = editors.enumChooser(by, axes);
     QComboBox* chooser = editors.variableChooser(variable, false, "(none)");

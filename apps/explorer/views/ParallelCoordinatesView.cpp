@@ -494,13 +494,13 @@ struct ParallelCoordinatesView::Impl
     {
       // Right of the "missing" label, shortened rather than cut when the view is narrow.
       const QRectF caption(64, at.missingY + 8, std::max(at.width - 70.0, 0.0), 18);
-      painter.drawText(caption,
-                       Qt::AlignRight | Qt::AlignVCenter,
-                       painter.fontMetrics().elidedText(
-                         "colour: " + QString::fromStdString(colourVariable.name()) +
-                           " (blue low, red high)",
-                         Qt::ElideMiddle,
-                         static_cast<int>(caption.width())));
+      painter.drawText(
+        caption,
+        Qt::AlignRight | Qt::AlignVCenter,
+        painter.fontMetrics().elidedText(
+          "colour: " + QString::fromStdString(colourVariable.name()) + " (blue low, red high)",
+          Qt::ElideMiddle,
+          static_cast<int>(caption.width())));
     }
     QFont bold = painter.font();
     bold.setBold(true);
@@ -742,8 +742,6 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
 
 ParallelCoordinatesView::~ParallelCoordinatesView() = default;
 
-
-
 std::vector<SettingsSection> ParallelCoordinatesView::settingsSections(PropertyEditors& editors)
 {
   auto* box = new QWidget();
@@ -764,9 +762,7 @@ std::string ParallelCoordinatesView::selectionSummary() const
   return std::to_string(highlightedLines()) + " highlighted lines";
 }
 
-void ParallelCoordinatesView::suspendParts()
-{
-}
+void ParallelCoordinatesView::suspendParts() {}
 
 void ParallelCoordinatesView::resumeParts()
 {

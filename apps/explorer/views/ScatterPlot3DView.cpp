@@ -601,8 +601,6 @@ ScatterPlot3DView::~ScatterPlot3DView()
   }
 }
 
-
-
 std::vector<SettingsSection> ScatterPlot3DView::settingsSections(PropertyEditors& editors)
 {
   auto* box = new QWidget();
@@ -619,9 +617,7 @@ std::string ScatterPlot3DView::selectionSummary() const
   return std::to_string(highlightedPoints()) + " highlighted points";
 }
 
-void ScatterPlot3DView::suspendParts()
-{
-}
+void ScatterPlot3DView::suspendParts() {}
 
 void ScatterPlot3DView::resumeParts()
 {

@@ -12,7 +12,6 @@ template<typename T>
 class PropertyAbstract;
 }
 
-
 namespace explorer
 {
 

@@ -238,8 +238,7 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
   sortOnHeaderClicks(*d->table->horizontalHeader(), d->sortColumn, d->sortDescending);
   Impl* impl = d.get();
   connections().add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
-  connections().add(
-    d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
+  connections().add(d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   d->changes = std::make_unique<ChangesWhileHidden>(
     *d->container,
     *context.selection,
@@ -251,30 +250,28 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
                    &QPushButton::clicked,
                    d->container,
                    [this] { QApplication::clipboard()->setText(shownText()); });
-  QObject::connect(exportButton,
-                   &QPushButton::clicked,
-                   d->container,
-                   [this]
-                   {
-                     const QString path = QFileDialog::getSaveFileName(
-                       d->container, "Export Selection", "selection.csv", "CSV (*.csv)");
-                     if (path.isEmpty())
-                       return;
-                     try
-                     {
-                       exportSelection(path.toStdString());
-                       // Said until the selection next changes.
-                       d->count->setText(QString("%1 cases exported to %2")
-                                           .arg(d->model->rowCount())
-                                           .arg(path));
-                     }
-                     catch (const std::exception& e)
-                     {
-                       QMessageBox::critical(d->container,
-                                             "Cannot export the selection",
-                                             QString::fromStdString(e.what()));
-                     }
-                   });
+  QObject::connect(
+    exportButton,
+    &QPushButton::clicked,
+    d->container,
+    [this]
+    {
+      const QString path = QFileDialog::getSaveFileName(
+        d->container, "Export Selection", "selection.csv", "CSV (*.csv)");
+      if (path.isEmpty())
+        return;
+      try
+      {
+        exportSelection(path.toStdString());
+        // Said until the selection next changes.
+        d->count->setText(QString("%1 cases exported to %2").arg(d->model->rowCount()).arg(path));
+      }
+      catch (const std::exception& e)
+      {
+        QMessageBox::critical(
+          d->container, "Cannot export the selection", QString::fromStdString(e.what()));
+      }
+    });
 
   saveSetting(boost::make_shared<GenericSerializer<short>>("SortColumn", d->sortColumn),
               "a column");
@@ -291,8 +288,6 @@ SelectedCasesView::~SelectedCasesView()
     d->table->setModel(nullptr);
 }
 
-
-
 std::vector<SettingsSection> SelectedCasesView::settingsSections(PropertyEditors&)
 {
   return {};
@@ -304,9 +299,7 @@ std::string SelectedCasesView::selectionSummary() const
   return std::to_string(d->model->rowCount()) + " rows";
 }
 
-void SelectedCasesView::suspendParts()
-{
-}
+void SelectedCasesView::suspendParts() {}
 
 void SelectedCasesView::resumeParts()
 {

@@ -6,7 +6,6 @@
 
 class QTableView;
 
-
 namespace explorer
 {
 

@@ -163,8 +163,8 @@ struct SelectedImageView::Impl
       captions.push_back(text->text());
     }
     if (selected.empty())
-      row->addWidget(new QLabel(noImages.isEmpty() ? "Select cases to see their images."
-                                                   : noImages));
+      row->addWidget(
+        new QLabel(noImages.isEmpty() ? "Select cases to see their images." : noImages));
     position->setText(selected.empty() ? QString()
                                        : QString("case %1 of %2, image %3 %4")
                                            .arg(firstCase + 1)
@@ -265,8 +265,6 @@ SelectedImageView::SelectedImageView(const ViewContext& context)
 
 SelectedImageView::~SelectedImageView() = default;
 
-
-
 std::vector<SettingsSection> SelectedImageView::settingsSections(PropertyEditors& editors)
 {
   auto* box = new QWidget();
@@ -289,9 +287,7 @@ std::string SelectedImageView::selectionSummary() const
   return std::to_string(d->shown.size()) + " cases shown";
 }
 
-void SelectedImageView::suspendParts()
-{
-}
+void SelectedImageView::suspendParts() {}
 
 void SelectedImageView::resumeParts()
 {

@@ -135,10 +135,9 @@ std::size_t ScatterPlotModel::withoutColour() const
 long long ScatterPlotModel::rowOfCase(unsigned long long caseId) const
 {
   unsigned long long key = 0;
-  auto* keys =
-    d->table && d->table->GetNumberOfColumns() > 0
-      ? vtkIntArray::SafeDownCast(d->table->GetColumn(0))
-      : nullptr;
+  auto* keys = d->table && d->table->GetNumberOfColumns() > 0
+                 ? vtkIntArray::SafeDownCast(d->table->GetColumn(0))
+                 : nullptr;
   if (!keys || !d->keys->keyOf(caseId, key))
     return -1;
   for (vtkIdType row = 0; row < keys->GetNumberOfTuples(); ++row)
@@ -168,11 +167,17 @@ double ScatterPlotModel::halfGap(const Variable& variable) const
   return distinct.size() < 2 ? 0 : (range.second - range.first) / (2.0 * (distinct.size() - 1));
 }
 
-bool ScatterPlotModel::axisRange(double min, double max, double margin, double& from, double& to)
+bool ScatterPlotModel::axisRange(double min,
+                                 double max,
+                                 double markerShare,
+                                 double halfGap,
+                                 double& from,
+                                 double& to)
 {
   const double span = max - min;
   if (!std::isfinite(span) || span < 0)
     return false;
+  const double margin = std::max({ 0.04 * span, span * markerShare, halfGap });
   if (span == 0)
   {
     const double half = min == 0 ? 1 : makeNiceNumber(std::abs(min) / 10);

@@ -73,10 +73,16 @@ public:
   /// last values of a sweep then sit as far from the ends of the axis as from their neighbours.
   double halfGap(const Variable& variable) const;
 
-  /// The range an axis takes to show values from `min` to `max`: widened by `margin` on each
-  /// side and rounded outwards to a hundredth of the span on a nice number. A single value is
-  /// centred, with a tenth of itself (or 1 around 0) on each side. False for non-finite values.
-  static bool axisRange(double min, double max, double margin, double& from, double& to);
+  /// The range an axis takes to show values from `min` to `max` whole: widened by a few
+  /// percent, by at least a marker (`markerShare` of the axis's length), and by `halfGap`, then
+  /// rounded outwards to a hundredth of the span on a nice number. A single value is centred,
+  /// with a tenth of itself (or 1 around 0) on each side. False for non-finite values.
+  static bool axisRange(double min,
+                        double max,
+                        double markerShare,
+                        double halfGap,
+                        double& from,
+                        double& to);
   /// The ticks of a custom grid spacing: every multiple of `spacing` from `min` to `max`, none
   /// of them "-0"; empty for a spacing that is not positive or would make over 10,000 ticks.
   static std::vector<double> customTicks(double min, double max, double spacing);

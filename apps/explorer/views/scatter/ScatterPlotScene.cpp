@@ -2,18 +2,22 @@
 
 #include "ExplorerView.h"
 #include "VtkFonts.h"
+#include "views/scatter/LegendPlace.h"
 #include "views/scatter/ScatterPlotModel.h"
 
+#include "charts/AxisDetailsInterface.h"
 #include "charts/ChartXY.h"
 #include "charts/vtkDensityPlotPoints.h"
 #include "colorlegend/NiceLabelsColorBarWidget.h"
 #include "common_vtk/vtkPxCommandProxy.h"
+#include "properties/PropertyAbstract.h"
 
 #include <QVTKOpenGLNativeWidget.h>
 #include <vtkAxis.h>
 #include <vtkCommand.h>
 #include <vtkContextScene.h>
 #include <vtkContextView.h>
+#include <vtkDoubleArray.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkIdTypeArray.h>
 #include <vtkLookupTable.h>
@@ -21,13 +25,14 @@
 #include <vtkRenderWindowInteractor.h>
 #include <vtkRenderer.h>
 #include <vtkScalarBarActor.h>
-#include <vtkScalarBarRepresentation.h>
 #include <vtkTable.h>
 #include <vtkTextActor.h>
 #include <vtkTextProperty.h>
 #include <vtkTooltipItem.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 
 namespace explorer
 {
@@ -35,8 +40,6 @@ namespace explorer
 namespace
 {
 
-// The margin on the right of the chart that holds the colour legend, in pixels.
-constexpr float legendMargin = 110.0f;
 // A few points are drawn larger, so that they are seen at once.
 constexpr vtkIdType fewPoints = 500;
 
@@ -71,13 +74,11 @@ struct ScatterPlotScene::Impl
   vtkSmartPointer<vtkPxCommandProxy> layoutObserver;
   vtkSmartPointer<vtkPxCommandProxy> legendMovedObserver;
   vtkSmartPointer<vtkPxCommandProxy> swallowKeys;
-  std::function<void()> beforeDraw;
+  AxisDetailsInterface* xDetails = nullptr;
+  AxisDetailsInterface* yDetails = nullptr;
   QueuedDraw draws;
   bool legendShown = false;
-  // The legend's corners in fractions of the view once the user has moved it; until then it
-  // sits in the margin the chart leaves on its right.
-  bool legendPlacedByUser = false;
-  double placement[4] = { 0, 0, 0, 0 };
+  LegendPlace legendPlace{ chart, legendBar, legendNote };
   std::string xColumn;
   std::string yColumn;
 
@@ -93,46 +94,31 @@ struct ScatterPlotScene::Impl
     widget.interactor()->RemoveObserver(swallowKeys);
   }
 
-  // The chart fills the view but for a margin on the right that holds the colour legend, so the
-  // legend never covers a point. Runs before each draw, when the view's size is known.
-  void layOut()
+  // Places the ticks of a custom grid spacing, unless in place already: compared bit for bit,
+  // since -0 equals 0 as a number.
+  static void placeTicks(AxisDetailsInterface* details, vtkAxis& axis)
   {
-    if (beforeDraw)
-      beforeDraw();
-    const int* size = window->GetSize();
-    if (size[0] <= 0 || size[1] <= 0)
+    if (!details || !details->useCustomGridSpacing()->value())
       return;
-    const float margin = legendShown && !legendPlacedByUser ? legendMargin : 0.0f;
-    const vtkRectf area(
-      0, 0, std::max(1.0f, static_cast<float>(size[0]) - margin), static_cast<float>(size[1]));
-    if (chart->GetSize() != area)
-      chart->SetSize(area);
-    auto* representation = vtkScalarBarRepresentation::SafeDownCast(legendBar->GetRepresentation());
-    if (!representation)
+    const std::vector<double> ticks = ScatterPlotModel::customTicks(
+      axis.GetMinimum(), axis.GetMaximum(), details->gridSpacing()->value());
+    vtkDoubleArray* placed = axis.GetTickPositions();
+    if (placed && static_cast<std::size_t>(placed->GetNumberOfTuples()) == ticks.size() &&
+        (ticks.empty() ||
+         std::memcmp(ticks.data(), placed->GetPointer(0), sizeof(double) * ticks.size()) == 0))
       return;
-    if (legendPlacedByUser)
-    {
-      legendNote->SetPosition(placement[0] * size[0], std::max(0.0, placement[1] * size[1] - 34));
-      representation->SetPosition(placement[0], placement[1]);
-      representation->SetPosition2(placement[2], placement[3]);
-      return;
-    }
-    const auto width = static_cast<double>(size[0]);
-    const auto height = static_cast<double>(size[1]);
-    legendNote->SetPosition(width - margin + 8, 6);
-    representation->SetPosition((width - margin + 8) / width, 50.0 / height);
-    representation->SetPosition2((margin - 16) / width, std::max(0.1, 1.0 - 80.0 / height));
+    auto positions = vtkSmartPointer<vtkDoubleArray>::New();
+    for (double tick : ticks)
+      positions->InsertNextValue(tick);
+    axis.SetCustomTickPositions(positions, nullptr);
   }
 
-  void legendMoved()
+  // Runs before each draw, when the view's size is known.
+  void layOut()
   {
-    auto* representation = vtkScalarBarRepresentation::SafeDownCast(legendBar->GetRepresentation());
-    if (!representation)
-      return;
-    legendPlacedByUser = true;
-    std::copy(representation->GetPosition(), representation->GetPosition() + 2, placement);
-    std::copy(representation->GetPosition2(), representation->GetPosition2() + 2, placement + 2);
-    draws.now();
+    placeTicks(xDetails, *chart->GetAxis(vtkAxis::BOTTOM));
+    placeTicks(yDetails, *chart->GetAxis(vtkAxis::LEFT));
+    legendPlace.layOut(window->GetSize(), legendShown);
   }
 
   void assignColumns(vtkPlot& plot) const
@@ -213,7 +199,12 @@ ScatterPlotScene::ScatterPlotScene(QVTKOpenGLNativeWidget& widget)
   Impl* impl = d.get();
   d->layoutObserver = vtkPxCommandProxy::New([impl] { impl->layOut(); });
   d->window->AddObserver(vtkCommand::StartEvent, d->layoutObserver);
-  d->legendMovedObserver = vtkPxCommandProxy::New([impl] { impl->legendMoved(); });
+  d->legendMovedObserver = vtkPxCommandProxy::New(
+    [impl]
+    {
+      impl->legendPlace.moved();
+      impl->draws.now();
+    });
   d->legendBar->AddObserver(vtkCommand::EndInteractionEvent, d->legendMovedObserver);
   // VTK's interactor style answers keys as in a 3-D viewer (3 for stereo, w and s for wireframe
   // and surface, e and q to quit, r to reset); none of that belongs in a chart, so the keys stop
@@ -333,21 +324,44 @@ void ScatterPlotScene::setLegendShown(bool shown)
 
 bool ScatterPlotScene::legendPlacement(double placement[4]) const
 {
-  std::copy(d->placement, d->placement + 4, placement);
-  return d->legendPlacedByUser;
+  return d->legendPlace.placement(placement);
 }
 
 void ScatterPlotScene::placeLegend(const double* placement)
 {
-  d->legendPlacedByUser = placement != nullptr;
-  if (placement)
-    std::copy(placement, placement + 4, d->placement);
+  d->legendPlace.place(placement);
   scheduleRender();
 }
 
-void ScatterPlotScene::setBeforeDraw(std::function<void()> beforeDraw)
+void ScatterPlotScene::placeCustomTicks(AxisDetailsInterface& x, AxisDetailsInterface& y)
 {
-  d->beforeDraw = std::move(beforeDraw);
+  d->xDetails = &x;
+  d->yDetails = &y;
+}
+
+void ScatterPlotScene::widenToPoints(int which, double halfGap)
+{
+  vtkAxis* axis = d->chart->GetAxis(which);
+  double bounds[4] = { 0, 0, 0, 0 };
+  vtkDensityPlotPoints& points = *d->points;
+  const bool plotted =
+    points.GetVisible() && points.GetInput() && points.GetInput()->GetNumberOfRows() > 0;
+  if (plotted)
+    points.GetBounds(bounds);
+  // From the points themselves: the fitted range has already been rounded outwards.
+  const int i = which == vtkAxis::BOTTOM ? 0 : 2;
+  const float* start = axis->GetPoint1();
+  const float* end = axis->GetPoint2();
+  const double pixels = std::hypot(end[0] - start[0], end[1] - start[1]);
+  double from = 0;
+  double to = 0;
+  if (ScatterPlotModel::axisRange(plotted ? bounds[i] : axis->GetMinimum(),
+                                  plotted ? bounds[i + 1] : axis->GetMaximum(),
+                                  pixels > 0 ? points.GetMarkerSize() / pixels : 0,
+                                  halfGap,
+                                  from,
+                                  to))
+    axis->SetRange(from, to);
 }
 
 void ScatterPlotScene::render()

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+class AxisDetailsInterface;
 class ChartXY;
 class NiceLabelsColorBarWidget;
 class QVTKOpenGLNativeWidget;
@@ -58,8 +59,15 @@ public:
   /// while it sits in its margin. Null puts it back in the margin.
   bool legendPlacement(double placement[4]) const;
   void placeLegend(const double* placement);
-  /// Runs before each draw, once the view's size is known.
-  void setBeforeDraw(std::function<void()> beforeDraw);
+  /// Puts a tick on every multiple of an axis's custom grid spacing inside its range, before
+  /// each draw. The axis settings start the ticks at the multiple nearest zero from the minimum,
+  /// which can lie below the range and leave it without a label (198 to 242 by 50), and can
+  /// read "-0".
+  void placeCustomTicks(AxisDetailsInterface& x, AxisDetailsInterface& y);
+  /// Widens an axis's fitted range (vtkAxis::BOTTOM or LEFT), which ends on the outermost
+  /// points and would cut them in half: by a few percent, by at least a marker, and by
+  /// `halfGap` (half a discrete variable's step).
+  void widenToPoints(int axis, double halfGap);
 
   /// Draws now, or once control returns to the event loop however many changes ask for it.
   void render();
