@@ -8,7 +8,7 @@
 #include "SampleStudy.h"
 #include "views/CasesTableView.h"
 #include "views/ImageMatrixView.h"
-#include "views/ParallelCoordinatesView.h"
+#include "views/parallel/ParallelCoordinatesView.h"
 #include "views/ScatterPlot3DView.h"
 #include "views/scatter/ScatterPlotView.h"
 

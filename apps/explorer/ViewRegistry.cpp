@@ -3,7 +3,7 @@
 #include "views/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
-#include "views/ParallelCoordinatesView.h"
+#include "views/parallel/ParallelCoordinatesView.h"
 #include "views/ScatterPlot3DView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"

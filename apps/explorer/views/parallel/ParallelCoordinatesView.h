@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ExplorerView.h"
+#include "views/DrawingPolicy.h"
 
 #include <QPoint>
 
@@ -39,13 +40,8 @@ public:
   /// The variables shown as axes, from left to right.
   boost::shared_ptr<plexa::PropertyAbstract<std::vector<WeakPtr<Variable>>>> axes() const;
   boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> colorVariable() const;
-  enum LinesMode : short
-  {
-    AutomaticLines = 0,
-    SingleLines = 1,
-    DensityLines = 2
-  };
-  boost::shared_ptr<plexa::PropertyAbstract<short>> linesMode() const;
+  /// Lines, or a density above drawing::linesAsDensityAbove lines (automatic).
+  boost::shared_ptr<plexa::PropertyAbstract<Drawing>> drawing() const;
   /// Whether the lines are drawn as a density at present.
   bool drawsDensity() const;
   /// Where `value` lies on the axis at `axis` (a category's index on a text axis), in the

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "CaseRowIndex.h"
+
+#include "datamanagement/Variable.h"
+#include "datamanagement/WeakPtr.h"
+
+#include <limits>
+#include <set>
+#include <string>
+#include <vector>
+
+class Project;
+class vtkTable;
+
+namespace explorer
+{
+
+/// One axis of parallel coordinates: its variable, and where each shown case lies on it, from 0
+/// (bottom) to 1 (top), NaN for a missing value. A text variable's categories (from the whole
+/// study, sorted, so that they stay in place as filters change) are spread evenly.
+struct ParallelAxis
+{
+  WeakPtr<Variable> variable;
+  std::string name;
+  bool text = false;
+  double min = 0;
+  double max = 1;
+  std::vector<std::string> categories;
+  std::vector<float> position;
+};
+
+/// What parallel coordinates show of the shown cases: one line per case across the axes, its
+/// colour's place on the colour scale, and which lines are selected. No widget.
+class ParallelCoordinatesModel
+{
+public:
+  static constexpr float missing = std::numeric_limits<float>::quiet_NaN();
+
+  /// Reads the shown cases (a table of the pipeline's output) for these axes and colour.
+  void reload(vtkTable& shown,
+              const Project& project,
+              const std::vector<WeakPtr<Variable>>& axes,
+              const WeakPtr<Variable>& colour);
+  /// The rows of the selected cases.
+  void select(const std::set<unsigned long long>& caseIds);
+
+  const std::vector<ParallelAxis>& axes() const { return axesShown; }
+  const std::vector<unsigned long long>& caseIds() const { return ids; }
+  /// Each line's place on the colour scale, from 0 to 1; NaN without a colour value.
+  const std::vector<float>& colour() const { return colours; }
+  const std::vector<int>& selectedRows() const { return selected; }
+
+  /// Where a value lies on an axis, from 0 to 1 (a category's index on a text axis); NaN for a
+  /// missing value.
+  float positionOf(std::size_t axis, double value) const;
+
+private:
+  std::vector<ParallelAxis> axesShown;
+  std::vector<unsigned long long> ids;
+  std::vector<float> colours;
+  CaseRowIndex rowOfCase;
+  std::vector<int> selected;
+};
+
+} // namespace explorer
