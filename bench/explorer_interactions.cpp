@@ -9,7 +9,7 @@
 #include "views/CasesTableView.h"
 #include "views/ImageMatrixView.h"
 #include "views/parallel/ParallelCoordinatesView.h"
-#include "views/ScatterPlot3DView.h"
+#include "views/scatter3d/ScatterPlot3DView.h"
 #include "views/scatter/ScatterPlotView.h"
 
 #include "analyzer_common/SelectionModel.h"

@@ -7,7 +7,7 @@
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/parallel/ParallelCoordinatesView.h"
-#include "views/ScatterPlot3DView.h"
+#include "views/scatter3d/ScatterPlot3DView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
 #include "views/scatter/ScatterPlotView.h"

@@ -44,7 +44,6 @@ public:
   int highlightedPoints() const;
 
 protected:
-  void suspendParts() override;
   void resumeParts() override;
   bool caseIDAtPoint(unsigned long long& caseID) override;
 
