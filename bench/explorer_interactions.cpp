@@ -6,7 +6,7 @@
 
 #include "ExplorerWindow.h"
 #include "SampleStudy.h"
-#include "views/CasesTableView.h"
+#include "views/table/CasesTableView.h"
 #include "views/ImageMatrixView.h"
 #include "views/parallel/ParallelCoordinatesView.h"
 #include "views/scatter3d/ScatterPlot3DView.h"

@@ -1,6 +1,6 @@
 #include "ViewRegistry.h"
 
-#include "views/CasesTableView.h"
+#include "views/table/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/parallel/ParallelCoordinatesView.h"

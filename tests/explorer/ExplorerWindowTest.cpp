@@ -5,7 +5,7 @@
 #include "CommandLine.h"
 #include "SampleStudy.h"
 #include "ViewRegistry.h"
-#include "views/CasesTableView.h"
+#include "views/table/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/parallel/ParallelCoordinatesView.h"

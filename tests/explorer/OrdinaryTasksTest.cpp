@@ -4,7 +4,7 @@
 
 #include "ExplorerWindow.h"
 #include "SampleStudy.h"
-#include "views/CasesTableView.h"
+#include "views/table/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/SelectedImageView.h"

@@ -3,7 +3,7 @@
 
 #include "ExplorerWindow.h"
 #include "FileLocator.h"
-#include "views/CasesTableView.h"
+#include "views/table/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/parallel/ParallelCoordinatesView.h"

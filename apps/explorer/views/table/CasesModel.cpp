@@ -1,0 +1,154 @@
+#include "views/table/CasesModel.h"
+
+#include "TableSorting.h"
+
+#include "analyzer_common/VariantDisplayText.h"
+#include "common/Variant.h"
+#include "datapipeline/DataPipelineManagerInterface.h"
+
+#include <vtkAbstractArray.h>
+#include <vtkDoubleArray.h>
+#include <vtkStringArray.h>
+#include <vtkTable.h>
+#include <vtkTableAlgorithm.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace explorer
+{
+
+CasesModel::CasesModel(const DataPipelineManagerInterface& pipeline)
+  : pipeline(pipeline)
+{
+  reload();
+}
+
+CasesModel::~CasesModel() = default;
+
+void CasesModel::reload()
+{
+  beginResetModel();
+  pipeline.output()->Update();
+  table = vtkSmartPointer<vtkTable>::New();
+  table->ShallowCopy(pipeline.output()->GetOutput());
+  caseIds = caseIdsOf(*table);
+  rowOfCase.assign(caseIds);
+  arrange();
+  endResetModel();
+}
+
+int CasesModel::rowCount(const QModelIndex& parent) const
+{
+  return parent.isValid() ? 0 : static_cast<int>(table->GetNumberOfRows());
+}
+
+int CasesModel::columnCount(const QModelIndex& parent) const
+{
+  return parent.isValid() ? 0 : static_cast<int>(table->GetNumberOfColumns());
+}
+
+QVariant CasesModel::data(const QModelIndex& index, int role) const
+{
+  if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::TextAlignmentRole))
+    return {};
+  vtkAbstractArray* column = table->GetColumn(index.column());
+  if (role == Qt::TextAlignmentRole)
+    return vtkStringArray::SafeDownCast(column) ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
+                                                : QVariant(Qt::AlignRight | Qt::AlignVCenter);
+  const vtkIdType row = tableRow(index.row());
+  if (auto* numbers = vtkDoubleArray::SafeDownCast(column))
+  {
+    const double value = numbers->GetValue(row);
+    return std::isnan(value) ? QString()
+                             : QString::fromStdString(variantDisplayText(Variant(value)));
+  }
+  return QString::fromStdString(column->GetVariantValue(row).ToString());
+}
+
+QVariant CasesModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+  if (role != Qt::DisplayRole)
+    return {};
+  if (orientation == Qt::Horizontal && section < columnCount())
+    return QString::fromUtf8(table->GetColumn(section)->GetName());
+  return section + 1;
+}
+
+void CasesModel::sortBy(int column, bool descending)
+{
+  sortColumn = column;
+  sortDescending = descending;
+  beginResetModel();
+  arrange();
+  endResetModel();
+}
+
+unsigned long long CasesModel::caseOfRow(int row) const
+{
+  return caseIds[static_cast<std::size_t>(tableRow(row))];
+}
+
+std::vector<unsigned long long> CasesModel::sortedCases() const
+{
+  std::vector<unsigned long long> ids;
+  ids.reserve(order.size());
+  for (std::size_t row : order)
+    ids.push_back(caseIds[row]);
+  return ids;
+}
+
+unsigned long long CasesModel::largestCaseId() const
+{
+  return caseIds.empty() ? 0 : *std::max_element(caseIds.begin(), caseIds.end());
+}
+
+std::vector<int> CasesModel::rowsOf(const std::set<unsigned long long>& ids) const
+{
+  std::vector<int> rows = rowOfCase.rowsOf(ids);
+  if (!order.empty())
+    for (int& row : rows)
+      row = shownRow[static_cast<std::size_t>(row)];
+  return rows;
+}
+
+vtkIdType CasesModel::tableRow(int row) const
+{
+  return order.empty() ? row : static_cast<vtkIdType>(order[static_cast<std::size_t>(row)]);
+}
+
+void CasesModel::arrange()
+{
+  order.clear();
+  shownRow.clear();
+  vtkAbstractArray* column = sortColumn >= 0 && sortColumn < table->GetNumberOfColumns()
+                               ? table->GetColumn(sortColumn)
+                               : nullptr;
+  if (!column)
+    return;
+  const auto rows = static_cast<std::size_t>(table->GetNumberOfRows());
+  order.resize(rows);
+  std::iota(order.begin(), order.end(), std::size_t(0));
+  if (auto* texts = vtkStringArray::SafeDownCast(column))
+  {
+    std::vector<std::string> keys(rows);
+    for (std::size_t row = 0; row < rows; ++row)
+      keys[row] = texts->GetValue(static_cast<vtkIdType>(row));
+    sortByTexts(order, keys, sortDescending);
+  }
+  else
+  {
+    std::vector<double> keys(rows);
+    auto* numbers = vtkDoubleArray::SafeDownCast(column);
+    for (std::size_t row = 0; row < rows; ++row)
+      keys[row] = numbers ? numbers->GetValue(static_cast<vtkIdType>(row))
+                          : column->GetVariantValue(static_cast<vtkIdType>(row)).ToDouble();
+    sortByNumbers(order, keys, sortDescending);
+  }
+  shownRow.resize(rows);
+  for (std::size_t row = 0; row < rows; ++row)
+    shownRow[order[row]] = static_cast<int>(row);
+}
+
+} // namespace explorer

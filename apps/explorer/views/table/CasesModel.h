@@ -1,0 +1,61 @@
+#pragma once
+
+#include "CaseRowIndex.h"
+
+#include <QAbstractTableModel>
+#include <vtkSmartPointer.h>
+
+#include <set>
+#include <vector>
+
+class DataPipelineManagerInterface;
+class vtkTable;
+
+namespace explorer
+{
+
+/// The shown cases (the pipeline's output) as a Qt table model, read again on every pipeline
+/// change, in the order of a column when sorted. Rows of the model are "shown rows", rows of the
+/// pipeline's table "table rows". Numbers are shown as the study wrote them, NaN as nothing.
+class CasesModel : public QAbstractTableModel
+{
+public:
+  explicit CasesModel(const DataPipelineManagerInterface& pipeline);
+  ~CasesModel() override;
+
+  /// Reads the shown cases again, in the sorted order.
+  void reload();
+
+  int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+  int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+  /// Sorts by a column (none below 0), numbers with NaN last, texts as text; ties keep the
+  /// table's order.
+  void sortBy(int column, bool descending);
+
+  unsigned long long caseOfRow(int row) const;
+  /// The shown cases in the shown order when sorted; empty in the study's order.
+  std::vector<unsigned long long> sortedCases() const;
+  /// The largest case id shown, whose text is the widest of the case id column.
+  unsigned long long largestCaseId() const;
+  /// The shown rows of the cases.
+  std::vector<int> rowsOf(const std::set<unsigned long long>& ids) const;
+
+private:
+  vtkIdType tableRow(int row) const;
+  void arrange();
+
+  const DataPipelineManagerInterface& pipeline;
+  vtkSmartPointer<vtkTable> table;
+  std::vector<unsigned long long> caseIds;
+  CaseRowIndex rowOfCase;
+  int sortColumn = -1;
+  bool sortDescending = false;
+  // Empty when unsorted: the table row of each shown row, and the shown row of each table row.
+  std::vector<std::size_t> order;
+  std::vector<int> shownRow;
+};
+
+} // namespace explorer
