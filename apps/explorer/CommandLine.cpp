@@ -2,6 +2,7 @@
 
 #include "ExplorerWindow.h"
 #include "Screenshots.h"
+#include "StudyReading.h"
 #include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
 #include "formats/StudyFormats.h"

@@ -4,57 +4,43 @@
 #include "CaseOrder.h"
 #include "ExplorerView.h"
 #include "FileLocator.h"
+#include "ImagePreloader.h"
 #include "SettingsFile.h"
 #include "SettingsPanel.h"
+#include "StudyFiles.h"
+#include "StudyReading.h"
+#include "ViewArrangement.h"
 #include "ViewRegistry.h"
+#include "WindowMenus.h"
+#include "WindowStatus.h"
 #include "analyzer_common/DeleteSignaler.h"
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
-#include "datamanagement/CinemaReader.h"
 #include "datamanagement/Project.h"
-#include "datamanagement/StudyReader.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "dataviews/DataViewVisitorAbstract.h"
 #include "export/FullPrecisionCSVExporter.h"
 #include "export/SurrogateModelCSVExporter.h"
-#include "formats/StudyFormats.h"
 #include "images/ImageCache.h"
 #include "signals/SignalConnectionCollection.h"
 #include "vtkFilePathColumns.h"
 
 #include "properties/PropertyAbstract.h"
 
-#include <QImage>
-
-#include <QActionGroup>
 #include <QApplication>
 #include <QDockWidget>
 #include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
-#include <QInputDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QLocale>
-#include <QMenuBar>
-#include <QMessageBox>
-#include <QProgressBar>
-#include <QProgressDialog>
 #include <QScrollArea>
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QTabWidget>
 #include <QTextStream>
-#include <QThread>
 #include <QTimer>
-#include <QToolBar>
-#include <QUndoStack>
 #include <boost/make_shared.hpp>
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
 
-#include <atomic>
 #include <exception>
 
 namespace explorer
@@ -93,33 +79,16 @@ struct ExplorerWindow::Impl
   ExplorerView* current = nullptr;
   QSplitter* splitter = nullptr;
   QDockWidget* dock = nullptr;
-  QActionGroup* mouseModes = nullptr;
-  QAction* fitAction = nullptr;
-  QProgressBar* progress = nullptr;
-  QLabel* selectionCount = nullptr;
-  QLabel* shownCount = nullptr;
-  QLabel* filesNote = nullptr;
+  WindowMenus* menus = nullptr;
+  std::unique_ptr<WindowStatus> status;
   // Connections to the study shown, made again for each study.
   SignalConnectionCollection studyConnections;
   SignalConnectionCollection connections;
-  std::shared_ptr<ImageFileLoaderInterface> preloaded;
-  QThread* preloader = nullptr;
-  std::shared_ptr<std::atomic<bool>> stopPreloading = std::make_shared<std::atomic<bool>>(false);
+  ImagePreloader preloader;
   // The owner of the window's own undo steps (loading settings): they do nothing once it is gone.
   DeleteSignaler undoOwner;
   std::vector<PathRebase> rebases;
   bool remembersLayout = false;
-
-  void stopPreloader()
-  {
-    if (preloader)
-    {
-      stopPreloading->store(true);
-      preloader->wait();
-      delete preloader;
-      preloader = nullptr;
-    }
-  }
 
   void clearViews()
   {
@@ -143,25 +112,10 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
   setWindowTitle("Explorer");
   d->splitter = new QSplitter(Qt::Horizontal, this);
   setCentralWidget(d->splitter);
-  d->progress = new QProgressBar();
-  d->progress->setMaximumWidth(200);
-  d->progress->hide();
-  d->selectionCount = new QLabel();
-  d->selectionCount->setObjectName("selectionCount");
-  d->shownCount = new QLabel();
-  d->shownCount->setObjectName("shownCount");
-  d->filesNote = new QLabel();
-  d->filesNote->setObjectName("filesNote");
-  d->filesNote->setStyleSheet("color: #a00000");
-  for (QLabel* label : { d->selectionCount, d->shownCount, d->filesNote })
-    label->setContentsMargins(10, 0, 10, 0);
-  statusBar()->addPermanentWidget(d->filesNote);
-  statusBar()->addPermanentWidget(d->shownCount);
-  statusBar()->addPermanentWidget(d->selectionCount);
-  statusBar()->addPermanentWidget(d->progress);
+  d->status = std::make_unique<WindowStatus>(*statusBar());
   d->connections.add(d->selection->connectSignalSelectionChanged(
     [this](const std::set<unsigned long long>& ids) { showSelectionCount(ids.size()); }));
-  createActions();
+  d->menus = new WindowMenus(*this);
   connect(qApp,
           &QApplication::focusChanged,
           this,
@@ -182,85 +136,14 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
 ExplorerWindow::~ExplorerWindow()
 {
   d->connections.clear();
-  d->stopPreloader();
+  d->preloader.stop();
   d->clearViews();
-}
-
-void ExplorerWindow::createActions()
-{
-  QMenu* file = menuBar()->addMenu("&File");
-  file->addAction("&Open Study...", this, &ExplorerWindow::openStudy, QKeySequence::Open);
-  file->addAction("&Load Settings...", this, &ExplorerWindow::openSettings);
-  file->addAction("&Save Settings...", this, &ExplorerWindow::saveSettingsAs, QKeySequence::Save);
-  file->addSeparator();
-  file->addAction("Export Cases (full precision)...", this, [this] { exportCasesAs(true); });
-  file->addAction("Export Cases (6 digits)...", this, [this] { exportCasesAs(false); });
-  file->addSeparator();
-  file->addAction("Locate &Files...", this, &ExplorerWindow::locateFiles);
-  file->addSeparator();
-  file->addAction("&Quit", this, &QWidget::close, QKeySequence::Quit);
-
-  QMenu* edit = menuBar()->addMenu("&Edit");
-  QUndoStack& undo = UndoStack().qUndoStack();
-  QAction* undoAction = undo.createUndoAction(this, "&Undo");
-  undoAction->setShortcut(QKeySequence::Undo);
-  QAction* redoAction = undo.createRedoAction(this, "&Redo");
-  redoAction->setShortcut(QKeySequence::Redo);
-  edit->addAction(undoAction);
-  edit->addAction(redoAction);
-
-  QMenu* viewMenu = menuBar()->addMenu("&View");
-  QToolBar* tools = addToolBar("Chart");
-  tools->setObjectName("chartTools");
-  d->mouseModes = new QActionGroup(this);
-  const std::pair<const char*, DataViewInterface::MouseMode> modes[] = {
-    { "Select", DataViewInterface::Select },
-    { "Pan", DataViewInterface::Pan },
-    { "Zoom", DataViewInterface::Zoom }
-  };
-  for (const auto& [name, mode] : modes)
-  {
-    QAction* action = d->mouseModes->addAction(name);
-    action->setCheckable(true);
-    action->setChecked(mode == DataViewInterface::Select);
-    connect(action,
-            &QAction::triggered,
-            this,
-            [this, mode = mode]
-            {
-              if (d->current)
-                d->current->mouseMode()->setValue(mode);
-            });
-    viewMenu->addAction(action);
-    tools->addAction(action);
-  }
-  d->fitAction = new QAction("Fit to Data", this);
-  connect(d->fitAction,
-          &QAction::triggered,
-          this,
-          [this]
-          {
-            if (d->current)
-              d->current->fitToData();
-          });
-  viewMenu->addSeparator();
-  viewMenu->addAction(d->fitAction);
-  tools->addAction(d->fitAction);
 }
 
 void ExplorerWindow::setCurrentView(ExplorerView* view)
 {
   d->current = view;
-  ChartActionsVisitor visitor;
-  if (view)
-    view->accept(visitor);
-  d->mouseModes->setEnabled(visitor.chart);
-  d->fitAction->setEnabled(visitor.chart);
-  if (visitor.chart)
-  {
-    for (QAction* action : d->mouseModes->actions())
-      action->setChecked(d->mouseModes->actions().indexOf(action) == view->mouseMode()->value());
-  }
+  d->menus->applyChartActionsTo(view, view && isChart(*view));
 }
 
 ExplorerView* ExplorerWindow::currentView() const
@@ -270,7 +153,7 @@ ExplorerView* ExplorerWindow::currentView() const
 
 void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
 {
-  d->stopPreloader();
+  d->preloader.stop();
   d->clearViews();
   UndoStack().clear();
   d->selection->setSelection({});
@@ -288,60 +171,14 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
                              std::make_shared<CaseOrder>(keys) };
   // What the views set up for themselves is where the history starts, not a step in it.
   const UndoStack::SuspendUndoRecording startingUp;
-  while (d->splitter->count() > 0)
-    delete d->splitter->widget(0);
-  auto* side = new QSplitter(Qt::Vertical);
-  QTabWidget* tabs = nullptr;
-  int tabsStretch = 0;
-  QList<int> mainSizes;
-  QList<int> sideSizes;
   for (const ViewKind& kind : viewKinds())
-  {
     d->views.push_back(kind.create(context));
-    QWidget* widget = d->views.back()->widget();
-    if (kind.area == ViewArea::Main)
-    {
-      d->splitter->addWidget(widget);
-      mainSizes.append(kind.stretch);
-    }
-    else if (kind.area == ViewArea::Side)
-    {
-      side->addWidget(widget);
-      sideSizes.append(kind.stretch);
-    }
-    else
-    {
-      if (!tabs)
-      {
-        tabs = new QTabWidget();
-        tabs->setObjectName("viewTabs");
-        side->addWidget(tabs);
-      }
-      tabs->addTab(widget, d->views.back()->title());
-      tabsStretch = std::max(tabsStretch, kind.stretch);
-    }
-  }
-  if (tabs)
-    sideSizes.append(tabsStretch);
-  d->splitter->addWidget(side);
-  // Sizes in proportion to the kinds' stretches: the main area takes about half the width.
-  const auto scaled = [](QList<int> stretches, int total)
-  {
-    int sum = 0;
-    for (int stretch : stretches)
-      sum += stretch;
-    for (int& stretch : stretches)
-      stretch = total * stretch / std::max(sum, 1);
-    return stretches;
-  };
-  d->splitter->setSizes(scaled(mainSizes, 650) << 600);
-  d->splitter->show();
-  side->setSizes(scaled(sideSizes, 830));
+  arrangeViews(*d->splitter, viewKinds(), d->views);
   if (d->remembersLayout)
     restoreSplitters();
 
   auto* panel = new SettingsPanel(
-    d->project, *d->pipeline, views(), [this](const QString& message) { report(message); });
+    d->project, *d->pipeline, views(), [this](const QString& message) { showMessage(message); });
   auto* scroll = new QScrollArea();
   scroll->setWidget(panel);
   scroll->setWidgetResizable(true);
@@ -406,20 +243,12 @@ void ExplorerWindow::closeEvent(QCloseEvent* event)
 
 void ExplorerWindow::showSelectionCount(std::size_t selected)
 {
-  d->selectionCount->setText(QString("%1 of %2 cases selected")
-                               .arg(QLocale().toString(static_cast<qulonglong>(selected)))
-                               .arg(QLocale().toString(static_cast<qulonglong>(
-                                 d->project ? d->project->numberOfRecords() : 0))));
+  d->status->showSelected(selected, d->project ? d->project->numberOfRecords() : 0);
 }
 
 void ExplorerWindow::showShownCount()
 {
-  const auto all = static_cast<qulonglong>(d->project->numberOfRecords());
-  const auto shown = static_cast<qulonglong>(shownCases());
-  d->shownCount->setText(shown == all ? QString("%1 cases shown").arg(QLocale().toString(all))
-                                      : QString("%1 of %2 cases shown")
-                                          .arg(QLocale().toString(shown))
-                                          .arg(QLocale().toString(all)));
+  d->status->showShown(static_cast<std::size_t>(shownCases()), d->project->numberOfRecords());
 }
 
 void ExplorerWindow::showMissingFiles()
@@ -427,52 +256,12 @@ void ExplorerWindow::showMissingFiles()
   std::size_t missing = 0;
   std::size_t urls = 0;
   d->files->countMissing(*d->project, missing, urls);
-  const std::size_t all = d->project->auxFiles().size();
-  QString note;
-  if (missing > 0)
-    note = QString("%1 of %2 files not found%3")
-             .arg(missing)
-             .arg(all)
-             .arg(urls > 0 ? QString(" (%1 are URLs): File > Locate Files...").arg(urls)
-                           : QString(": File > Locate Files..."));
-  d->filesNote->setText(note);
-  d->filesNote->setVisible(!note.isEmpty());
+  d->status->showMissingFiles(missing, urls, d->project->auxFiles().size());
 }
 
 FileLocator& ExplorerWindow::files() const
 {
   return *d->files;
-}
-
-void ExplorerWindow::locateFiles()
-{
-  FileLocator::Location proposed;
-  const QString studyFolder = QString::fromStdString(d->project->folder());
-  QFileInfo study(studyFolder);
-  if (!d->files->proposeLocation(
-        *d->project, study.absoluteDir().absolutePath().toStdString(), proposed))
-  {
-    QMessageBox::information(this, "Locate Files", "Every file of this study is found.");
-    return;
-  }
-  bool ok = false;
-  const QString prefix =
-    QInputDialog::getText(this,
-                          "Locate Files",
-                          "Paths that start with this are read from the folder chosen next:",
-                          QLineEdit::Normal,
-                          QString::fromStdString(proposed.prefix),
-                          &ok);
-  if (!ok || prefix.isEmpty())
-    return;
-  const QString folder = QFileDialog::getExistingDirectory(
-    this,
-    "Folder of the files starting with " + prefix,
-    proposed.folder.empty() ? studyFolder : QString::fromStdString(proposed.folder));
-  if (folder.isEmpty())
-    return;
-  d->files->addLocation({ prefix.toStdString(), folder.toStdString() });
-  report(QString("files starting with %1 are read from %2").arg(prefix, folder));
 }
 
 std::shared_ptr<const Project> ExplorerWindow::project() const
@@ -580,96 +369,21 @@ int ExplorerWindow::shownCases() const
 
 void ExplorerWindow::preloadImages()
 {
-  d->stopPreloader();
+  // The image files, where they are found: other files are not decoded, and a file not found
+  // would be asked for again by every view.
   std::vector<std::string> paths;
-  for (const auto& file : d->project->auxFiles())
-    paths.push_back(file.lock().filePath());
-  if (paths.empty())
-    return;
-  d->preloaded = d->cache.imageLoader();
-  d->stopPreloading = std::make_shared<std::atomic<bool>>(false);
-  d->progress->setRange(0, static_cast<int>(paths.size()));
-  d->progress->setValue(0);
-  d->progress->setFormat("images %v/%m");
-  d->progress->show();
-  auto loader = d->preloaded;
-  auto stop = d->stopPreloading;
-  QProgressBar* bar = d->progress;
-  d->preloader = QThread::create(
-    [paths, loader, stop, bar]
-    {
-      // Decoded images stay in memory while the client holds them: a study of many images is
-      // preloaded only up to a budget, the rest load when shown.
-      constexpr qint64 budget = 512LL * 1024 * 1024;
-      qint64 held = 0;
-      for (std::size_t i = 0; i < paths.size() && !stop->load() && held < budget; ++i)
-      {
-        held += loader->image(paths[i])->sizeInBytes();
-        QMetaObject::invokeMethod(
-          bar, "setValue", Qt::QueuedConnection, Q_ARG(int, static_cast<int>(i + 1)));
-      }
-    });
-  connect(d->preloader, &QThread::finished, d->progress, &QWidget::hide);
-  d->preloader->start();
+  for (const auto& handle : d->project->auxFiles())
+  {
+    const std::string path = d->files->locate(handle.lock().filePath());
+    if (studyfiles::isImage(path) && QFileInfo::exists(QString::fromStdString(path)))
+      paths.push_back(path);
+  }
+  d->preloader.start(std::move(paths), d->cache.imageLoader(), d->status->progress());
 }
 
-void ExplorerWindow::report(const QString& message)
+void ExplorerWindow::showMessage(const QString& message)
 {
   statusBar()->showMessage(message, 8000);
-}
-
-void ExplorerWindow::openStudy()
-{
-  const QString folder = QFileDialog::getExistingDirectory(this, "Open Study");
-  if (folder.isEmpty())
-    return;
-  try
-  {
-    showStudy(readStudyWithProgress(folder.toStdString(), d->rebases, this));
-    preloadImages();
-  }
-  catch (const std::exception& e)
-  {
-    QMessageBox::critical(this, "Cannot open the study", QString::fromStdString(e.what()));
-  }
-}
-
-void ExplorerWindow::openSettings()
-{
-  const QString path = QFileDialog::getOpenFileName(this, "Load Settings", {}, "Settings (*.xml)");
-  QString error;
-  if (path.isEmpty())
-    return;
-  if (!loadSettings(path, error))
-    QMessageBox::critical(this, "Cannot load the settings", error);
-  else
-    report("settings loaded from " + path);
-}
-
-void ExplorerWindow::saveSettingsAs()
-{
-  const QString path =
-    QFileDialog::getSaveFileName(this, "Save Settings", "settings.xml", "Settings (*.xml)");
-  QString error;
-  if (path.isEmpty())
-    return;
-  if (!saveSettings(path, error))
-    QMessageBox::critical(this, "Cannot save the settings", error);
-  else
-    report("settings saved to " + path);
-}
-
-void ExplorerWindow::exportCasesAs(bool fullPrecision)
-{
-  const QString path =
-    QFileDialog::getSaveFileName(this, "Export Cases", "cases.csv", "CSV (*.csv)");
-  QString error;
-  if (path.isEmpty())
-    return;
-  if (!exportCases(path, fullPrecision, error))
-    QMessageBox::critical(this, "Cannot export the cases", error);
-  else
-    report("exported " + QString::number(shownCases()) + " cases to " + path);
 }
 
 void ExplorerWindow::setPathRebases(std::vector<PathRebase> rebases)
@@ -677,39 +391,9 @@ void ExplorerWindow::setPathRebases(std::vector<PathRebase> rebases)
   d->rebases = std::move(rebases);
 }
 
-std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder,
-                                                     const std::vector<PathRebase>& rebases,
-                                                     QWidget* parent)
+const std::vector<PathRebase>& ExplorerWindow::pathRebases() const
 {
-  std::shared_ptr<const Project> project;
-  std::exception_ptr failure;
-  QThread* reader = QThread::create(
-    [&]
-    {
-      try
-      {
-        project = readAnyStudy(folder, { rebases });
-      }
-      catch (...)
-      {
-        failure = std::current_exception();
-      }
-    });
-  QProgressDialog progress(
-    "Reading " + QString::fromStdString(folder) + "...", QString(), 0, 0, parent);
-  progress.setWindowModality(Qt::WindowModal);
-  progress.setMinimumDuration(300);
-  QObject::connect(reader, &QThread::finished, &progress, &QProgressDialog::reset);
-  reader->start();
-  while (!reader->isFinished())
-  {
-    QApplication::processEvents(QEventLoop::AllEvents, 50);
-    reader->wait(20);
-  }
-  delete reader;
-  if (failure)
-    std::rethrow_exception(failure);
-  return project;
+  return d->rebases;
 }
 
 } // namespace explorer

@@ -63,6 +63,9 @@ public:
 
   /// How File > Open rewrites the paths of Cinema databases written elsewhere.
   void setPathRebases(std::vector<PathRebase> rebases);
+  const std::vector<PathRebase>& pathRebases() const;
+  /// A message in the status bar for a while.
+  void showMessage(const QString& message);
 
   /// Takes the size, place and pane widths the window had when it was last closed (in the
   /// application's settings), and keeps them for next time when it closes.
@@ -77,27 +80,13 @@ protected:
 
 private:
   void restoreSplitters();
-  void createActions();
-  void openStudy();
-  void openSettings();
-  void saveSettingsAs();
-  void exportCasesAs(bool fullPrecision);
   void setCurrentView(ExplorerView* view);
   void showSelectionCount(std::size_t selected);
   void showShownCount();
   void showMissingFiles();
-  void locateFiles();
-  void report(const QString& message);
 
   struct Impl;
   std::unique_ptr<Impl> d;
 };
-
-/// Reads a study folder, or a Cinema database folder (data.csv and no cases.csv) with its paths
-/// rewritten by `rebases`, with a progress dialog, keeping the window responsive. Throws what
-/// the readers throw.
-std::shared_ptr<const Project> readStudyWithProgress(const std::string& folder,
-                                                     const std::vector<PathRebase>& rebases,
-                                                     QWidget* parent);
 
 } // namespace explorer

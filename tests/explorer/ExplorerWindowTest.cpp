@@ -2,6 +2,7 @@
 // selection linked between them, settings saved, loaded and refused.
 
 #include "ExplorerWindow.h"
+#include "StudyReading.h"
 #include "CommandLine.h"
 #include "SampleStudy.h"
 #include "ViewRegistry.h"

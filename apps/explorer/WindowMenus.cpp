@@ -1,0 +1,190 @@
+#include "WindowMenus.h"
+
+#include "ExplorerView.h"
+#include "ExplorerWindow.h"
+#include "FileLocator.h"
+#include "StudyReading.h"
+
+#include "analyzer_common/UndoStack.h"
+#include "datamanagement/Project.h"
+#include "properties/PropertyAbstract.h"
+
+#include <QActionGroup>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QToolBar>
+#include <QUndoStack>
+
+namespace explorer
+{
+
+WindowMenus::WindowMenus(ExplorerWindow& window)
+  : QObject(&window)
+  , window(window)
+{
+  QMenu* file = window.menuBar()->addMenu("&File");
+  file->addAction(
+    "&Open Study...", this, [this] { openStudy(); }, QKeySequence::Open);
+  file->addAction("&Load Settings...", this, [this] { openSettings(); });
+  file->addAction(
+    "&Save Settings...", this, [this] { saveSettingsAs(); }, QKeySequence::Save);
+  file->addSeparator();
+  file->addAction("Export Cases (full precision)...", this, [this] { exportCasesAs(true); });
+  file->addAction("Export Cases (6 digits)...", this, [this] { exportCasesAs(false); });
+  file->addSeparator();
+  file->addAction("Locate &Files...", this, [this] { locateFiles(); });
+  file->addSeparator();
+  file->addAction("&Quit", &window, &QWidget::close, QKeySequence::Quit);
+
+  QMenu* edit = window.menuBar()->addMenu("&Edit");
+  QUndoStack& undo = UndoStack().qUndoStack();
+  QAction* undoAction = undo.createUndoAction(&window, "&Undo");
+  undoAction->setShortcut(QKeySequence::Undo);
+  QAction* redoAction = undo.createRedoAction(&window, "&Redo");
+  redoAction->setShortcut(QKeySequence::Redo);
+  edit->addAction(undoAction);
+  edit->addAction(redoAction);
+
+  QMenu* viewMenu = window.menuBar()->addMenu("&View");
+  QToolBar* tools = window.addToolBar("Chart");
+  tools->setObjectName("chartTools");
+  mouseModes = new QActionGroup(this);
+  const std::pair<const char*, DataViewInterface::MouseMode> modes[] = {
+    { "Select", DataViewInterface::Select },
+    { "Pan", DataViewInterface::Pan },
+    { "Zoom", DataViewInterface::Zoom }
+  };
+  for (const auto& [name, mode] : modes)
+  {
+    QAction* action = mouseModes->addAction(name);
+    action->setCheckable(true);
+    action->setChecked(mode == DataViewInterface::Select);
+    QObject::connect(action,
+                     &QAction::triggered,
+                     this,
+                     [this, mode = mode]
+                     {
+                       if (current)
+                         current->mouseMode()->setValue(mode);
+                     });
+    viewMenu->addAction(action);
+    tools->addAction(action);
+  }
+  fitAction = new QAction("Fit to Data", this);
+  QObject::connect(fitAction,
+                   &QAction::triggered,
+                   this,
+                   [this]
+                   {
+                     if (current)
+                       current->fitToData();
+                   });
+  viewMenu->addSeparator();
+  viewMenu->addAction(fitAction);
+  tools->addAction(fitAction);
+}
+
+void WindowMenus::applyChartActionsTo(ExplorerView* view, bool chart)
+{
+  current = view;
+  mouseModes->setEnabled(chart);
+  fitAction->setEnabled(chart);
+  if (chart)
+  {
+    for (QAction* action : mouseModes->actions())
+      action->setChecked(mouseModes->actions().indexOf(action) == view->mouseMode()->value());
+  }
+}
+
+void WindowMenus::locateFiles()
+{
+  FileLocator::Location proposed;
+  const QString studyFolder = QString::fromStdString(window.project()->folder());
+  QFileInfo study(studyFolder);
+  if (!window.files().proposeLocation(
+        *window.project(), study.absoluteDir().absolutePath().toStdString(), proposed))
+  {
+    QMessageBox::information(&window, "Locate Files", "Every file of this study is found.");
+    return;
+  }
+  bool ok = false;
+  const QString prefix =
+    QInputDialog::getText(&window,
+                          "Locate Files",
+                          "Paths that start with this are read from the folder chosen next:",
+                          QLineEdit::Normal,
+                          QString::fromStdString(proposed.prefix),
+                          &ok);
+  if (!ok || prefix.isEmpty())
+    return;
+  const QString folder = QFileDialog::getExistingDirectory(
+    &window,
+    "Folder of the files starting with " + prefix,
+    proposed.folder.empty() ? studyFolder : QString::fromStdString(proposed.folder));
+  if (folder.isEmpty())
+    return;
+  window.files().addLocation({ prefix.toStdString(), folder.toStdString() });
+  window.showMessage(QString("files starting with %1 are read from %2").arg(prefix, folder));
+}
+
+void WindowMenus::openStudy()
+{
+  const QString folder = QFileDialog::getExistingDirectory(&window, "Open Study");
+  if (folder.isEmpty())
+    return;
+  try
+  {
+    window.showStudy(readStudyWithProgress(folder.toStdString(), window.pathRebases(), &window));
+    window.preloadImages();
+  }
+  catch (const std::exception& e)
+  {
+    QMessageBox::critical(&window, "Cannot open the study", QString::fromStdString(e.what()));
+  }
+}
+
+void WindowMenus::openSettings()
+{
+  const QString path =
+    QFileDialog::getOpenFileName(&window, "Load Settings", {}, "Settings (*.xml)");
+  QString error;
+  if (path.isEmpty())
+    return;
+  if (!window.loadSettings(path, error))
+    QMessageBox::critical(&window, "Cannot load the settings", error);
+  else
+    window.showMessage("settings loaded from " + path);
+}
+
+void WindowMenus::saveSettingsAs()
+{
+  const QString path =
+    QFileDialog::getSaveFileName(&window, "Save Settings", "settings.xml", "Settings (*.xml)");
+  QString error;
+  if (path.isEmpty())
+    return;
+  if (!window.saveSettings(path, error))
+    QMessageBox::critical(&window, "Cannot save the settings", error);
+  else
+    window.showMessage("settings saved to " + path);
+}
+
+void WindowMenus::exportCasesAs(bool fullPrecision)
+{
+  const QString path =
+    QFileDialog::getSaveFileName(&window, "Export Cases", "cases.csv", "CSV (*.csv)");
+  QString error;
+  if (path.isEmpty())
+    return;
+  if (!window.exportCases(path, fullPrecision, error))
+    QMessageBox::critical(&window, "Cannot export the cases", error);
+  else
+    window.showMessage("exported " + QString::number(window.shownCases()) + " cases to " + path);
+}
+
+} // namespace explorer

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+
+class QAction;
+class QActionGroup;
+
+namespace explorer
+{
+
+class ExplorerView;
+class ExplorerWindow;
+
+/// The window's menus and tool bar: File (open a study, load and save settings, export the
+/// cases, locate the study's files), Edit (undo, redo) and View (the chart's mouse modes and
+/// Fit to Data, also in the tool bar), with the dialogs they open.
+class WindowMenus : public QObject
+{
+public:
+  explicit WindowMenus(ExplorerWindow& window);
+
+  /// The chart actions apply to `view`, enabled when it is a chart.
+  void applyChartActionsTo(ExplorerView* view, bool chart);
+
+private:
+  void openStudy();
+  void openSettings();
+  void saveSettingsAs();
+  void exportCasesAs(bool fullPrecision);
+  void locateFiles();
+
+  ExplorerWindow& window;
+  ExplorerView* current = nullptr;
+  QActionGroup* mouseModes = nullptr;
+  QAction* fitAction = nullptr;
+};
+
+} // namespace explorer
