@@ -2,18 +2,18 @@
 // selection linked between them, settings saved, loaded and refused.
 
 #include "ExplorerWindow.h"
-#include "StudyReading.h"
 #include "CommandLine.h"
 #include "SampleStudy.h"
+#include "StudyReading.h"
 #include "ViewRegistry.h"
-#include "views/table/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
-#include "views/parallel/ParallelCoordinatesView.h"
-#include "views/scatter3d/ScatterPlot3DView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
+#include "views/parallel/ParallelCoordinatesView.h"
 #include "views/scatter/ScatterPlotView.h"
+#include "views/scatter3d/ScatterPlot3DView.h"
+#include "views/table/CasesTableView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"

@@ -4,11 +4,11 @@
 
 #include "ExplorerWindow.h"
 #include "SampleStudy.h"
-#include "views/table/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/SelectedImageView.h"
 #include "views/scatter/ScatterPlotView.h"
+#include "views/table/CasesTableView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"

@@ -3,14 +3,14 @@
 
 #include "ExplorerWindow.h"
 #include "FileLocator.h"
-#include "views/table/CasesTableView.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
-#include "views/parallel/ParallelCoordinatesView.h"
-#include "views/scatter3d/ScatterPlot3DView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
+#include "views/parallel/ParallelCoordinatesView.h"
 #include "views/scatter/ScatterPlotView.h"
+#include "views/scatter3d/ScatterPlot3DView.h"
+#include "views/table/CasesTableView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "charts/AxisDetailsInterface.h"

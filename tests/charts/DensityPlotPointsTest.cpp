@@ -1,0 +1,107 @@
+// A points plot drawn as a density: the same points, selection and tool tips as with markers,
+// painted as bins whose cost follows the plot's size.
+
+#include "charts/vtkDensityPlotPoints.h"
+
+#include "support/RenderedView.h"
+
+#include <QImage>
+#include <gtest/gtest.h>
+#include <vtkAxis.h>
+#include <vtkChartXY.h>
+#include <vtkContextScene.h>
+#include <vtkContextView.h>
+#include <vtkDoubleArray.h>
+#include <vtkIdTypeArray.h>
+#include <vtkIntArray.h>
+#include <vtkTable.h>
+
+namespace
+{
+
+// Keys 0..n-1 in column 0; three points share the spot (1, 1).
+vtkSmartPointer<vtkTable> points()
+{
+  auto table = vtkSmartPointer<vtkTable>::New();
+  auto keys = vtkSmartPointer<vtkIntArray>::New();
+  keys->SetName("key");
+  auto x = vtkSmartPointer<vtkDoubleArray>::New();
+  x->SetName("x");
+  auto y = vtkSmartPointer<vtkDoubleArray>::New();
+  y->SetName("y");
+  const double values[][2] = { { 1, 1 }, { 2, 3 }, { 1, 1 }, { 4, 2 }, { 1, 1 } };
+  for (int i = 0; i < 5; ++i)
+  {
+    keys->InsertNextValue(i);
+    x->InsertNextValue(values[i][0]);
+    y->InsertNextValue(values[i][1]);
+  }
+  table->AddColumn(keys);
+  table->AddColumn(x);
+  table->AddColumn(y);
+  return table;
+}
+
+} // namespace
+
+TEST(DensityPlotPoints, ToolTipsNameTheCasesOnTheSpotThroughTheirKeys)
+{
+  auto chart = vtkSmartPointer<vtkChartXY>::New();
+  auto plot = vtkSmartPointer<vtkDensityPlotPoints>::New();
+  chart->AddPlot(plot);
+  plot->SetInputData(points(), "x", "y");
+  plot->Update();
+  // Keys name cases far above 2^32.
+  plot->SetCaseIdOfKey(
+    [](long long key, unsigned long long& id)
+    {
+      id = 18446744073709551000ULL + static_cast<unsigned long long>(key);
+      return key != 4;
+    });
+  EXPECT_EQ(plot->GetTooltipLabel(vtkVector2d(2, 3), 1, 0),
+            "case 18446744073709551001\nX Axis 2, Y Axis 3");
+  EXPECT_EQ(plot->GetTooltipLabel(vtkVector2d(1, 1), 0, 0),
+            "3 cases here: 18446744073709551000, 18446744073709551002, ?\nX Axis 1, Y Axis 1")
+    << "the cases a click there would select; one without a case is a question mark";
+}
+
+TEST(DensityPlotPoints, ADensityShowsThePointsAndTheSelectionDarkerOverThem)
+{
+  testsupport::RenderedView shown(200, 200);
+  auto chart = vtkSmartPointer<vtkChartXY>::New();
+  shown.view().GetScene()->AddItem(chart);
+  auto plot = vtkSmartPointer<vtkDensityPlotPoints>::New();
+  chart->AddPlot(plot);
+  plot->SetInputData(points(), "x", "y");
+  plot->SetColor(0, 0, 255, 255);
+  plot->SetDrawDensity(true);
+  for (int axis : { vtkAxis::BOTTOM, vtkAxis::LEFT })
+  {
+    chart->GetAxis(axis)->SetBehavior(vtkAxis::FIXED);
+    chart->GetAxis(axis)->SetRange(0, 5);
+  }
+  // Pixels counted on the saved picture: one read of the window, not one per pixel.
+  const auto count = [&](const std::string& name, bool (*of)(QRgb))
+  {
+    const QImage image(QString::fromStdString(shown.save(name)));
+    int n = 0;
+    for (int x = 0; x < image.width(); ++x)
+      for (int y = 0; y < image.height(); ++y)
+        n += of(image.pixel(x, y)) ? 1 : 0;
+    return n;
+  };
+  shown.render();
+  EXPECT_GE(count("density.png", [](QRgb c) { return qBlue(c) > 150 && qRed(c) < 150; }), 4)
+    << "a bin of 2 x 2 pixels for each spot";
+
+  auto selection = vtkSmartPointer<vtkIdTypeArray>::New();
+  selection->InsertNextValue(3);
+  plot->SetSelection(selection);
+  plot->SetDrawSelectionDensity(true);
+  plot->SetSelectionDensityColor(20, 20, 20, 255);
+  shown.render();
+  EXPECT_GE(
+    count("selected.png", [](QRgb c) { return qRed(c) < 80 && qGreen(c) < 80 && qBlue(c) < 80; }),
+    1)
+    << "the selected point drawn dark";
+}

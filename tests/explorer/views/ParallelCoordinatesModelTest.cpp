@@ -1,0 +1,117 @@
+// Parallel coordinates without their widget: where each shown case lies on each axis, the
+// colours of the lines, the selection, and which line passes under the mouse.
+
+#include "views/parallel/ParallelCoordinatesModel.h"
+#include "views/parallel/LineDensity.h"
+#include "views/parallel/ParallelCoordinatesPainter.h"
+
+#include "datamanagement/Project.h"
+#include "datamanagement/ProjectBuilder.h"
+#include "datapipeline/DataPipelineManager.h"
+
+#include <QPoint>
+#include <gtest/gtest.h>
+#include <vtkTable.h>
+#include <vtkTableAlgorithm.h>
+
+#include <cmath>
+#include <limits>
+
+using explorer::ParallelCoordinatesModel;
+using explorer::ParallelLayout;
+
+namespace
+{
+
+constexpr double missing = std::numeric_limits<double>::quiet_NaN();
+
+struct Lines
+{
+  std::shared_ptr<const Project> project;
+  DataPipelineManager* pipeline = nullptr;
+  std::unique_ptr<DataPipelineManager> owner;
+  ParallelCoordinatesModel model;
+
+  Lines()
+  {
+    ProjectBuilder builder;
+    builder.setCaseIds({ 10, 20, 30, 40 });
+    builder.addNumericVariable("speed", { 0, 5, 10, missing });
+    builder.addTextVariable("material", { "wood", "steel", "lead", "steel" });
+    builder.addNumericVariable("same", { 3, 3, 3, 3 });
+    builder.addNumericVariable("heat", { 100, 200, missing, 300 });
+    project = builder.build();
+    owner = std::make_unique<DataPipelineManager>(project);
+    pipeline = owner.get();
+  }
+
+  void read(const std::vector<std::string>& axes, const std::string& colour)
+  {
+    std::vector<WeakPtr<Variable>> variables;
+    for (const auto& name : axes)
+      variables.push_back(project->variable(name));
+    pipeline->output()->Update();
+    model.reload(*pipeline->output()->GetOutput(), *project, variables, project->variable(colour));
+  }
+};
+
+} // namespace
+
+TEST(ParallelCoordinatesModel, PlacesEachCaseOnEachAxis)
+{
+  Lines lines;
+  lines.read({ "speed", "material", "same", "unknown" }, "heat");
+  const auto& axes = lines.model.axes();
+  ASSERT_EQ(axes.size(), 3u) << "a variable the study lacks is no axis";
+  ASSERT_EQ(axes[0].position.size(), 4u);
+  EXPECT_FLOAT_EQ(axes[0].position[0], 0.0f);
+  EXPECT_FLOAT_EQ(axes[0].position[1], 0.5f);
+  EXPECT_FLOAT_EQ(axes[0].position[2], 1.0f);
+  EXPECT_TRUE(std::isnan(axes[0].position[3])) << "a missing value sits in the band below";
+  // Texts: the study's categories, sorted (lead, steel, wood), spread from bottom to top.
+  EXPECT_TRUE(axes[1].text);
+  EXPECT_EQ(axes[1].categories, (std::vector<std::string>{ "lead", "steel", "wood" }));
+  EXPECT_FLOAT_EQ(axes[1].position[0], 1.0f);
+  EXPECT_FLOAT_EQ(axes[1].position[1], 0.5f);
+  EXPECT_FLOAT_EQ(axes[1].position[2], 0.0f);
+  EXPECT_FLOAT_EQ(axes[2].position[0], 0.5f) << "a constant in the middle";
+  // Colours: 100 to 300 over the scale; NaN without a value.
+  EXPECT_FLOAT_EQ(lines.model.colour()[1], 0.5f);
+  EXPECT_TRUE(std::isnan(lines.model.colour()[2]));
+  EXPECT_FLOAT_EQ(lines.model.positionOf(0, 2.5), 0.25f);
+  EXPECT_FLOAT_EQ(lines.model.positionOf(1, 2), 1.0f) << "the third category";
+
+  // A filter: the shown cases change, a category keeps its place.
+  lines.pipeline->setRangeFilter(lines.project->variable("speed"), 4, 20);
+  lines.read({ "speed", "material" }, "");
+  ASSERT_EQ(lines.model.caseIds(), (std::vector<unsigned long long>{ 20, 30 }));
+  EXPECT_FLOAT_EQ(lines.model.axes()[1].position[1], 0.0f) << "lead stays at the bottom";
+  lines.model.select({ 30, 10 });
+  EXPECT_EQ(lines.model.selectedRows(), std::vector<int>{ 1 }) << "case 10 is filtered out";
+}
+
+TEST(ParallelCoordinatesModel, AClickFindsTheNearestLineAndTheDensityShowsEveryLine)
+{
+  Lines lines;
+  lines.read({ "speed", "heat" }, "");
+  const ParallelLayout at(QSize(400, 300), 2);
+  // Half way between the axes, line 1 runs from speed 0.5 to heat 0.5.
+  const QPoint middle(static_cast<int>((at.x(0) + at.x(1)) / 2), static_cast<int>(at.y(0.5f)));
+  EXPECT_EQ(explorer::ParallelCoordinatesPainter::rowAt(lines.model, at, middle), 1);
+  EXPECT_EQ(explorer::ParallelCoordinatesPainter::rowAt(lines.model, at, middle + QPoint(0, 30)),
+            -1)
+    << "nothing within 5 pixels";
+
+  std::array<QRgb, 256> colours{};
+  colours.fill(qRgb(0, 0, 255));
+  const QImage density =
+    explorer::lineDensity(lines.model.axes(), nullptr, nullptr, at, colours, qRgb(200, 0, 0));
+  ASSERT_EQ(density.size(), QSize(400, 300));
+  int drawn = 0;
+  for (int y = 0; y < density.height(); ++y)
+    drawn += qAlpha(density.pixel(middle.x(), y)) > 0 ? 1 : 0;
+  EXPECT_GE(drawn, 3) << "each line crosses the middle column";
+  const QRgb line = qUnpremultiply(density.pixel(middle));
+  EXPECT_NEAR(qRed(line), 200, 2) << "plain lines in the plain colour";
+  EXPECT_EQ(qBlue(line), 0);
+}
