@@ -1,8 +1,13 @@
 #include "TableSorting.h"
 
+#include "properties/BoundedValueValidator.h"
+#include "properties/Property.h"
+#include "properties/UndoablePropertyProxy.h"
+
 #include "properties/PropertyAbstract.h"
 
 #include <QHeaderView>
+#include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -32,6 +37,19 @@ void sortByTexts(std::vector<std::size_t>& order,
                    order.end(),
                    [&](std::size_t a, std::size_t b)
                    { return descending ? keys[b] < keys[a] : keys[a] < keys[b]; });
+}
+
+SortSettings::SortSettings(int columns, short first)
+{
+  using Bounded = plexa::BoundedValueValidator<short>;
+  column = boost::make_shared<plexa::UndoablePropertyProxy<short>>(
+    "Sort Column",
+    boost::make_shared<plexa::Property<short>>(
+      first,
+      boost::make_shared<Bounded>(
+        -1, Bounded::Inclusive, static_cast<short>(columns - 1), Bounded::Inclusive)));
+  descending = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
+    "Sort Descending", boost::make_shared<plexa::Property<bool>>(false));
 }
 
 void sortOnHeaderClicks(QHeaderView& header,

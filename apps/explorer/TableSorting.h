@@ -14,6 +14,8 @@ namespace plexa
 {
 template<typename T>
 class PropertyAbstract;
+template<typename T>
+class UndoablePropertyProxy;
 }
 
 namespace explorer
@@ -28,6 +30,16 @@ void sortByNumbers(std::vector<std::size_t>& order,
 void sortByTexts(std::vector<std::size_t>& order,
                  const std::vector<std::string>& keys,
                  bool descending);
+
+/// A table's sorting settings, undoable: the column ("Sort Column", from -1 for no sorting to
+/// the last of `columns`), starting at `first`, and the direction ("Sort Descending").
+struct SortSettings
+{
+  SortSettings(int columns, short first);
+
+  boost::shared_ptr<plexa::UndoablePropertyProxy<short>> column;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> descending;
+};
 
 /// A click on a column header sorts by that column, the next click on it the other way round.
 /// Both go through the settings, so that they are undone and saved like any other.

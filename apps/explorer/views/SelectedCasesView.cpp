@@ -224,17 +224,9 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
   d->table->verticalHeader()->setDefaultSectionSize(22);
   layout->addWidget(d->table);
 
-  using Bounded = plexa::BoundedValueValidator<short>;
-  d->sortColumn = boost::make_shared<plexa::UndoablePropertyProxy<short>>(
-    "Sort Column",
-    boost::make_shared<plexa::Property<short>>(
-      0,
-      boost::make_shared<Bounded>(-1,
-                                  Bounded::Inclusive,
-                                  static_cast<short>(d->model->columnCount() - 1),
-                                  Bounded::Inclusive)));
-  d->sortDescending = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
-    "Sort Descending", boost::make_shared<plexa::Property<bool>>(false));
+  const SortSettings sorting(d->model->columnCount(), 0);
+  d->sortColumn = sorting.column;
+  d->sortDescending = sorting.descending;
   sortOnHeaderClicks(*d->table->horizontalHeader(), d->sortColumn, d->sortDescending);
   Impl* impl = d.get();
   connections().add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));

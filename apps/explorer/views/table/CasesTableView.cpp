@@ -116,17 +116,9 @@ CasesTableView::CasesTableView(const ViewContext& context)
   layout->addWidget(d->table);
   QHeaderView* columns = d->table->horizontalHeader();
 
-  using Bounded = plexa::BoundedValueValidator<short>;
-  d->sortColumn = boost::make_shared<plexa::UndoablePropertyProxy<short>>(
-    "Sort Column",
-    boost::make_shared<plexa::Property<short>>(
-      -1,
-      boost::make_shared<Bounded>(-1,
-                                  Bounded::Inclusive,
-                                  static_cast<short>(d->model->columnCount() - 1),
-                                  Bounded::Inclusive)));
-  d->sortDescending = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
-    "Sort Descending", boost::make_shared<plexa::Property<bool>>(false));
+  const SortSettings sorting(d->model->columnCount(), -1);
+  d->sortColumn = sorting.column;
+  d->sortDescending = sorting.descending;
   sortOnHeaderClicks(*columns, d->sortColumn, d->sortDescending);
   columns->setSortIndicator(-1, Qt::AscendingOrder); // in the study's order until a click
   Impl* impl = d.get();
