@@ -34,15 +34,6 @@ bool isFileColumn(const std::string& name)
   return name.rfind("FILE", 0) == 0;
 }
 
-bool isIdColumnName(std::string name)
-{
-  std::transform(name.begin(),
-                 name.end(),
-                 name.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return name == "case_id" || name == "id" || name == "run" || name == "simuid";
-}
-
 // The column's values as case ids, when each is a non-negative integer and none repeats.
 bool asCaseIds(const Column& column, std::vector<unsigned long long>& ids)
 {
@@ -59,52 +50,6 @@ bool asCaseIds(const Column& column, std::vector<unsigned long long>& ids)
     ids.push_back(id);
   }
   return true;
-}
-
-// A path of a FILE cell as the folder's files are named: relative to the folder where it lies
-// inside it, absolute where a rebase sends it elsewhere. Throws StudyFormatError otherwise.
-std::string resolvedPath(std::string_view cell,
-                         const fs::path& root,
-                         const std::vector<PathRebase>& rebases,
-                         const std::string& file,
-                         std::size_t line,
-                         std::size_t column,
-                         std::size_t row)
-{
-  std::string text(cell);
-  // file://host/abs/path and file:///abs/path name the absolute path /abs/path.
-  if (text.rfind("file://", 0) == 0)
-  {
-    const std::size_t slash = text.find('/', 7);
-    text = slash == std::string::npos ? std::string() : text.substr(slash);
-  }
-  const auto refuse = [&](const std::string& why)
-  {
-    throw StudyFormatError(
-      file, line, column, "row " + std::to_string(row) + ": path " + inQuotes(cell) + " " + why);
-  };
-  for (const PathRebase& rebase : rebases)
-  {
-    if (!rebase.from.empty() && text.rfind(rebase.from, 0) == 0)
-    {
-      // A rebase is the user's word for where the files are: taken as it is.
-      return rebase.to + text.substr(rebase.from.size());
-    }
-  }
-  // A URL names a file elsewhere, found or not by the program that shows it; kept as written.
-  if (AuxFile::isUrl(text))
-    return text;
-  fs::path path(text);
-  if (path.is_absolute())
-  {
-    path = path.lexically_normal().lexically_relative(root);
-    if (path.empty() || *path.begin() == "..")
-      refuse("is outside the database folder; --rebase OLD=NEW rewrites such paths");
-  }
-  const fs::path normal = path.lexically_normal();
-  if (normal.empty() || *normal.begin() == "..")
-    refuse("leads out of the database folder; --rebase OLD=NEW rewrites such paths");
-  return normal.generic_string();
 }
 
 } // namespace
@@ -199,11 +144,13 @@ std::shared_ptr<const Project> readCinemaDatabase(const std::string& folder,
         const std::string_view cell = trimmed(column.cells[row]);
         if (cell.empty() || isNanText(cell))
           continue;
-        builder.addAuxFile(
-          caseIds[row],
-          resolvedPath(
-            cell, absoluteRoot, rebases, file, lineOfRow[row], column.cellColumns[row], row + 1),
-          { column.name });
+        builder.addAuxFile(caseIds[row],
+                           resolvedPath(cell,
+                                        absoluteRoot,
+                                        rebases,
+                                        { file, lineOfRow[row], column.cellColumns[row], row + 1 },
+                                        "the database folder"),
+                           { column.name });
       }
       continue;
     }

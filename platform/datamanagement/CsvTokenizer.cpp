@@ -6,8 +6,14 @@
 #include <cstring>
 
 CsvTokenizer::CsvTokenizer(std::string_view text, std::string fileName)
+  : CsvTokenizer(text, std::move(fileName), ',')
+{
+}
+
+CsvTokenizer::CsvTokenizer(std::string_view text, std::string fileName, char separator)
   : text(text)
   , fileName(std::move(fileName))
+  , separator(separator)
 {
 }
 
@@ -81,7 +87,8 @@ bool CsvTokenizer::next(std::vector<Field>& fields)
       {
         throw StudyFormatError(fileName, openLine, openColumn, "quoted field is not closed");
       }
-      if (offset < size && text[offset] != ',' && text[offset] != '\n' && text[offset] != '\r')
+      if (offset < size && text[offset] != separator && text[offset] != '\n' &&
+          text[offset] != '\r')
       {
         throw StudyFormatError(fileName,
                                currentLine,
@@ -94,7 +101,8 @@ bool CsvTokenizer::next(std::vector<Field>& fields)
     else
     {
       const std::size_t start = offset;
-      while (offset < size && text[offset] != ',' && text[offset] != '\n' && text[offset] != '\r')
+      while (offset < size && text[offset] != separator && text[offset] != '\n' &&
+             text[offset] != '\r')
       {
         ++offset;
       }
@@ -106,7 +114,7 @@ bool CsvTokenizer::next(std::vector<Field>& fields)
     {
       return true;
     }
-    if (text[offset] == ',')
+    if (text[offset] == separator)
     {
       ++offset;
       continue;

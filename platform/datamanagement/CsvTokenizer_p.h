@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-/// Splits comma-separated text into records of fields: fields may be quoted with double quotes,
-/// a doubled quote inside quotes stands for one quote, and a quoted field may span lines. Lines
-/// end with "\n" or "\r\n"; empty lines are skipped. Malformed quoting throws StudyFormatError
-/// naming the file, the line and the column.
+/// Splits comma-separated text (or text separated by another character) into records of fields:
+/// fields may be quoted with double quotes, a doubled quote inside quotes stands for one quote, and
+/// a quoted field may span lines. Lines end with "\n" or "\r\n"; empty lines are skipped. Malformed
+/// quoting throws StudyFormatError naming the file, the line and the column.
 class CsvTokenizer
 {
 public:
@@ -20,6 +20,8 @@ public:
   };
 
   CsvTokenizer(std::string_view text, std::string fileName);
+  /// Fields separated by `separator` (a tab, a semicolon) instead of a comma.
+  CsvTokenizer(std::string_view text, std::string fileName, char separator);
 
   /// Reads the next record; false at the end of the text. The fields stay valid until the next
   /// call.
@@ -35,6 +37,7 @@ public:
 private:
   std::string_view text;
   std::string fileName;
+  char separator = ',';
   std::size_t offset = 0;
   std::size_t currentLine = 1;
   std::size_t lineStart = 0;

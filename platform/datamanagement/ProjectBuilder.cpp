@@ -33,6 +33,7 @@ struct ProjectBuilder::Pending
   std::vector<unsigned long long> caseIds;
   std::vector<Column> columns;
   std::vector<File> files;
+  std::map<std::string, Variable::Role> roles;
 };
 
 namespace
@@ -120,6 +121,11 @@ void ProjectBuilder::addTextVariable(std::string name, std::vector<std::string> 
   pending->columns.push_back(std::move(column));
 }
 
+void ProjectBuilder::setRole(const std::string& variable, Variable::Role role)
+{
+  pending->roles[variable] = role;
+}
+
 void ProjectBuilder::addAuxFile(unsigned long long caseId,
                                 std::string relativePath,
                                 std::vector<std::string> tags)
@@ -201,11 +207,17 @@ std::shared_ptr<const Project> ProjectBuilder::build()
     variable.id = nextId++;
     variable.name = column.name;
     variable.nature = column.nature;
+    if (const auto role = input.roles.find(column.name); role != input.roles.end())
+      variable.role = role->second;
     variable.range = column.values.isText ? std::pair<double, double>(0.0, 0.0)
                                           : finiteRange(column.values.numbers);
     variable.column = c;
     data->columns.push_back(std::move(column.values));
   }
+
+  for (const auto& [name, role] : input.roles)
+    if (data->variableByName.count(name) == 0)
+      throw std::invalid_argument("a role is given to \"" + name + "\", which is no variable");
 
   std::set<std::string> allTags;
   std::map<std::string, std::set<std::string>> groups;

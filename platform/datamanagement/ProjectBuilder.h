@@ -31,6 +31,9 @@ public:
   void addNumericVariable(std::string name, std::vector<double> values);
   void addNumericVariable(std::string name, std::vector<double> values, Variable::Nature nature);
   void addTextVariable(std::string name, std::vector<std::string> values);
+  /// What an added variable is to the study; Unknown unless set. A name no variable has is
+  /// refused by build().
+  void setRole(const std::string& variable, Variable::Role role);
   /// An auxiliary file of a case, with a path relative to the folder. Repeated tags are dropped.
   void addAuxFile(unsigned long long caseId,
                   std::string relativePath,

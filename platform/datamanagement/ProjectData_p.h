@@ -30,6 +30,7 @@ struct VariableData
   unsigned long long id = 0;
   std::string name;
   Variable::Nature nature = Variable::Continuous;
+  Variable::Role role = Variable::Unknown;
   std::pair<double, double> range{ 0.0, 0.0 };
   std::size_t column = caseIdColumn;
   const Project* project = nullptr;

@@ -1,7 +1,10 @@
 #include "datamanagement/StudyText_p.h"
 
+#include "datamanagement/AuxFile.h"
 #include "datamanagement/StudyFormatError.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <fstream>
 #include <limits>
@@ -111,6 +114,60 @@ void checkFieldCount(const CsvTokenizer& csv,
                            "expected " + std::to_string(expected) + " fields, found " +
                              std::to_string(fields.size()));
   }
+}
+
+bool isIdColumnName(std::string name)
+{
+  std::transform(name.begin(),
+                 name.end(),
+                 name.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return name == "case_id" || name == "id" || name == "run" || name == "simuid";
+}
+
+std::string resolvedPath(std::string_view cell,
+                         const std::filesystem::path& root,
+                         const std::vector<PathRebase>& rebases,
+                         const CellPlace& place,
+                         const std::string& folder)
+{
+  std::string text(cell);
+  // file://host/abs/path and file:///abs/path name the absolute path /abs/path.
+  if (text.rfind("file://", 0) == 0)
+  {
+    const std::size_t slash = text.find('/', 7);
+    text = slash == std::string::npos ? std::string() : text.substr(slash);
+  }
+  const auto refuse = [&](const std::string& why)
+  {
+    throw StudyFormatError(place.file,
+                           place.line,
+                           place.column,
+                           "row " + std::to_string(place.row) + ": path " + inQuotes(cell) + " " +
+                             why);
+  };
+  for (const PathRebase& rebase : rebases)
+  {
+    if (!rebase.from.empty() && text.rfind(rebase.from, 0) == 0)
+    {
+      // A rebase is the user's word for where the files are: taken as it is.
+      return rebase.to + text.substr(rebase.from.size());
+    }
+  }
+  // A URL names a file elsewhere, found or not by the program that shows it; kept as written.
+  if (AuxFile::isUrl(text))
+    return text;
+  std::filesystem::path path(text);
+  if (path.is_absolute())
+  {
+    path = path.lexically_normal().lexically_relative(root);
+    if (path.empty() || *path.begin() == "..")
+      refuse("is outside " + folder + "; --rebase OLD=NEW rewrites such paths");
+  }
+  const std::filesystem::path normal = path.lexically_normal();
+  if (normal.empty() || *normal.begin() == "..")
+    refuse("leads out of " + folder + "; --rebase OLD=NEW rewrites such paths");
+  return normal.generic_string();
 }
 
 } // namespace studytext

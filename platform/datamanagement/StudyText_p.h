@@ -2,6 +2,7 @@
 
 // What the readers of study files share: field texts, numbers, case ids and whole files.
 
+#include "datamanagement/CinemaReader.h"
 #include "datamanagement/CsvTokenizer_p.h"
 
 #include <filesystem>
@@ -30,5 +31,27 @@ void checkFieldCount(const CsvTokenizer& csv,
 std::string readFile(const std::filesystem::path& path);
 /// The text of a CSV file, checked to be UTF-8, without a byte-order mark.
 std::string_view checkedText(const std::string& contents, const std::string& file);
+
+/// "case_id", "id", "run" or "simuID", in any case: a column that gives the case ids when its
+/// values are unique non-negative integers.
+bool isIdColumnName(std::string name);
+
+/// Where a cell stands, for messages: the file, its line and column, and the data row.
+struct CellPlace
+{
+  std::string file;
+  std::size_t line = 0;
+  std::size_t column = 0;
+  std::size_t row = 0;
+};
+
+/// A file path of a cell as the study's files are named: relative to `root` where it lies inside
+/// it, as a rebase sends it, or as written for a URL. Throws StudyFormatError for a path that
+/// leads out of `root` (named `folder` in the message: "the database folder").
+std::string resolvedPath(std::string_view cell,
+                         const std::filesystem::path& root,
+                         const std::vector<PathRebase>& rebases,
+                         const CellPlace& place,
+                         const std::string& folder);
 
 } // namespace studytext

@@ -17,6 +17,11 @@ Variable::Nature Variable::nature() const
   return d ? d->nature : Continuous;
 }
 
+Variable::Role Variable::role() const
+{
+  return d ? d->role : Unknown;
+}
+
 std::pair<double, double> Variable::range() const
 {
   return d ? d->range : std::pair<double, double>(0.0, 0.0);

@@ -22,6 +22,15 @@ public:
     Discrete = 2
   };
 
+  /// What a variable is to the study that wrote it: an input the runs were given (a parameter of
+  /// the design), an output they produced (a result), or not said.
+  enum Role : int
+  {
+    Unknown = 0,
+    Input = 1,
+    Output = 2
+  };
+
   using StudyObjectHandle::StudyObjectHandle;
 
   /// Unique id of the object; 0 for an empty handle.
@@ -29,6 +38,8 @@ public:
   /// The column name; empty for an empty handle.
   std::string name() const;
   Nature nature() const;
+  /// Unknown unless the study said it (an "in:" or "out:" column of a table, say).
+  Role role() const;
   /// Smallest and largest finite value; (0, 0) for texts, for a variable without finite values
   /// and for an empty handle, so that the range is always finite.
   std::pair<double, double> range() const;
