@@ -28,7 +28,7 @@ WeakPtr<Variable> firstNotIn(const std::vector<WeakPtr<Variable>>& candidates,
   return {};
 }
 
-// The varying numbers split by nature.
+// The varying numbers split into inputs and outputs.
 void inputsAndOutputs(const Project& project,
                       std::vector<WeakPtr<Variable>>& inputs,
                       std::vector<WeakPtr<Variable>>& outputs)
@@ -38,7 +38,12 @@ void inputsAndOutputs(const Project& project,
     const Variable variable = handle.lock();
     if (variable.nature() == Variable::Text || !varies(project, variable))
       continue;
-    (variable.nature() == Variable::Discrete ? inputs : outputs).push_back(handle);
+    // A study that says what its variables are is taken at its word; otherwise swept values
+    // (few, repeated) are inputs and the others results.
+    const bool input =
+      variable.role() == Variable::Input ||
+      (variable.role() == Variable::Unknown && variable.nature() == Variable::Discrete);
+    (input ? inputs : outputs).push_back(handle);
   }
 }
 

@@ -13,8 +13,10 @@ namespace explorer
 
 /// What a fresh view shows of a study, chosen so that the first screen is full whatever the
 /// study looks like: only variables whose values vary (a constant plots as a line and lays out
-/// one cell), different variables for different roles, inputs (swept, discrete values) across
-/// and outputs (continuous results) up. A choice that cannot be made is an empty handle.
+/// one cell), different variables for different roles, inputs across and outputs up. Inputs
+/// are the variables the study says are (Variable::Input), or else swept (discrete) ones;
+/// outputs those it says are, or else continuous ones. A choice that cannot be made is an empty
+/// handle.
 namespace defaults
 {
 

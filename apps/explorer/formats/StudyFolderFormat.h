@@ -12,7 +12,7 @@ public:
   std::string name() const override { return "study folder"; }
   std::string description() const override
   {
-    return "a study folder holding cases.csv (and auxfiles.csv)";
+    return "a study folder holding cases.csv (and auxfiles.csv), or its cases.csv";
   }
   int score(const std::string& path) const override;
   std::shared_ptr<const Project> read(const std::string& path,

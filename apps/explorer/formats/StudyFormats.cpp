@@ -2,6 +2,7 @@
 
 #include "formats/CinemaDatabaseFormat.h"
 #include "formats/StudyFolderFormat.h"
+#include "formats/TableOfRunsFormat.h"
 
 #include "datamanagement/StudyFormatError.h"
 
@@ -18,6 +19,7 @@ const std::vector<std::unique_ptr<StudyFormat>>& studyFormats()
     std::vector<std::unique_ptr<StudyFormat>> list;
     list.push_back(std::make_unique<StudyFolderFormat>());
     list.push_back(std::make_unique<CinemaDatabaseFormat>());
+    list.push_back(std::make_unique<TableOfRunsFormat>());
     return list;
   }();
   return formats;

@@ -19,12 +19,16 @@ TEST(CasesModel, SortsByAnyColumnAndFindsTheRowsOfCases)
   builder.setCaseIds({ 5, 18446744073709551615ULL, 3, 9 });
   builder.addNumericVariable("x", { 2, std::numeric_limits<double>::quiet_NaN(), -1, 2 });
   builder.addTextVariable("name", { "beta", "alpha", "gamma", "alpha" });
+  builder.setRole("x", Variable::Input);
   const auto project = builder.build();
   DataPipelineManager pipeline(project);
-  CasesModel model(pipeline);
+  CasesModel model(pipeline, *project);
   ASSERT_EQ(model.rowCount(), 4);
   ASSERT_EQ(model.columnCount(), 3);
   EXPECT_EQ(model.headerData(0, Qt::Horizontal, Qt::DisplayRole).toString(), "case_id");
+  EXPECT_EQ(model.headerData(1, Qt::Horizontal, Qt::DisplayRole).toString(), "in: x")
+    << "the role the study gives a variable";
+  EXPECT_EQ(model.headerData(2, Qt::Horizontal, Qt::DisplayRole).toString(), "name");
   EXPECT_EQ(model.index(1, 0).data().toString(), "18446744073709551615") << "the whole id";
   EXPECT_EQ(model.index(1, 1).data().toString(), "") << "NaN shows as nothing";
   EXPECT_TRUE(model.sortedCases().empty()) << "the study's order";

@@ -4,6 +4,7 @@
 
 #include "analyzer_common/VariantDisplayText.h"
 #include "common/Variant.h"
+#include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManagerInterface.h"
 
 #include <vtkAbstractArray.h>
@@ -19,9 +20,12 @@
 namespace explorer
 {
 
-CasesModel::CasesModel(const DataPipelineManagerInterface& pipeline)
+CasesModel::CasesModel(const DataPipelineManagerInterface& pipeline, const Project& project)
   : pipeline(pipeline)
 {
+  for (const auto& handle : project.variables())
+    if (handle.lock().role() != Variable::Unknown)
+      roles.emplace(handle.lock().name(), handle.lock().role());
   reload();
 }
 
@@ -72,8 +76,18 @@ QVariant CasesModel::headerData(int section, Qt::Orientation orientation, int ro
   if (role != Qt::DisplayRole)
     return {};
   if (orientation == Qt::Horizontal && section < columnCount())
-    return QString::fromUtf8(table->GetColumn(section)->GetName());
+    return headerText(section);
   return section + 1;
+}
+
+QString CasesModel::headerText(int column) const
+{
+  // The role a study gives a variable is shown before its name.
+  const QString name = QString::fromUtf8(table->GetColumn(column)->GetName());
+  const auto role = roles.find(name.toStdString());
+  if (role == roles.end())
+    return name;
+  return (role->second == Variable::Input ? "in: " : "out: ") + name;
 }
 
 void CasesModel::sortBy(int column, bool descending)

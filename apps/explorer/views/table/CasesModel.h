@@ -2,13 +2,18 @@
 
 #include "CaseRowIndex.h"
 
+#include "datamanagement/Variable.h"
+
 #include <QAbstractTableModel>
 #include <vtkSmartPointer.h>
 
+#include <map>
 #include <set>
+#include <string>
 #include <vector>
 
 class DataPipelineManagerInterface;
+class Project;
 class vtkTable;
 
 namespace explorer
@@ -20,7 +25,9 @@ namespace explorer
 class CasesModel : public QAbstractTableModel
 {
 public:
-  explicit CasesModel(const DataPipelineManagerInterface& pipeline);
+  /// The shown cases of `pipeline`; the roles of `project`'s variables mark their columns
+  /// ("in: Depth [ft]", "out: Rate").
+  CasesModel(const DataPipelineManagerInterface& pipeline, const Project& project);
   ~CasesModel() override;
 
   /// Reads the shown cases again, in the sorted order.
@@ -45,6 +52,7 @@ public:
 
 private:
   vtkIdType tableRow(int row) const;
+  QString headerText(int column) const;
   void arrange();
 
   const DataPipelineManagerInterface& pipeline;
@@ -56,6 +64,7 @@ private:
   // Empty when unsorted: the table row of each shown row, and the shown row of each table row.
   std::vector<std::size_t> order;
   std::vector<int> shownRow;
+  std::map<std::string, Variable::Role> roles;
 };
 
 } // namespace explorer

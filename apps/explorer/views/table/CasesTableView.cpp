@@ -111,7 +111,7 @@ CasesTableView::CasesTableView(const ViewContext& context)
   bar->addWidget(d->findMessage);
   bar->addStretch();
   layout->addLayout(bar);
-  d->model = new CasesModel(pipeline);
+  d->model = new CasesModel(pipeline, *d->project);
   d->table = new CasesTable(*d->model, context.selection);
   layout->addWidget(d->table);
   QHeaderView* columns = d->table->horizontalHeader();
