@@ -150,8 +150,12 @@ std::string resolvedPath(std::string_view cell,
   {
     if (!rebase.from.empty() && text.rfind(rebase.from, 0) == 0)
     {
-      // A rebase is the user's word for where the files are: taken as it is.
-      return rebase.to + text.substr(rebase.from.size());
+      // A rebase is the user's word for where the files are: taken as it is, with the one
+      // slash between folder and name that "https://host/=/local" leaves out.
+      const std::string rest = text.substr(rebase.from.size());
+      const bool slashMissing = !rebase.to.empty() && rebase.to.back() != '/' && !rest.empty() &&
+                                rest.front() != '/' && rebase.from.back() == '/';
+      return rebase.to + (slashMissing ? "/" : "") + rest;
     }
   }
   // A URL names a file elsewhere, found or not by the program that shows it; kept as written.

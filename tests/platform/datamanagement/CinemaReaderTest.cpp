@@ -127,6 +127,9 @@ TEST(CinemaReader, PathsOutsideTheFolderAreRefusedWithTheirRowUnlessRebased)
   EXPECT_EQ(remote->auxFiles()[1].lock().filePath(), "HTTP://host/b.png");
   const auto rebased = readCinemaDatabase(db.path(), { { "https://host/", "/home/me/" } });
   EXPECT_EQ(rebased->auxFiles()[0].lock().filePath(), "/home/me/study/a.png");
+  const auto withoutSlash = readCinemaDatabase(db.path(), { { "https://host/", "/home/me" } });
+  EXPECT_EQ(withoutSlash->auxFiles()[0].lock().filePath(), "/home/me/study/a.png")
+    << "the folder's slash is not lost";
 }
 
 TEST(CinemaReader, MalformedDatabasesNameTheirProblem)
