@@ -2,7 +2,6 @@
 
 #include "ExplorerWindow.h"
 #include "Screenshots.h"
-#include "StudyReading.h"
 #include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
 #include "formats/StudyFormats.h"
@@ -187,17 +186,13 @@ int prepareWindow(ExplorerWindow& window,
       QMessageBox::critical(&window, title, message);
     return interactive ? Ok : code;
   };
+  window.setPathRebases(options.rebases);
   if (!options.study.isEmpty())
   {
-    try
+    QString error;
+    if (!window.openStudy(options.study, error))
     {
-      window.showStudy(
-        readStudyWithProgress(options.study.toStdString(), options.rebases, &window));
-    }
-    catch (const std::exception& e)
-    {
-      if (const int code =
-            fail("Cannot open the study", QString::fromStdString(e.what()), StudyError))
+      if (const int code = fail("Cannot open the study", error, StudyError))
         return code;
     }
   }
@@ -252,9 +247,8 @@ int writeScreenshotsOfStudy(const Options& options, std::ostream& out, std::ostr
 int openWindow(const Options& options, std::ostream& err)
 {
   ExplorerWindow window;
-  window.setPathRebases(options.rebases);
   // On screen before the study is read: the reading's progress shows over the window.
-  window.rememberLayout();
+  window.rememberBetweenRuns();
   window.show();
   QApplication::processEvents();
   prepareWindow(window, options, true, err);

@@ -2,6 +2,7 @@
 
 #include "CaseKeys.h"
 #include "CaseOrder.h"
+#include "CasesExport.h"
 #include "ExplorerView.h"
 #include "FileLocator.h"
 #include "ImagePreloader.h"
@@ -9,6 +10,7 @@
 #include "SettingsPanel.h"
 #include "StudyFiles.h"
 #include "StudyReading.h"
+#include "StudySessions.h"
 #include "ViewArrangement.h"
 #include "ViewRegistry.h"
 #include "WindowMenus.h"
@@ -19,15 +21,13 @@
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "dataviews/DataViewVisitorAbstract.h"
-#include "export/FullPrecisionCSVExporter.h"
-#include "export/SurrogateModelCSVExporter.h"
 #include "images/ImageCache.h"
 #include "signals/SignalConnectionCollection.h"
-#include "vtkFilePathColumns.h"
 
 #include "properties/PropertyAbstract.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QDockWidget>
 #include <QFile>
 #include <QFileInfo>
@@ -88,7 +88,10 @@ struct ExplorerWindow::Impl
   // The owner of the window's own undo steps (loading settings): they do nothing once it is gone.
   DeleteSignaler undoOwner;
   std::vector<PathRebase> rebases;
-  bool remembersLayout = false;
+  // What the window keeps between runs; null when it keeps nothing (screenshots, tests).
+  std::unique_ptr<StudySessions> sessions;
+  // The path the study shown was opened from, empty for one shown as it was read elsewhere.
+  QString studyPath;
 
   void clearViews()
   {
@@ -151,8 +154,50 @@ ExplorerView* ExplorerWindow::currentView() const
   return d->current;
 }
 
+bool ExplorerWindow::openStudy(const QString& path, QString& error)
+{
+  std::shared_ptr<const Project> study;
+  try
+  {
+    study = readStudyWithProgress(path.toStdString(), d->rebases, this);
+  }
+  catch (const std::exception& e)
+  {
+    error = QString::fromStdString(e.what());
+    return false;
+  }
+  showStudy(std::move(study));
+  d->studyPath = path;
+  if (d->sessions)
+  {
+    d->sessions->remember(path);
+    const QString kept = d->sessions->settingsFile(path);
+    QString why;
+    if (QFileInfo::exists(kept) && !loadSettings(kept, why))
+      showMessage("The settings this study was closed with are not restored: " + why);
+    // The study comes back as it was left: that is where its history starts.
+    UndoStack().clear();
+  }
+  return true;
+}
+
+void ExplorerWindow::keepSession()
+{
+  if (!d->sessions || d->studyPath.isEmpty() || !d->pipeline)
+    return;
+  const QString file = d->sessions->settingsFile(d->studyPath);
+  QDir().mkpath(QFileInfo(file).absolutePath());
+  // A session not kept costs the user the views' settings next time, never data: no dialog
+  // stands in the way of closing.
+  QString error;
+  if (!saveSettings(file, error))
+    qWarning("explorer: %s", qUtf8Printable(error));
+}
+
 void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
 {
+  keepSession();
+  d->studyPath.clear();
   d->preloader.stop();
   d->clearViews();
   UndoStack().clear();
@@ -174,7 +219,7 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   for (const ViewKind& kind : viewKinds())
     d->views.push_back(kind.create(context));
   arrangeViews(*d->splitter, viewKinds(), d->views);
-  if (d->remembersLayout)
+  if (d->sessions)
     restoreSplitters();
 
   auto* panel = new SettingsPanel(
@@ -209,9 +254,9 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
     d->files->locations()->connectSignalPropertyChanged([this] { showMissingFiles(); }));
 }
 
-void ExplorerWindow::rememberLayout()
+void ExplorerWindow::rememberBetweenRuns()
 {
-  d->remembersLayout = true;
+  d->sessions = std::make_unique<StudySessions>();
   const QSettings settings;
   if (!restoreGeometry(settings.value("window/geometry").toByteArray()))
     resize(1600, 1000);
@@ -229,7 +274,8 @@ void ExplorerWindow::restoreSplitters()
 
 void ExplorerWindow::closeEvent(QCloseEvent* event)
 {
-  if (d->remembersLayout)
+  keepSession();
+  if (d->sessions)
   {
     QSettings settings;
     settings.setValue("window/geometry", saveGeometry());
@@ -317,30 +363,7 @@ bool ExplorerWindow::saveSettings(const QString& path, QString& error) const
 
 bool ExplorerWindow::exportCases(const QString& path, bool fullPrecision, QString& error) const
 {
-  // The shown cases with the paths of their files, as the study wrote them.
-  auto output = vtkSmartPointer<vtkFilePathColumns>::New();
-  output->SetInputConnection(d->pipeline->output()->GetOutputPort());
-  output->SetProject(d->project);
-  output->Update();
-  if (fullPrecision)
-  {
-    try
-    {
-      FullPrecisionCSVExporter().writeCSVFile(*output->GetOutput(), path.toStdString());
-    }
-    catch (const std::exception& e)
-    {
-      error = QString::fromStdString(e.what());
-      return false;
-    }
-    return true;
-  }
-  if (!SurrogateModelCSVExporter().writeCSVFile(output, path.toStdString()))
-  {
-    error = "cannot export to \"" + path + "\": the file cannot be written";
-    return false;
-  }
-  return true;
+  return exportShownCases(*d->pipeline, d->project, path, fullPrecision, error);
 }
 
 SelectionModel& ExplorerWindow::selection() const

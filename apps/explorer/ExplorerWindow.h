@@ -30,6 +30,11 @@ public:
 
   /// Shows a study (an empty project shows empty views). The previous study's views go.
   void showStudy(std::shared_ptr<const Project> project);
+  /// Reads the study at `path` (a folder or a file, in any format the explorer reads) with its
+  /// progress over the window and shows it; when the window remembers between runs, the study
+  /// joins the recent ones and comes back with the settings it was last closed with. Returns
+  /// false and sets `error` when it cannot be read: the study shown stays then.
+  bool openStudy(const QString& path, QString& error);
   std::shared_ptr<const Project> project() const;
 
   /// Each returns false and sets `error` to a message for the user when it fails; nothing the
@@ -68,8 +73,9 @@ public:
   void showMessage(const QString& message);
 
   /// Takes the size, place and pane widths the window had when it was last closed (in the
-  /// application's settings), and keeps them for next time when it closes.
-  void rememberLayout();
+  /// application's settings), and keeps them for next time when it closes; keeps the studies
+  /// opened and the settings each was left with too (see StudySessions).
+  void rememberBetweenRuns();
 
   /// Decodes every image of the study in the background, with a progress bar, so that the
   /// image matrix finds them ready.
@@ -80,6 +86,8 @@ protected:
 
 private:
   void restoreSplitters();
+  // Keeps the settings of the study shown for the next time it is opened.
+  void keepSession();
   void setCurrentView(ExplorerView* view);
   void showSelectionCount(std::size_t selected);
   void showShownCount();

@@ -3,7 +3,7 @@
 #include "ExplorerView.h"
 #include "ExplorerWindow.h"
 #include "FileLocator.h"
-#include "StudyReading.h"
+#include "StudySessions.h"
 
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
@@ -29,7 +29,10 @@ WindowMenus::WindowMenus(ExplorerWindow& window)
 {
   QMenu* file = window.menuBar()->addMenu("&File");
   file->addAction(
-    "&Open Study...", this, [this] { openStudy(); }, QKeySequence::Open);
+    "&Open Study...", this, [this] { openStudyFile(); }, QKeySequence::Open);
+  file->addAction("Open Study &Folder...", this, [this] { openStudyFolder(); });
+  QMenu* recent = file->addMenu("Open &Recent");
+  QObject::connect(recent, &QMenu::aboutToShow, this, [this, recent] { listRecent(*recent); });
   file->addAction("&Load Settings...", this, [this] { openSettings(); });
   file->addAction(
     "&Save Settings...", this, [this] { saveSettingsAs(); }, QKeySequence::Save);
@@ -132,20 +135,40 @@ void WindowMenus::locateFiles()
   window.showMessage(QString("files starting with %1 are read from %2").arg(prefix, folder));
 }
 
-void WindowMenus::openStudy()
+void WindowMenus::openStudyFile()
 {
-  const QString folder = QFileDialog::getExistingDirectory(&window, "Open Study");
-  if (folder.isEmpty())
+  // A table of runs, or the table of a study folder or Cinema database, which opens the study.
+  const QString path = QFileDialog::getOpenFileName(
+    &window, "Open Study", {}, "Tables of runs (*.csv *.tsv *.txt);;All files (*)");
+  if (!path.isEmpty())
+    openStudy(path);
+}
+
+void WindowMenus::openStudyFolder()
+{
+  const QString folder = QFileDialog::getExistingDirectory(&window, "Open Study Folder");
+  if (!folder.isEmpty())
+    openStudy(folder);
+}
+
+void WindowMenus::listRecent(QMenu& menu)
+{
+  menu.clear();
+  for (const QString& path : StudySessions().recent())
+    menu.addAction(path, this, [this, path] { openStudy(path); });
+  if (menu.isEmpty())
+    menu.addAction("No studies opened yet")->setEnabled(false);
+}
+
+void WindowMenus::openStudy(const QString& path)
+{
+  QString error;
+  if (!window.openStudy(path, error))
+  {
+    QMessageBox::critical(&window, "Cannot open the study", error);
     return;
-  try
-  {
-    window.showStudy(readStudyWithProgress(folder.toStdString(), window.pathRebases(), &window));
-    window.preloadImages();
   }
-  catch (const std::exception& e)
-  {
-    QMessageBox::critical(&window, "Cannot open the study", QString::fromStdString(e.what()));
-  }
+  window.preloadImages();
 }
 
 void WindowMenus::openSettings()

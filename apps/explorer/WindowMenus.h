@@ -4,6 +4,8 @@
 
 class QAction;
 class QActionGroup;
+class QMenu;
+class QString;
 
 namespace explorer
 {
@@ -11,9 +13,9 @@ namespace explorer
 class ExplorerView;
 class ExplorerWindow;
 
-/// The window's menus and tool bar: File (open a study, load and save settings, export the
-/// cases, locate the study's files), Edit (undo, redo) and View (the chart's mouse modes and
-/// Fit to Data, also in the tool bar), with the dialogs they open.
+/// The window's menus and tool bar: File (open a study from a file, a folder or the recent ones,
+/// load and save settings, export the cases, locate the study's files), Edit (undo, redo) and View
+/// (the chart's mouse modes and Fit to Data, also in the tool bar), with the dialogs they open.
 class WindowMenus : public QObject
 {
 public:
@@ -23,7 +25,10 @@ public:
   void applyChartActionsTo(ExplorerView* view, bool chart);
 
 private:
-  void openStudy();
+  void openStudyFile();
+  void openStudyFolder();
+  void listRecent(QMenu& menu);
+  void openStudy(const QString& path);
   void openSettings();
   void saveSettingsAs();
   void exportCasesAs(bool fullPrecision);

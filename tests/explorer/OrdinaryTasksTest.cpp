@@ -307,7 +307,7 @@ TEST_F(OrdinaryTasks, TheWindowReopensWithItsSizeAndPanes)
   {
     ExplorerWindow first;
     first.showStudy(window->project());
-    first.rememberLayout();
+    first.rememberBetweenRuns();
     first.show();
     first.resize(1300, 850);
     auto* main = qobject_cast<QSplitter*>(first.centralWidget());
@@ -319,7 +319,7 @@ TEST_F(OrdinaryTasks, TheWindowReopensWithItsSizeAndPanes)
   }
   ExplorerWindow second;
   second.showStudy(window->project());
-  second.rememberLayout();
+  second.rememberBetweenRuns();
   second.show();
   QApplication::processEvents();
   EXPECT_EQ(second.size(), size);

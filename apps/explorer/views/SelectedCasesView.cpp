@@ -3,6 +3,7 @@
 #include "ChangesWhileHidden.h"
 #include "PropertyEditors.h"
 #include "TableSorting.h"
+#include "VariableNames.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/Project.h"
@@ -123,7 +124,8 @@ public:
       return QAbstractTableModel::headerData(section, orientation, role);
     if (section == 0)
       return QString("case_id");
-    return QString::fromStdString(variables[static_cast<std::size_t>(section - 1)].lock().name());
+    const Variable variable = variables[static_cast<std::size_t>(section - 1)].lock();
+    return headerName(variable.name(), variable.role());
   }
 
   const std::vector<WeakPtr<Variable>>& columns() const { return variables; }
@@ -351,7 +353,7 @@ void SelectedCasesView::exportSelection(const std::string& path) const
       column = vtkSmartPointer<vtkStringArray>::New();
     else
       column = vtkSmartPointer<vtkDoubleArray>::New();
-    column->SetName(variable.lock().name().c_str());
+    column->SetName(exportedName(variable.lock().name(), variable.lock().role()).c_str());
     table->AddColumn(column);
   }
   // In the order shown, so that the file matches the table.

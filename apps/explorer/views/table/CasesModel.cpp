@@ -1,6 +1,7 @@
 #include "views/table/CasesModel.h"
 
 #include "TableSorting.h"
+#include "VariableNames.h"
 
 #include "analyzer_common/VariantDisplayText.h"
 #include "common/Variant.h"
@@ -82,12 +83,9 @@ QVariant CasesModel::headerData(int section, Qt::Orientation orientation, int ro
 
 QString CasesModel::headerText(int column) const
 {
-  // The role a study gives a variable is shown before its name.
-  const QString name = QString::fromUtf8(table->GetColumn(column)->GetName());
-  const auto role = roles.find(name.toStdString());
-  if (role == roles.end())
-    return name;
-  return (role->second == Variable::Input ? "in: " : "out: ") + name;
+  const std::string name = table->GetColumn(column)->GetName();
+  const auto role = roles.find(name);
+  return headerName(name, role == roles.end() ? Variable::Unknown : role->second);
 }
 
 void CasesModel::sortBy(int column, bool descending)
