@@ -13,7 +13,14 @@ unsigned long long AuxFile::id() const
 
 std::string AuxFile::filePath() const
 {
-  return d ? d->filePath : std::string();
+  if (!d)
+    return {};
+  if (!d->filePath.empty())
+    return d->filePath;
+  const std::string& folder = d->project->data().fileFolder;
+  if (folder.empty())
+    return d->relativePath;
+  return folder + (folder == "/" ? "" : "/") + d->relativePath;
 }
 
 std::string AuxFile::relativePath() const
@@ -23,12 +30,12 @@ std::string AuxFile::relativePath() const
 
 std::vector<std::string> AuxFile::tags() const
 {
-  return d ? d->tags : std::vector<std::string>();
+  return d && d->tags ? *d->tags : std::vector<std::string>();
 }
 
 bool AuxFile::hasTag(const std::string& tag) const
 {
-  return d && std::find(d->tags.begin(), d->tags.end(), tag) != d->tags.end();
+  return d && d->tags && std::find(d->tags->begin(), d->tags->end(), tag) != d->tags->end();
 }
 
 bool AuxFile::isUrl(const std::string& path)

@@ -27,6 +27,7 @@ void CsvTokenizer::seek(std::size_t position, std::size_t lineNumber)
 bool CsvTokenizer::next(std::vector<Field>& fields)
 {
   fields.clear();
+  cut = false;
   if (!unescaped.empty())
   {
     unescaped.clear();
@@ -48,6 +49,8 @@ bool CsvTokenizer::next(std::vector<Field>& fields)
     return false;
   }
   line = currentLine;
+  const std::size_t recordStart = offset;
+  const std::size_t recordLineStart = lineStart;
 
   while (true)
   {
@@ -82,6 +85,15 @@ bool CsvTokenizer::next(std::vector<Field>& fields)
         }
         value.push_back(c);
         ++offset;
+      }
+      if (!closed && moreToCome)
+      {
+        offset = recordStart;
+        currentLine = line;
+        lineStart = recordLineStart;
+        fields.clear();
+        cut = true;
+        return false;
       }
       if (!closed)
       {

@@ -34,6 +34,11 @@ public:
   void seek(std::size_t position, std::size_t line);
   const std::string& file() const { return fileName; }
 
+  /// The text is a block of a longer file: a quoted field that its end cuts short is not refused
+  /// but left unread, and next() returns false with cutShort() true, at the record's start.
+  void setMoreToCome(bool more) { moreToCome = more; }
+  bool cutShort() const { return cut; }
+
 private:
   std::string_view text;
   std::string fileName;
@@ -42,6 +47,8 @@ private:
   std::size_t currentLine = 1;
   std::size_t lineStart = 0;
   std::size_t line = 0;
+  bool moreToCome = false;
+  bool cut = false;
   std::deque<std::string> unescaped;
 };
 

@@ -100,12 +100,12 @@ std::vector<WeakPtr<Record>> Project::records() const
 
 WeakPtr<Record> Project::record(unsigned long long caseId) const
 {
-  const auto found = d->recordByCaseId.find(caseId);
-  if (found == d->recordByCaseId.end())
+  const std::size_t row = d->rowOf(caseId);
+  if (row == ProjectData::npos)
   {
     return {};
   }
-  return aliasHandle<Record>(shared_from_this(), d->records[found->second]);
+  return aliasHandle<Record>(shared_from_this(), d->records[row]);
 }
 
 const std::vector<unsigned long long>& Project::caseIds() const

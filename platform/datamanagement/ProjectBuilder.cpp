@@ -2,11 +2,14 @@
 
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectData_p.h"
+#include "datamanagement/StudyText_p.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <deque>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -32,7 +35,8 @@ struct ProjectBuilder::Pending
   std::string folder;
   std::vector<unsigned long long> caseIds;
   std::vector<Column> columns;
-  std::vector<File> files;
+  // A deque: a million files are not moved each time it grows.
+  std::deque<File> files;
   std::map<std::string, Variable::Role> roles;
 };
 
@@ -65,14 +69,18 @@ std::pair<double, double> finiteRange(const std::vector<double>& values)
 
 std::vector<std::string> withoutRepeats(std::vector<std::string> tags)
 {
-  std::vector<std::string> result;
-  std::unordered_set<std::string> seen;
-  for (auto& tag : tags)
+  // A file has a few tags: searching those kept beats hashing, which a million files feel.
+  auto kept = tags.begin();
+  for (auto tag = tags.begin(); tag != tags.end(); ++tag)
   {
-    if (seen.insert(tag).second)
-      result.push_back(std::move(tag));
+    if (std::find(tags.begin(), kept, *tag) != kept)
+      continue;
+    if (kept != tag)
+      *kept = std::move(*tag);
+    ++kept;
   }
-  return result;
+  tags.erase(kept, tags.end());
+  return tags;
 }
 
 } // namespace
@@ -167,13 +175,19 @@ std::shared_ptr<const Project> ProjectBuilder::build()
   const unsigned long long base = nextIdBlock.fetch_add(1) << 32;
   unsigned long long nextId = base + 1;
 
-  data->caseIds = input.caseIds;
+  data->caseIds = std::move(input.caseIds);
   data->records.resize(rows);
-  data->recordByCaseId.reserve(rows);
+  // Ascending ids are searched, not hashed: a million cases do not need a million nodes.
+  const bool ascending =
+    std::adjacent_find(data->caseIds.begin(),
+                       data->caseIds.end(),
+                       std::greater_equal<unsigned long long>()) == data->caseIds.end();
+  if (!ascending)
+    data->recordByCaseId.reserve(rows);
   for (std::size_t row = 0; row < rows; ++row)
   {
-    const unsigned long long caseId = input.caseIds[row];
-    if (!data->recordByCaseId.emplace(caseId, row).second)
+    const unsigned long long caseId = data->caseIds[row];
+    if (!ascending && !data->recordByCaseId.emplace(caseId, row).second)
       throw std::invalid_argument("duplicate case id " + std::to_string(caseId));
     RecordData& record = data->records[row];
     record.id = nextId++;
@@ -184,7 +198,7 @@ std::shared_ptr<const Project> ProjectBuilder::build()
   data->caseIdVariable.id = nextId++;
   data->caseIdVariable.name = caseIdName;
   data->caseIdVariable.range =
-    finiteRange(std::vector<double>(input.caseIds.begin(), input.caseIds.end()));
+    finiteRange(std::vector<double>(data->caseIds.begin(), data->caseIds.end()));
 
   data->variables.resize(input.columns.size());
   data->columns.reserve(input.columns.size());
@@ -222,30 +236,64 @@ std::shared_ptr<const Project> ProjectBuilder::build()
   std::set<std::string> allTags;
   std::map<std::string, std::set<std::string>> groups;
   data->auxFiles.reserve(input.files.size());
+  // Most paths are plain relative ones: joined to the folder when asked for.
+  std::string& folder = data->fileFolder;
+  folder = std::filesystem::path(input.folder).lexically_normal().string();
+  if (folder.size() > 1 && folder.back() == '/')
+    folder.pop_back();
+  if (folder == ".")
+    folder.clear();
+  std::shared_ptr<const std::vector<std::string>> lastTags;
+  std::vector<std::size_t> rowOfFile;
+  rowOfFile.reserve(input.files.size());
+  std::size_t nextRow = 0;
   for (auto& file : input.files)
   {
-    const auto owner = data->recordByCaseId.find(file.caseId);
-    if (owner == data->recordByCaseId.end())
+    // Files come row after row, column after column: the next row is tried first.
+    const std::size_t row =
+      nextRow < rows && data->caseIds[nextRow] == file.caseId ? nextRow : data->rowOf(file.caseId);
+    if (row == ProjectData::npos)
       throw std::invalid_argument("auxiliary file \"" + file.relativePath +
                                   "\" names unknown case id " + std::to_string(file.caseId));
+    nextRow = row + 1;
     AuxFileData aux;
     aux.id = nextId++;
-    aux.filePath =
-      input.folder.empty() || AuxFile::isUrl(file.relativePath)
-        ? file.relativePath
-        : (std::filesystem::path(input.folder) / file.relativePath).lexically_normal().string();
+    if (input.folder.empty() || AuxFile::isUrl(file.relativePath))
+      aux.filePath = file.relativePath;
+    else if (!studytext::isNormalRelativePath(file.relativePath))
+      aux.filePath =
+        (std::filesystem::path(input.folder) / file.relativePath).lexically_normal().string();
     aux.relativePath = std::move(file.relativePath);
-    aux.record = owner->second;
-    for (const auto& tag : file.tags)
+    aux.record = row;
+    // Files come column by column: most have the tags of the file before, and share them.
+    if (!lastTags || *lastTags != file.tags)
     {
-      allTags.insert(tag);
-      const auto colon = tag.find(':');
-      if (colon != std::string::npos && colon > 0)
-        groups[tag.substr(0, colon)].insert(tag);
+      for (const auto& tag : file.tags)
+      {
+        allTags.insert(tag);
+        const auto colon = tag.find(':');
+        if (colon != std::string::npos && colon > 0)
+          groups[tag.substr(0, colon)].insert(tag);
+      }
+      lastTags = std::make_shared<const std::vector<std::string>>(std::move(file.tags));
     }
-    aux.tags = std::move(file.tags);
-    data->records[owner->second].auxFiles.push_back(data->auxFiles.size());
+    aux.tags = lastTags;
+    ++data->records[row].fileCount;
+    rowOfFile.push_back(row);
     data->auxFiles.push_back(std::move(aux));
+  }
+  std::size_t first = 0;
+  for (RecordData& record : data->records)
+  {
+    record.firstFile = first;
+    first += record.fileCount;
+    record.fileCount = 0;
+  }
+  data->filesOfRecords.resize(first);
+  for (std::size_t file = 0; file < rowOfFile.size(); ++file)
+  {
+    RecordData& record = data->records[rowOfFile[file]];
+    data->filesOfRecords[record.firstFile + record.fileCount++] = file;
   }
   data->tags.assign(allTags.begin(), allTags.end());
   for (auto& [name, tags] : groups)

@@ -41,7 +41,9 @@ struct RecordData
   unsigned long long id = 0;
   unsigned long long caseId = 0;
   std::size_t row = 0;
-  std::vector<std::size_t> auxFiles;
+  // The record's files: ProjectData::filesOfRecords[firstFile, firstFile + fileCount).
+  std::size_t firstFile = 0;
+  std::size_t fileCount = 0;
   const Project* project = nullptr;
 };
 
@@ -49,8 +51,11 @@ struct AuxFileData
 {
   unsigned long long id = 0;
   std::string relativePath;
+  // Empty when the path is the project's fileFolder joined with relativePath, as most are: a
+  // million files do not keep a million copies of the folder.
   std::string filePath;
-  std::vector<std::string> tags;
+  // Shared by the files of one column or kind: a million files have a handful of tag lists.
+  std::shared_ptr<const std::vector<std::string>> tags;
   std::size_t record = 0;
   const Project* project = nullptr;
 };
@@ -65,17 +70,36 @@ struct TagGroupData
 struct ProjectData
 {
   std::string folder;
+  // The folder the files' relative paths are joined to: normal, with no slash at its end but
+  // for "/", and empty for the current folder.
+  std::string fileFolder;
   std::vector<ValueColumn> columns;
   std::vector<VariableData> variables;
   VariableData caseIdVariable;
   std::vector<RecordData> records;
   std::vector<AuxFileData> auxFiles;
+  // The indices in auxFiles of the files of each record, record after record.
+  std::vector<std::size_t> filesOfRecords;
   std::vector<TagGroupData> tagGroups;
   std::vector<unsigned long long> caseIds;
   std::vector<std::string> tags;
+  // The row of each case id; left empty when the ids ascend, as most do, and are searched.
   std::unordered_map<unsigned long long, std::size_t> recordByCaseId;
   std::unordered_map<std::string, std::size_t> variableByName;
   std::unordered_map<std::string, std::size_t> tagGroupByName;
+
+  /// The row of a case id, or npos.
+  std::size_t rowOf(unsigned long long caseId) const
+  {
+    if (!recordByCaseId.empty() || caseIds.empty())
+    {
+      const auto found = recordByCaseId.find(caseId);
+      return found == recordByCaseId.end() ? npos : found->second;
+    }
+    const auto found = std::lower_bound(caseIds.begin(), caseIds.end(), caseId);
+    return found == caseIds.end() || *found != caseId ? npos : std::size_t(found - caseIds.begin());
+  }
+  static constexpr std::size_t npos = std::size_t(-1);
 };
 
 /// A handle sharing the ownership of whatever `owner` shares (the project), pointing at `item`.

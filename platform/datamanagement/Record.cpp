@@ -46,10 +46,11 @@ std::vector<WeakPtr<AuxFile>> Record::auxFiles() const
   {
     return files;
   }
-  files.reserve(d->auxFiles.size());
-  for (std::size_t index : d->auxFiles)
+  const ProjectData& data = d->project->data();
+  files.reserve(d->fileCount);
+  for (std::size_t i = d->firstFile; i < d->firstFile + d->fileCount; ++i)
   {
-    files.emplace_back(aliasHandle<AuxFile>(d, d->project->data().auxFiles[index]));
+    files.emplace_back(aliasHandle<AuxFile>(d, data.auxFiles[data.filesOfRecords[i]]));
   }
   return files;
 }

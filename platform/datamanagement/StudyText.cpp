@@ -125,6 +125,24 @@ bool isIdColumnName(std::string name)
   return name == "case_id" || name == "id" || name == "run" || name == "simuid";
 }
 
+bool isNormalRelativePath(std::string_view path)
+{
+  if (path.empty() || path.front() == '/' || path.back() == '/' ||
+      path.find('\\') != std::string_view::npos)
+    return false;
+  for (std::size_t start = 0; start <= path.size();)
+  {
+    std::size_t end = path.find('/', start);
+    if (end == std::string_view::npos)
+      end = path.size();
+    const std::string_view part = path.substr(start, end - start);
+    if (part.empty() || part == "." || part == "..")
+      return false;
+    start = end + 1;
+  }
+  return true;
+}
+
 std::string resolvedPath(std::string_view cell,
                          const std::filesystem::path& root,
                          const std::vector<PathRebase>& rebases,
@@ -161,6 +179,8 @@ std::string resolvedPath(std::string_view cell,
   // A URL names a file elsewhere, found or not by the program that shows it; kept as written.
   if (AuxFile::isUrl(text))
     return text;
+  if (isNormalRelativePath(text))
+    return text;
   std::filesystem::path path(text);
   if (path.is_absolute())
   {
@@ -172,6 +192,22 @@ std::string resolvedPath(std::string_view cell,
   if (normal.empty() || *normal.begin() == "..")
     refuse("leads out of " + folder + "; --rebase OLD=NEW rewrites such paths");
   return normal.generic_string();
+}
+
+std::string resolvedPath(std::string&& cell,
+                         const std::filesystem::path& root,
+                         const std::vector<PathRebase>& rebases,
+                         const CellPlace& place,
+                         const std::string& folder)
+{
+  const bool rebased = std::any_of(rebases.begin(),
+                                   rebases.end(),
+                                   [&](const PathRebase& rebase) {
+                                     return !rebase.from.empty() && cell.rfind(rebase.from, 0) == 0;
+                                   });
+  if (!rebased && isNormalRelativePath(cell))
+    return std::move(cell);
+  return resolvedPath(std::string_view(cell), root, rebases, place, folder);
 }
 
 } // namespace studytext

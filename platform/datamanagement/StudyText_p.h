@@ -32,6 +32,10 @@ std::string readFile(const std::filesystem::path& path);
 /// The text of a CSV file, checked to be UTF-8, without a byte-order mark.
 std::string_view checkedText(const std::string& contents, const std::string& file);
 
+/// A relative path already in normal form ("runs/a.png"; not "./a.png", "a//b.png", "../a.png"
+/// or "/a.png"): joined to a folder as it is, without the cost of normalising it.
+bool isNormalRelativePath(std::string_view path);
+
 /// "case_id", "id", "run" or "simuID", in any case: a column that gives the case ids when its
 /// values are unique non-negative integers.
 bool isIdColumnName(std::string name);
@@ -49,6 +53,13 @@ struct CellPlace
 /// it, as a rebase sends it, or as written for a URL. Throws StudyFormatError for a path that
 /// leads out of `root` (named `folder` in the message: "the database folder").
 std::string resolvedPath(std::string_view cell,
+                         const std::filesystem::path& root,
+                         const std::vector<PathRebase>& rebases,
+                         const CellPlace& place,
+                         const std::string& folder);
+/// The same, taking the cell's text: a plain relative path that no rebase names is kept without
+/// a copy, which a million files feel.
+std::string resolvedPath(std::string&& cell,
                          const std::filesystem::path& root,
                          const std::vector<PathRebase>& rebases,
                          const CellPlace& place,

@@ -10,6 +10,8 @@
 #include <cctype>
 #include <charconv>
 #include <filesystem>
+#include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <unordered_set>
 
@@ -35,6 +37,97 @@ struct Column
   std::vector<double> numbers;
   std::vector<std::string> texts;
   std::vector<std::uint32_t> fieldColumns;
+};
+
+// The records of a table, read a block at a time: a table of millions of runs is never in
+// memory whole, and the block's memory is used again and again. A block ends at the last line
+// end read; a record that runs past it (a quoted field over several lines) waits for the next.
+class BlockRecords
+{
+public:
+  static constexpr std::size_t blockSize = std::size_t(4) << 20;
+
+  BlockRecords(const fs::path& file,
+               std::string name,
+               char separator,
+               std::uint64_t offset,
+               std::size_t line)
+    : stream(file, std::ios::binary)
+    , name(std::move(name))
+    , separator(separator)
+    , blockOffset(offset)
+    , blockLine(line)
+  {
+    if (!stream)
+      throw StudyFormatError(this->name, 0, 0, "cannot open the file");
+    stream.seekg(static_cast<std::streamoff>(offset));
+  }
+
+  /// The next record; its fields are valid until the next call.
+  bool next(std::vector<CsvTokenizer::Field>& fields)
+  {
+    while (!csv || !csv->next(fields))
+      if (!readBlock())
+        return false;
+    return true;
+  }
+  std::size_t recordLine() const { return csv->recordLine(); }
+  /// Where the next record starts: its offset in the file, and its line.
+  std::uint64_t position() const { return blockOffset + (csv ? csv->position() : 0); }
+  std::size_t nextLine() const { return csv ? csv->nextLine() : blockLine; }
+  const std::string& file() const { return name; }
+  void checkFieldCount(const std::vector<CsvTokenizer::Field>& fields, std::size_t expected) const
+  {
+    studytext::checkFieldCount(*csv, fields, expected);
+  }
+
+private:
+  bool readBlock()
+  {
+    const std::size_t used = csv ? csv->position() : 0;
+    blockLine = nextLine();
+    blockOffset += used;
+    block.erase(0, used);
+    csv.reset();
+    std::size_t end = 0;
+    do
+    {
+      if (!atEnd)
+      {
+        const std::size_t kept = block.size();
+        block.resize(kept + blockSize);
+        stream.read(block.data() + kept, static_cast<std::streamsize>(blockSize));
+        block.resize(kept + static_cast<std::size_t>(stream.gcount()));
+        atEnd = !stream;
+        if (blockOffset == 0 && block.compare(0, 3, "\xEF\xBB\xBF") == 0)
+        {
+          block.erase(0, 3);
+          blockOffset = 3;
+        }
+      }
+      const std::size_t lastLineEnd = block.rfind('\n');
+      end = atEnd ? block.size() : lastLineEnd == std::string::npos ? 0 : lastLineEnd + 1;
+    } while (end == 0 && !atEnd);
+    if (end == 0)
+      return false;
+    const std::string_view text(block.data(), end);
+    const auto [line, column] = firstInvalidUtf8(text);
+    if (line != 0)
+      throw StudyFormatError(name, blockLine + line - 1, column, "the text is not valid UTF-8");
+    csv.emplace(text, name, separator);
+    csv->seek(0, blockLine);
+    csv->setMoreToCome(!atEnd);
+    return true;
+  }
+
+  std::ifstream stream;
+  std::string name;
+  char separator;
+  std::string block;
+  std::uint64_t blockOffset;
+  std::size_t blockLine;
+  bool atEnd = false;
+  std::optional<CsvTokenizer> csv;
 };
 
 std::string lowered(std::string_view text)
@@ -128,10 +221,12 @@ std::shared_ptr<const Project> readRunTable(const std::string& path,
   std::error_code error;
   if (!fs::is_regular_file(file, error))
     throw StudyFormatError(path, 0, 0, "the table does not exist");
-  const std::string contents = readFile(file);
-  const std::string_view text = checkedText(contents, path);
-  const char separator = tableSeparator(std::string(text.substr(0, text.find('\n'))));
-  CsvTokenizer csv(text, path, separator);
+  std::string header;
+  std::getline(std::ifstream(file, std::ios::binary) >> std::noskipws, header);
+  if (header.rfind("\xEF\xBB\xBF", 0) == 0)
+    header.erase(0, 3);
+  const char separator = tableSeparator(header);
+  BlockRecords csv(file, path, separator, 0, 1);
 
   std::vector<CsvTokenizer::Field> fields;
   if (!csv.next(fields))
@@ -152,15 +247,36 @@ std::shared_ptr<const Project> readRunTable(const std::string& path,
   }
 
   const fs::path folder = fs::absolute(file, error).parent_path().lexically_normal();
-  std::vector<std::pair<std::size_t, std::size_t>> rowStarts;
   std::vector<std::size_t> lineOfRow;
-  std::size_t start = csv.position();
-  std::size_t startLine = csv.nextLine();
+  const std::uint64_t dataStart = csv.position();
+  const std::size_t dataStartLine = csv.nextLine();
+  // Memory grown step by step costs more than memory taken once: the rows are estimated from
+  // the first ones read.
+  constexpr std::size_t rowsToEstimateFrom = 1024;
+  std::size_t rowsAtMost = 0;
+  const auto reserveRows = [&]
+  {
+    const double bytesPerRow =
+      double(csv.position() - dataStart) / double(std::max<std::size_t>(lineOfRow.size(), 1));
+    rowsAtMost = std::size_t(double(fs::file_size(file, error)) / bytesPerRow * 1.05) + 16;
+    lineOfRow.reserve(rowsAtMost);
+    for (Column& column : columns)
+    {
+      if (column.isText)
+      {
+        column.texts.reserve(rowsAtMost);
+        column.fieldColumns.reserve(rowsAtMost);
+      }
+      else
+        column.numbers.reserve(rowsAtMost);
+    }
+  };
   while (csv.next(fields))
   {
-    checkFieldCount(csv, fields, columns.size());
+    csv.checkFieldCount(fields, columns.size());
     const std::size_t row = lineOfRow.size();
-    rowStarts.emplace_back(start, startLine);
+    if (row == rowsToEstimateFrom)
+      reserveRows();
     lineOfRow.push_back(csv.recordLine());
     for (std::size_t c = 0; c < columns.size(); ++c)
     {
@@ -177,12 +293,12 @@ std::shared_ptr<const Project> readRunTable(const std::string& path,
         // The column turns out to hold text: its earlier fields are read again, as written.
         column.isText = true;
         column.numbers = {};
-        column.texts.reserve(row + 1);
-        CsvTokenizer again(text, path, separator);
+        column.texts.reserve(rowsAtMost);
+        column.fieldColumns.reserve(rowsAtMost);
+        BlockRecords again(file, path, separator, dataStart, dataStartLine);
         std::vector<CsvTokenizer::Field> earlier;
         for (std::size_t r = 0; r < row; ++r)
         {
-          again.seek(rowStarts[r].first, rowStarts[r].second);
           again.next(earlier);
           const std::string_view before = trimmed(earlier[c].text);
           column.texts.emplace_back(before);
@@ -199,8 +315,6 @@ std::shared_ptr<const Project> readRunTable(const std::string& path,
         column.allFiles = column.allFiles && !isNanText(field) && namesAFile(field, folder);
       }
     }
-    start = csv.position();
-    startLine = csv.nextLine();
   }
 
   if (lineOfRow.empty())
@@ -242,13 +356,14 @@ std::shared_ptr<const Project> readRunTable(const std::string& path,
         if (column.texts[row].empty())
           continue;
         builder.addAuxFile(caseIds[row],
-                           resolvedPath(column.texts[row],
+                           resolvedPath(std::move(column.texts[row]),
                                         folder,
                                         rebases,
                                         { path, lineOfRow[row], column.fieldColumns[row], row + 1 },
                                         "the table's folder"),
                            { column.name });
       }
+      column.texts = {};
       continue;
     }
     if (column.keepTexts)

@@ -1,5 +1,7 @@
+#include "datamanagement/AuxFile.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
+#include "datamanagement/Record.h"
 
 #include <gtest/gtest.h>
 
@@ -7,6 +9,8 @@
 #include <limits>
 #include <set>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -121,5 +125,67 @@ TEST(ProjectBuilder, RejectsInconsistentStudies)
     {
       EXPECT_NE(std::string(e.what()).find(c.expected), std::string::npos) << e.what();
     }
+  }
+}
+
+TEST(StudyObjects, CasesAndTheirFilesAreFoundWhateverTheOrderOfTheIds)
+{
+  using Ids = std::vector<unsigned long long>;
+  for (const Ids& ids : { Ids{ 1, 2, 3 }, Ids{ 3, 1, 2 }, Ids{ 0, 1ull << 63, ~0ull } })
+  {
+    ProjectBuilder builder;
+    builder.setFolder("/s");
+    builder.setCaseIds(ids);
+    // Files given out of case order and interleaved, as a table's columns give them.
+    builder.addAuxFile(ids[1], "b.png", { "x" });
+    builder.addAuxFile(ids[0], "a.png", { "x" });
+    builder.addAuxFile(ids[1], "c.png", { "y" });
+    builder.addAuxFile(ids[1], "d.png", { "x" });
+    const auto project = builder.build();
+    const auto paths = [&](unsigned long long id)
+    {
+      std::vector<std::string> result;
+      for (const auto& file : project->record(id).lock().auxFiles())
+        result.push_back(file.lock().filePath() + " " + file.lock().tags().at(0));
+      return result;
+    };
+    EXPECT_EQ(paths(ids[1]), (std::vector<std::string>{ "/s/b.png x", "/s/c.png y", "/s/d.png x" }))
+      << ids[0] << "," << ids[1] << "," << ids[2];
+    EXPECT_EQ(paths(ids[0]), (std::vector<std::string>{ "/s/a.png x" }));
+    EXPECT_TRUE(paths(ids[2]).empty());
+    EXPECT_EQ(project->record(ids[2]).lock().caseId(), ids[2]);
+    EXPECT_TRUE(project->record(12345).lock().isNull());
+    EXPECT_EQ(project->tags(), (std::vector<std::string>{ "x", "y" }));
+  }
+}
+
+TEST(StudyObjects, AFilesPathIsItsFolderJoinedWithItsRelativePath)
+{
+  const struct
+  {
+    const char* folder;
+    const char* relative;
+    const char* expected;
+  } cases[] = {
+    { "/s", "a/b.png", "/s/a/b.png" },
+    { "/s/", "a.png", "/s/a.png" },
+    { "/", "a.png", "/a.png" },
+    { "", "a.png", "a.png" },
+    { ".", "a.png", "a.png" },
+    { "/s/../t", "a.png", "/t/a.png" },
+    { "s/./t", "x/../a.png", "s/t/a.png" },
+    { "/s", "/elsewhere/a.png", "/elsewhere/a.png" },
+    { "/s", "https://host/a.png", "https://host/a.png" },
+  };
+  for (const auto& c : cases)
+  {
+    ProjectBuilder builder;
+    builder.setFolder(c.folder);
+    builder.setCaseIds({ 1 });
+    builder.addAuxFile(1, c.relative, {});
+    const auto project = builder.build();
+    const AuxFile file = project->auxFiles().at(0).lock();
+    EXPECT_EQ(file.filePath(), c.expected) << c.folder << " + " << c.relative;
+    EXPECT_EQ(file.relativePath(), c.relative);
   }
 }

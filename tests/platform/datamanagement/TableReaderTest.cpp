@@ -118,3 +118,64 @@ TEST(TableReader, AFileThatIsNoTableIsRefusedWithItsPlace)
   }
   EXPECT_THROW(readRunTable(folder.filePath("nowhere.csv"), {}), StudyFormatError);
 }
+
+TEST(TableReader, ALargeTableReadsAsASmallOneAndItsFaultsKeepTheirPlace)
+{
+  // Larger than the blocks it is read in (a few megabytes), with quoted fields over two lines
+  // and quotes inside: some straddle a block's end.
+  TemporaryFolder folder;
+  constexpr int rows = 160000;
+  const auto note = [](int row)
+  { return "run " + std::to_string(row) + " said \"ok\",\nthen stopped"; };
+  std::string table = "\xEF\xBB\xBFrun,note,x\n";
+  for (int row = 0; row < rows; ++row)
+    table += std::to_string(row * 3) + ",\"run " + std::to_string(row) +
+             " said \"\"ok\"\",\nthen stopped\"," + std::to_string(row * 0.5) + "\n";
+  ASSERT_GT(table.size(), std::size_t(8) << 20);
+  const auto project = readRunTable(folder.write("large.csv", table), {});
+  ASSERT_EQ(project->numberOfRecords(), std::size_t(rows));
+  EXPECT_EQ(project->caseIds()[rows - 1], std::size_t(rows - 1) * 3) << "run is the id column";
+  const auto* notes = project->textValues(project->variable("note").lock());
+  ASSERT_NE(notes, nullptr);
+  int wrong = 0;
+  for (int row = 0; row < rows; ++row)
+    wrong += (*notes)[std::size_t(row)] != note(row);
+  EXPECT_EQ(wrong, 0);
+  EXPECT_EQ((*project->numericValues(project->variable("x").lock()))[rows - 1], (rows - 1) * 0.5);
+
+  // A column that turns to text near the end is read again from the start, across the blocks.
+  std::string late = table;
+  late.replace(late.rfind(",") + 1, std::string::npos, "late\n");
+  const auto turned = readRunTable(folder.write("late.csv", late), {});
+  const auto* xs = turned->textValues(turned->variable("x").lock());
+  ASSERT_NE(xs, nullptr);
+  EXPECT_EQ(xs->front(), "0.000000") << "as written";
+  EXPECT_EQ(xs->back(), "late");
+
+  // Each record takes two lines: the faults of the last one are on lines 2 * rows and after.
+  const struct
+  {
+    const char* what;
+    std::string tail;
+    std::string place;
+  } faults[] = {
+    { "a ragged last row", "1,2\n", "bad.csv:" + std::to_string(2 * rows + 2) + ":" },
+    { "bytes that are not text",
+      "1,\"\xff\",2\n",
+      "bad.csv:" + std::to_string(2 * rows + 2) + ":" },
+    { "a quote never closed", "1,\"open,2\n", "bad.csv:" + std::to_string(2 * rows + 2) + ":3" },
+  };
+  for (const auto& fault : faults)
+  {
+    try
+    {
+      readRunTable(folder.write("bad.csv", table + fault.tail), {});
+      ADD_FAILURE() << fault.what << " was read";
+    }
+    catch (const StudyFormatError& e)
+    {
+      EXPECT_NE(std::string(e.what()).find(fault.place), std::string::npos)
+        << fault.what << ": " << e.what();
+    }
+  }
+}
