@@ -130,6 +130,13 @@ struct ScatterPlot3DScene::Impl
   {
   }
 
+  ~Impl()
+  {
+    // The box holds its axes' labels but does not let them go when it goes.
+    for (int axis = 0; axis < 3; ++axis)
+      box->SetAxisLabels(axis, nullptr);
+  }
+
   vtkSmartPointer<vtkActor> cloudActor(vtkRenderer& layer,
                                        vtkSmartPointer<vtkPolyDataMapper> mapper,
                                        float pointSize)
