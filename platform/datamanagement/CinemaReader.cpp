@@ -34,24 +34,6 @@ bool isFileColumn(const std::string& name)
   return name.rfind("FILE", 0) == 0;
 }
 
-// The column's values as case ids, when each is a non-negative integer and none repeats.
-bool asCaseIds(const Column& column, std::vector<unsigned long long>& ids)
-{
-  std::unordered_set<unsigned long long> seen;
-  ids.clear();
-  for (const std::string& cell : column.cells)
-  {
-    const std::string_view text = trimmed(cell);
-    unsigned long long id = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), id);
-    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() ||
-        !seen.insert(id).second)
-      return false;
-    ids.push_back(id);
-  }
-  return true;
-}
-
 } // namespace
 
 bool isCinemaDatabase(const std::string& folder)
@@ -112,7 +94,7 @@ std::shared_ptr<const Project> readCinemaDatabase(const std::string& folder,
   const Column* idColumn = nullptr;
   for (const Column& column : columns)
   {
-    if (!idColumn && isIdColumnName(column.name) && asCaseIds(column, caseIds))
+    if (!idColumn && isIdColumnName(column.name) && asCaseIds(column.cells, caseIds))
       idColumn = &column;
   }
   for (const Column& column : columns)

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <fstream>
 #include <limits>
+#include <unordered_set>
 
 namespace studytext
 {
@@ -123,6 +124,23 @@ bool isIdColumnName(std::string name)
                  name.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return name == "case_id" || name == "id" || name == "run" || name == "simuid";
+}
+
+bool asCaseIds(const std::vector<std::string>& cells, std::vector<unsigned long long>& ids)
+{
+  std::unordered_set<unsigned long long> seen;
+  ids.clear();
+  for (const std::string& cell : cells)
+  {
+    const std::string_view text = trimmed(cell);
+    unsigned long long id = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), id);
+    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() ||
+        !seen.insert(id).second)
+      return false;
+    ids.push_back(id);
+  }
+  return true;
 }
 
 bool isNormalRelativePath(std::string_view path)

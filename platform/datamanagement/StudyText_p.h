@@ -40,6 +40,9 @@ bool isNormalRelativePath(std::string_view path);
 /// values are unique non-negative integers.
 bool isIdColumnName(std::string name);
 
+/// The cells as case ids, when each is a non-negative integer and none repeats.
+bool asCaseIds(const std::vector<std::string>& cells, std::vector<unsigned long long>& ids);
+
 /// Where a cell stands, for messages: the file, its line and column, and the data row.
 struct CellPlace
 {

@@ -179,23 +179,6 @@ bool namesAFile(std::string_view field, const fs::path& folder)
   return fs::is_regular_file(folder / fs::path(std::string(field)), error);
 }
 
-bool asCaseIds(const std::vector<std::string>& texts, std::vector<unsigned long long>& ids)
-{
-  std::unordered_set<unsigned long long> seen;
-  ids.clear();
-  for (const std::string& cell : texts)
-  {
-    const std::string_view text = trimmed(cell);
-    unsigned long long id = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), id);
-    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() ||
-        !seen.insert(id).second)
-      return false;
-    ids.push_back(id);
-  }
-  return true;
-}
-
 } // namespace
 
 char tableSeparator(const std::string& headerLine)
