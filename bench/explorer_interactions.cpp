@@ -6,11 +6,11 @@
 
 #include "ExplorerWindow.h"
 #include "SampleStudy.h"
-#include "views/table/CasesTableView.h"
 #include "views/ImageMatrixView.h"
 #include "views/parallel/ParallelCoordinatesView.h"
-#include "views/scatter3d/ScatterPlot3DView.h"
 #include "views/scatter/ScatterPlotView.h"
+#include "views/scatter3d/ScatterPlot3DView.h"
+#include "views/table/CasesTableView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
