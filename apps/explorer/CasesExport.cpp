@@ -17,6 +17,7 @@ namespace explorer
 
 bool exportShownCases(const DataPipelineManager& pipeline,
                       std::shared_ptr<const Project> project,
+                      std::shared_ptr<const VariableRoles> roles,
                       const QString& path,
                       bool fullPrecision,
                       QString& error)
@@ -24,6 +25,7 @@ bool exportShownCases(const DataPipelineManager& pipeline,
   auto output = vtkSmartPointer<vtkExportedColumns>::New();
   output->SetInputConnection(pipeline.output()->GetOutputPort());
   output->SetProject(std::move(project));
+  output->SetRoles(std::move(roles));
   output->SetExportFolder(QFileInfo(path).absolutePath().toStdString());
   output->Update();
   if (fullPrecision)

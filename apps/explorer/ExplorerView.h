@@ -33,6 +33,7 @@ namespace explorer
 class CaseKeys;
 class CaseOrder;
 class FileLocator;
+class VariableRoles;
 class PropertyEditors;
 
 /// What every view is built from: the study, its pipeline (the cases the filters let through),
@@ -50,6 +51,8 @@ struct ViewContext
   std::shared_ptr<const FileLocator> files;
   /// The order the user sees the cases in, set by the cases table when sorted.
   std::shared_ptr<CaseOrder> order;
+  /// Whether each variable is an input or an output, as the study or the user said.
+  std::shared_ptr<VariableRoles> roles;
 };
 
 /// Brings the first selected item of a table into sight once control returns to the event loop

@@ -11,6 +11,7 @@
 #include "StudyFiles.h"
 #include "StudyReading.h"
 #include "StudySessions.h"
+#include "VariableRoles.h"
 #include "ViewArrangement.h"
 #include "ViewRegistry.h"
 #include "WindowMenus.h"
@@ -73,6 +74,7 @@ struct ExplorerWindow::Impl
   std::shared_ptr<const Project> project;
   std::shared_ptr<DataPipelineManager> pipeline;
   std::shared_ptr<FileLocator> files;
+  std::shared_ptr<VariableRoles> roles;
   boost::shared_ptr<SelectionModel> selection = boost::make_shared<SelectionModel>();
   ImageCache cache;
   std::vector<boost::shared_ptr<ExplorerView>> views;
@@ -206,6 +208,7 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   Project::setProject(d->project);
   d->pipeline = std::make_shared<DataPipelineManager>(d->project);
   d->files = std::make_shared<FileLocator>();
+  d->roles = std::make_shared<VariableRoles>(d->project);
   const auto keys = std::make_shared<CaseKeys>(*d->project);
   const ViewContext context{ d->project,
                              d->pipeline,
@@ -213,7 +216,8 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
                              &d->cache,
                              keys,
                              d->files,
-                             std::make_shared<CaseOrder>(keys) };
+                             std::make_shared<CaseOrder>(keys),
+                             d->roles };
   // What the views set up for themselves is where the history starts, not a step in it.
   const UndoStack::SuspendUndoRecording startingUp;
   for (const ViewKind& kind : viewKinds())
@@ -327,7 +331,7 @@ bool ExplorerWindow::loadSettings(const QString& path, QString& error)
   {
     SettingsFile::load(QString::fromUtf8(file.readAll()),
                        path.toStdString(),
-                       { d->files->serializer() },
+                       { d->files->serializer(), d->roles->serializer() },
                        views(),
                        *d->pipeline,
                        *d->project,
@@ -351,7 +355,8 @@ bool ExplorerWindow::saveSettings(const QString& path, QString& error) const
   }
   QTextStream stream(&file);
   stream.setCodec("UTF-8");
-  stream << SettingsFile::write({ d->files->serializer() }, views(), *d->pipeline);
+  stream << SettingsFile::write(
+    { d->files->serializer(), d->roles->serializer() }, views(), *d->pipeline);
   stream.flush();
   if (file.error() != QFile::NoError)
   {
@@ -363,7 +368,7 @@ bool ExplorerWindow::saveSettings(const QString& path, QString& error) const
 
 bool ExplorerWindow::exportCases(const QString& path, bool fullPrecision, QString& error) const
 {
-  return exportShownCases(*d->pipeline, d->project, path, fullPrecision, error);
+  return exportShownCases(*d->pipeline, d->project, d->roles, path, fullPrecision, error);
 }
 
 SelectionModel& ExplorerWindow::selection() const

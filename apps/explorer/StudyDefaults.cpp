@@ -4,10 +4,7 @@
 
 #include <algorithm>
 
-namespace explorer
-{
-
-namespace defaults
+namespace explorer::defaults
 {
 
 namespace
@@ -151,6 +148,4 @@ std::vector<WeakPtr<Variable>> parallelAxes(const Project& project, std::size_t 
   return axes;
 }
 
-} // namespace defaults
-
-} // namespace explorer
+} // namespace explorer::defaults

@@ -8,16 +8,13 @@
 
 class Project;
 
-namespace explorer
-{
-
 /// What a fresh view shows of a study, chosen so that the first screen is full whatever the
 /// study looks like: only variables whose values vary (a constant plots as a line and lays out
 /// one cell), different variables for different roles, inputs across and outputs up. Inputs
 /// are the variables the study says are (Variable::Input), or else swept (discrete) ones;
 /// outputs those it says are, or else continuous ones. A choice that cannot be made is an empty
 /// handle.
-namespace defaults
+namespace explorer::defaults
 {
 
 /// Whether a variable takes more than one value among the cases (missing values aside).
@@ -61,6 +58,4 @@ MatrixChoice matrix(const Project& project,
 /// texts), up to `most`; constants only when nothing varies.
 std::vector<WeakPtr<Variable>> parallelAxes(const Project& project, std::size_t most);
 
-} // namespace defaults
-
-} // namespace explorer
+} // namespace explorer::defaults

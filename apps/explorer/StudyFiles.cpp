@@ -10,10 +10,7 @@
 
 #include <map>
 
-namespace explorer
-{
-
-namespace studyfiles
+namespace explorer::studyfiles
 {
 
 namespace
@@ -84,6 +81,4 @@ std::vector<AuxFile> imagesOf(const Record& record, const std::string& tag)
   return images;
 }
 
-} // namespace studyfiles
-
-} // namespace explorer
+} // namespace explorer::studyfiles

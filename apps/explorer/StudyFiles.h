@@ -8,14 +8,11 @@
 class Project;
 class Record;
 
-namespace explorer
-{
-
 /// Which files of a study are images. Studies list data files beside their images (tables,
 /// volumes, molecules); the image views show image files only. A file is an image by its
 /// extension, one Qt can decode ("png", "jpg", ...); a file without an extension by its
 /// content, when it exists.
-namespace studyfiles
+namespace explorer::studyfiles
 {
 
 bool isImage(const std::string& path);
@@ -29,6 +26,4 @@ bool hasOtherFiles(const Project& project);
 /// The image files of a case, in its order; with a tag, only those that carry it.
 std::vector<AuxFile> imagesOf(const Record& record, const std::string& tag);
 
-} // namespace studyfiles
-
-} // namespace explorer
+} // namespace explorer::studyfiles

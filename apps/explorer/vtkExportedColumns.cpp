@@ -2,6 +2,7 @@
 
 #include "CaseRowIndex.h"
 #include "VariableNames.h"
+#include "VariableRoles.h"
 #include "datamanagement/AuxFile.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/Variable.h"
@@ -37,7 +38,7 @@ vtkSmartPointer<vtkAbstractArray> renamed(vtkAbstractArray* column, const std::s
 
 std::string exportedPath(const AuxFile& file, const std::filesystem::path& folder)
 {
-  const std::string path = file.filePath();
+  std::string path = file.filePath();
   if (folder.empty() || AuxFile::isUrl(path))
     return path;
   const std::filesystem::path relative =
@@ -64,6 +65,12 @@ void vtkExportedColumns::SetProject(std::shared_ptr<const Project> project)
   this->Modified();
 }
 
+void vtkExportedColumns::SetRoles(std::shared_ptr<const VariableRoles> roles)
+{
+  this->Roles = std::move(roles);
+  this->Modified();
+}
+
 void vtkExportedColumns::SetExportFolder(const std::string& folder)
 {
   this->ExportFolder = folder;
@@ -87,7 +94,9 @@ int vtkExportedColumns::RequestData(vtkInformation*,
     vtkAbstractArray* column = input->GetColumn(c);
     const Variable variable =
       this->Study->variable(column->GetName() ? column->GetName() : "").lock();
-    const Variable::Role role = variable.isNull() ? Variable::Unknown : variable.role();
+    const Variable::Role role = variable.isNull() ? Variable::Unknown
+                                : this->Roles     ? this->Roles->role(variable.name())
+                                                  : variable.role();
     if (role == Variable::Unknown)
       output->AddColumn(column);
     else

@@ -10,6 +10,8 @@ class Project;
 namespace explorer
 {
 
+class VariableRoles;
+
 /// Passes a table of cases on as an exported table of runs should have it, so that the explorer
 /// opens the export as the same study:
 /// - a text column per tag of the study's files: the path of each case's file with that tag
@@ -25,6 +27,8 @@ public:
   void PrintSelf(ostream& os, vtkIndent indent) override;
 
   void SetProject(std::shared_ptr<const Project> project);
+  /// The roles to write; without them, the roles the study gave.
+  void SetRoles(std::shared_ptr<const VariableRoles> roles);
   /// The folder the table is exported to.
   void SetExportFolder(const std::string& folder);
 
@@ -40,6 +44,7 @@ private:
   void operator=(const vtkExportedColumns&) = delete;
 
   std::shared_ptr<const Project> Study;
+  std::shared_ptr<const VariableRoles> Roles;
   std::string ExportFolder;
 };
 

@@ -179,9 +179,8 @@ std::shared_ptr<const Project> ProjectBuilder::build()
   data->records.resize(rows);
   // Ascending ids are searched, not hashed: a million cases do not need a million nodes.
   const bool ascending =
-    std::adjacent_find(data->caseIds.begin(),
-                       data->caseIds.end(),
-                       std::greater_equal<unsigned long long>()) == data->caseIds.end();
+    std::adjacent_find(data->caseIds.begin(), data->caseIds.end(), std::greater_equal<>()) ==
+    data->caseIds.end();
   if (!ascending)
     data->recordByCaseId.reserve(rows);
   for (std::size_t row = 0; row < rows; ++row)

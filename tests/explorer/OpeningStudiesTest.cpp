@@ -6,6 +6,7 @@
 #include "StudySessions.h"
 #include "views/SelectedCasesView.h"
 #include "views/scatter/ScatterPlotView.h"
+#include "views/table/CasesTableView.h"
 
 #include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
@@ -18,9 +19,13 @@
 #include "support/RenderedView.h"
 #include "support/TemporaryFolder.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QHeaderView>
 #include <QImage>
+#include <QMenu>
 #include <QSettings>
+#include <QTableView>
 #include <QUndoStack>
 #include <gtest/gtest.h>
 
@@ -32,6 +37,32 @@ using testsupport::TemporaryFolder;
 
 namespace
 {
+
+int columnNamed(const QTableView& table, const QString& header)
+{
+  for (int column = 0; column < table.model()->columnCount(); ++column)
+    if (table.model()->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString() == header)
+      return column;
+  return -1;
+}
+
+// Chooses a role in the header menu of the column shown as `header`.
+void sayRole(ExplorerWindow& window, const QString& header, const QString& role)
+{
+  QTableView& table = window.view<explorer::CasesTableView>()->table();
+  QHeaderView* columns = table.horizontalHeader();
+  const int column = columnNamed(table, header);
+  ASSERT_GE(column, 0) << header.toStdString();
+  Q_EMIT columns->customContextMenuRequested(
+    QPoint(columns->sectionViewportPosition(column) + 4, 4));
+  auto* menu = columns->findChild<QMenu*>("roleMenu");
+  ASSERT_NE(menu, nullptr);
+  for (QAction* action : menu->actions())
+    if (action->text() == role)
+      action->trigger();
+  menu->close();
+  delete menu;
+}
 
 class OpeningStudies : public ::testing::Test
 {
@@ -112,6 +143,10 @@ TEST_F(OpeningStudies, ATableReopensAsItWasLeftAndOneThatDoesNotReadChangesNothi
     EXPECT_EQ(scatter->xVariable()->value().lock().role(), Variable::Input);
     EXPECT_EQ(scatter->yVariable()->value().lock().role(), Variable::Output);
     scatter->xVariable()->setValue(first.project()->variable("Angle"));
+
+    // The user says that Angle is an output, in the table's header menu.
+    sayRole(first, "in: Angle", "Output");
+    EXPECT_GE(columnNamed(first.view<explorer::CasesTableView>()->table(), "out: Angle"), 0);
     first.close();
   }
   EXPECT_EQ(StudySessions().recent().value(0), StudySessions::key(table));
@@ -122,6 +157,8 @@ TEST_F(OpeningStudies, ATableReopensAsItWasLeftAndOneThatDoesNotReadChangesNothi
   ASSERT_TRUE(second.openStudy(table, error)) << error.toStdString();
   auto* scatter = second.view<explorer::ScatterPlotView>();
   EXPECT_EQ(scatter->xVariable()->value().lock().name(), "Angle");
+  EXPECT_GE(columnNamed(second.view<explorer::CasesTableView>()->table(), "out: Angle"), 0)
+    << "what the user said of a variable comes back";
   EXPECT_FALSE(UndoStack().qUndoStack().canUndo()) << "the study's history starts as it was left";
 
   const auto shown = second.project();
@@ -189,11 +226,17 @@ TEST_F(OpeningStudies, ExportedCasesOpenAsTheSameStudy)
     }
   }
 
+  // What the user says of a variable is what the export writes.
+  sayRole(window, "material", "Input");
+  ASSERT_TRUE(window.exportCases(QString::fromStdString(exported), true, error))
+    << error.toStdString();
+  EXPECT_EQ(readRunTable(exported, {})->variable("material").lock().role(), Variable::Input);
+
   // The selected cases show the roles in their header, and export them.
   window.selection().setSelection({ 7, 18446744073709551615ull });
   auto* selected = window.view<explorer::SelectedCasesView>();
   EXPECT_TRUE(selected->shownText().startsWith(
-    "case_id\tin: Depth [ft]\tin: Angle\tout: Rate [m/s]\tout: Cost\tmaterial\n"))
+    "case_id\tin: Depth [ft]\tin: Angle\tout: Rate [m/s]\tout: Cost\tin: material\n"))
     << selected->shownText().toStdString();
   const std::string selection = study.filePath("selection.csv");
   selected->exportSelection(selection);

@@ -4,6 +4,7 @@
 #include "PropertyEditors.h"
 #include "TableSorting.h"
 #include "VariableNames.h"
+#include "VariableRoles.h"
 #include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/Project.h"
@@ -50,8 +51,10 @@ namespace
 class SelectedCasesModel : public QAbstractTableModel
 {
 public:
-  explicit SelectedCasesModel(std::shared_ptr<const Project> project)
+  SelectedCasesModel(std::shared_ptr<const Project> project,
+                     std::shared_ptr<const VariableRoles> roles)
     : project(std::move(project))
+    , roles(std::move(roles))
     , variables(this->project->variables())
   {
   }
@@ -124,8 +127,8 @@ public:
       return QAbstractTableModel::headerData(section, orientation, role);
     if (section == 0)
       return QString("case_id");
-    const Variable variable = variables[static_cast<std::size_t>(section - 1)].lock();
-    return headerName(variable.name(), variable.role());
+    const std::string name = variables[static_cast<std::size_t>(section - 1)].lock().name();
+    return headerName(name, roles->role(name));
   }
 
   const std::vector<WeakPtr<Variable>>& columns() const { return variables; }
@@ -160,6 +163,7 @@ private:
   }
 
   std::shared_ptr<const Project> project;
+  std::shared_ptr<const VariableRoles> roles;
   std::vector<WeakPtr<Variable>> variables;
   std::vector<Record> records;
   std::vector<std::size_t> order;
@@ -172,6 +176,7 @@ private:
 struct SelectedCasesView::Impl
 {
   std::shared_ptr<const Project> project;
+  std::shared_ptr<const VariableRoles> roles;
   boost::shared_ptr<SelectionModelInterface> selection;
   QPointer<QWidget> container;
   QTableView* table = nullptr;
@@ -203,6 +208,7 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
   , d(std::make_unique<Impl>())
 {
   d->project = context.project;
+  d->roles = context.roles;
   d->selection = context.selection;
   d->container = new QWidget();
   setWidget(d->container);
@@ -220,7 +226,13 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
   layout->addLayout(bar);
 
   d->table = new QTableView();
-  d->model = std::make_unique<SelectedCasesModel>(d->project);
+  d->model = std::make_unique<SelectedCasesModel>(d->project, context.roles);
+  connections().add(context.roles->said()->connectSignalPropertyChanged(
+    [impl = d.get()]
+    {
+      Q_EMIT impl->model->headerDataChanged(
+        Qt::Horizontal, 0, std::max(impl->model->columnCount() - 1, 0));
+    }));
   d->table->setModel(d->model.get());
   d->table->setSortingEnabled(false);
   d->table->verticalHeader()->setDefaultSectionSize(22);
@@ -353,7 +365,8 @@ void SelectedCasesView::exportSelection(const std::string& path) const
       column = vtkSmartPointer<vtkStringArray>::New();
     else
       column = vtkSmartPointer<vtkDoubleArray>::New();
-    column->SetName(exportedName(variable.lock().name(), variable.lock().role()).c_str());
+    const std::string name = variable.lock().name();
+    column->SetName(exportedName(name, d->roles->role(name)).c_str());
     table->AddColumn(column);
   }
   // In the order shown, so that the file matches the table.

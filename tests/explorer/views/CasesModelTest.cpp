@@ -3,15 +3,24 @@
 
 #include "views/table/CasesModel.h"
 
+#include "VariableRoles.h"
+
+#include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
 #include "datapipeline/DataPipelineManager.h"
+#include "serialize/SerializerInterface.h"
+
+#include <QDomDocument>
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
+#include <stdexcept>
 
 using explorer::CasesModel;
+using explorer::VariableRoles;
 
 TEST(CasesModel, SortsByAnyColumnAndFindsTheRowsOfCases)
 {
@@ -22,7 +31,7 @@ TEST(CasesModel, SortsByAnyColumnAndFindsTheRowsOfCases)
   builder.setRole("x", Variable::Input);
   const auto project = builder.build();
   DataPipelineManager pipeline(project);
-  CasesModel model(pipeline, *project);
+  CasesModel model(pipeline, std::make_shared<VariableRoles>(project));
   ASSERT_EQ(model.rowCount(), 4);
   ASSERT_EQ(model.columnCount(), 3);
   EXPECT_EQ(model.headerData(0, Qt::Horizontal, Qt::DisplayRole).toString(), "case_id");
@@ -65,4 +74,51 @@ TEST(CasesModel, SortsByAnyColumnAndFindsTheRowsOfCases)
   EXPECT_EQ(model.rowsOf({ 3, 9, 42 }), (std::vector<int>{ 3, 1 }))
     << "the shown rows of the cases, in case id order";
   EXPECT_EQ(model.largestCaseId(), 18446744073709551615ULL);
+}
+
+TEST(CasesModel, TheUserSaysWhatAVariableIsAndTheHeaderFollows)
+{
+  ProjectBuilder builder;
+  builder.setCaseIds({ 1, 2 });
+  builder.addNumericVariable("x", { 1, 2 });
+  builder.addNumericVariable("y", { 3, 4 });
+  builder.setRole("x", Variable::Input);
+  const auto project = builder.build();
+  DataPipelineManager pipeline(project);
+  const auto roles = std::make_shared<VariableRoles>(project);
+  CasesModel model(pipeline, roles);
+  int headerChanges = 0;
+  QObject::connect(&model, &QAbstractItemModel::headerDataChanged, [&] { ++headerChanges; });
+  const auto header = [&](int column)
+  { return model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString().toStdString(); };
+  EXPECT_EQ(model.variableOf(0), "") << "the case id column has no role";
+  EXPECT_EQ(model.variableOf(2), "y");
+
+  UndoStack().clear();
+  roles->setRole("y", Variable::Output);
+  EXPECT_GT(headerChanges, 0) << "the header is drawn again";
+  roles->setRole("x", Variable::Unknown);
+  EXPECT_EQ(header(1), "x") << "the user overrides the study";
+  EXPECT_EQ(header(2), "out: y");
+  UndoStack().undo();
+  EXPECT_EQ(header(1), "in: x") << "each is an undo step";
+  EXPECT_EQ(roles->role("y"), Variable::Output);
+  EXPECT_THROW(roles->setRole("z", Variable::Input), std::invalid_argument);
+
+  // Saved with the settings and read back; a malformed element is refused.
+  QDomDocument document;
+  QDomElement saved = roles->serializer()->serialize(document);
+  VariableRoles again(project);
+  again.serializer()->deserialize(saved);
+  EXPECT_EQ(again.role("y"), Variable::Output);
+  EXPECT_EQ(again.role("x"), Variable::Input) << "as the study said";
+  for (const char* bad : { R"(<VariableRoles><Variable name="z" role="input"/></VariableRoles>)",
+                           R"(<VariableRoles><Variable name="x" role="result"/></VariableRoles>)" })
+  {
+    QDomDocument malformed;
+    malformed.setContent(QString(bad));
+    QDomElement element = malformed.documentElement();
+    EXPECT_THROW(again.serializer()->deserialize(element), std::invalid_argument) << bad;
+  }
+  EXPECT_EQ(again.role("y"), Variable::Output) << "a refused element changes nothing";
 }

@@ -2,11 +2,13 @@
 
 #include "TableSorting.h"
 #include "VariableNames.h"
+#include "VariableRoles.h"
 
 #include "analyzer_common/VariantDisplayText.h"
 #include "common/Variant.h"
-#include "datamanagement/Project.h"
+#include "datamanagement/ProjectBuilder.h"
 #include "datapipeline/DataPipelineManagerInterface.h"
+#include "properties/PropertyAbstract.h"
 
 #include <vtkAbstractArray.h>
 #include <vtkDoubleArray.h>
@@ -21,12 +23,13 @@
 namespace explorer
 {
 
-CasesModel::CasesModel(const DataPipelineManagerInterface& pipeline, const Project& project)
+CasesModel::CasesModel(const DataPipelineManagerInterface& pipeline,
+                       std::shared_ptr<const VariableRoles> roles)
   : pipeline(pipeline)
+  , roles(std::move(roles))
 {
-  for (const auto& handle : project.variables())
-    if (handle.lock().role() != Variable::Unknown)
-      roles.emplace(handle.lock().name(), handle.lock().role());
+  connections.add(this->roles->said()->connectSignalPropertyChanged(
+    [this] { Q_EMIT headerDataChanged(Qt::Horizontal, 0, std::max(columnCount() - 1, 0)); }));
   reload();
 }
 
@@ -84,8 +87,15 @@ QVariant CasesModel::headerData(int section, Qt::Orientation orientation, int ro
 QString CasesModel::headerText(int column) const
 {
   const std::string name = table->GetColumn(column)->GetName();
-  const auto role = roles.find(name);
-  return headerName(name, role == roles.end() ? Variable::Unknown : role->second);
+  return headerName(name, roles->role(name));
+}
+
+std::string CasesModel::variableOf(int column) const
+{
+  if (column < 0 || column >= columnCount())
+    return {};
+  const std::string name = table->GetColumn(column)->GetName();
+  return name == ProjectBuilder::caseIdName ? std::string() : name;
 }
 
 void CasesModel::sortBy(int column, bool descending)

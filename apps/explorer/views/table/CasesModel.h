@@ -2,22 +2,23 @@
 
 #include "CaseRowIndex.h"
 
-#include "datamanagement/Variable.h"
+#include "signals/SignalConnectionCollection.h"
 
 #include <QAbstractTableModel>
 #include <vtkSmartPointer.h>
 
-#include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
 class DataPipelineManagerInterface;
-class Project;
 class vtkTable;
 
 namespace explorer
 {
+
+class VariableRoles;
 
 /// The shown cases (the pipeline's output) as a Qt table model, read again on every pipeline
 /// change, in the order of a column when sorted. Rows of the model are "shown rows", rows of the
@@ -25,13 +26,16 @@ namespace explorer
 class CasesModel : public QAbstractTableModel
 {
 public:
-  /// The shown cases of `pipeline`; the roles of `project`'s variables mark their columns
-  /// ("in: Depth [ft]", "out: Rate").
-  CasesModel(const DataPipelineManagerInterface& pipeline, const Project& project);
+  /// The shown cases of `pipeline`; the variables' roles mark their columns ("in: Depth [ft]",
+  /// "out: Rate"), again whenever they change.
+  CasesModel(const DataPipelineManagerInterface& pipeline,
+             std::shared_ptr<const VariableRoles> roles);
   ~CasesModel() override;
 
   /// Reads the shown cases again, in the sorted order.
   void reload();
+  /// The variable a column shows; empty for the case id column.
+  std::string variableOf(int column) const;
 
   int rowCount(const QModelIndex& parent = QModelIndex()) const override;
   int columnCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -64,7 +68,8 @@ private:
   // Empty when unsorted: the table row of each shown row, and the shown row of each table row.
   std::vector<std::size_t> order;
   std::vector<int> shownRow;
-  std::map<std::string, Variable::Role> roles;
+  std::shared_ptr<const VariableRoles> roles;
+  SignalConnectionCollection connections;
 };
 
 } // namespace explorer

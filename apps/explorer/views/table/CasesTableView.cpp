@@ -2,6 +2,7 @@
 
 #include "CaseOrder.h"
 #include "TableSorting.h"
+#include "VariableRoles.h"
 #include "views/table/CasesModel.h"
 #include "views/table/CasesTable.h"
 
@@ -18,6 +19,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
@@ -41,6 +43,34 @@ struct CasesTableView::Impl
   boost::shared_ptr<plexa::UndoablePropertyProxy<short>> sortColumn;
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> sortDescending;
   std::shared_ptr<CaseOrder> order;
+  std::shared_ptr<VariableRoles> roles;
+
+  // The header's menu: whether the variable of a column is an input or an output of the runs.
+  void showRoleMenu(const QPoint& at)
+  {
+    QHeaderView* header = table->horizontalHeader();
+    const std::string variable = model->variableOf(header->logicalIndexAt(at));
+    if (variable.empty())
+      return;
+    auto* menu = new QMenu(header);
+    menu->setObjectName("roleMenu");
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const Variable::Role current = roles->role(variable);
+    const std::pair<const char*, Variable::Role> choices[] = { { "Input", Variable::Input },
+                                                               { "Output", Variable::Output },
+                                                               { "Neither", Variable::Unknown } };
+    for (const auto& [text, role] : choices)
+    {
+      QAction* action = menu->addAction(text);
+      action->setCheckable(true);
+      action->setChecked(role == current);
+      QObject::connect(action,
+                       &QAction::triggered,
+                       menu,
+                       [roles = roles, variable, role = role] { roles->setRole(variable, role); });
+    }
+    menu->popup(header->mapToGlobal(at));
+  }
 
   void applySort()
   {
@@ -111,7 +141,8 @@ CasesTableView::CasesTableView(const ViewContext& context)
   bar->addWidget(d->findMessage);
   bar->addStretch();
   layout->addLayout(bar);
-  d->model = new CasesModel(pipeline, *d->project);
+  d->roles = context.roles;
+  d->model = new CasesModel(pipeline, context.roles);
   d->table = new CasesTable(*d->model, context.selection);
   layout->addWidget(d->table);
   QHeaderView* columns = d->table->horizontalHeader();
@@ -120,11 +151,16 @@ CasesTableView::CasesTableView(const ViewContext& context)
   d->sortColumn = sorting.column;
   d->sortDescending = sorting.descending;
   sortOnHeaderClicks(*columns, d->sortColumn, d->sortDescending);
+  columns->setContextMenuPolicy(Qt::CustomContextMenu);
   columns->setSortIndicator(-1, Qt::AscendingOrder); // in the study's order until a click
   Impl* impl = d.get();
   connections().add(d->sortColumn->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   connections().add(d->sortDescending->connectSignalPropertyChanged([impl] { impl->applySort(); }));
   QObject::connect(d->find, &QLineEdit::returnPressed, d->container, [impl] { impl->findCase(); });
+  QObject::connect(columns,
+                   &QHeaderView::customContextMenuRequested,
+                   d->container,
+                   [impl](const QPoint& at) { impl->showRoleMenu(at); });
 
   connections().add(context.selection->connectSignalSelectionChanged(
     [impl](const std::set<unsigned long long>&)
