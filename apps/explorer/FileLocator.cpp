@@ -1,13 +1,13 @@
 #include "FileLocator.h"
 
+#include "PairsSerializer.h"
+
 #include "datamanagement/AuxFile.h"
 #include "datamanagement/Project.h"
 #include "images/ImageFileLoaderInterface.h"
 #include "properties/Property.h"
 #include "properties/UndoablePropertyProxy.h"
-#include "serialize/Serializer.h"
 
-#include <QDomElement>
 #include <boost/make_shared.hpp>
 
 #include <deque>
@@ -29,48 +29,6 @@ bool exists(const std::string& path)
   std::error_code error;
   return !path.empty() && fs::is_regular_file(fs::path(path), error);
 }
-
-// <FileLocations><Location prefix="https://host/" folder="/home/me/runs"/>...</FileLocations>
-class LocationsSerializer : public Serializer
-{
-public:
-  explicit LocationsSerializer(boost::shared_ptr<plexa::PropertyAbstract<Strings>> locations)
-    : Serializer("FileLocations")
-    , locations(std::move(locations))
-  {
-  }
-
-private:
-  void serializeSelf(QDomElement& element) const override
-  {
-    const Strings pairs = locations->value();
-    for (std::size_t i = 0; i + 1 < pairs.size(); i += 2)
-    {
-      QDomElement location = element.ownerDocument().createElement("Location");
-      location.setAttribute("prefix", QString::fromStdString(pairs[i]));
-      location.setAttribute("folder", QString::fromStdString(pairs[i + 1]));
-      element.appendChild(location);
-    }
-  }
-
-  void deserializeSelf(QDomElement& element) const override
-  {
-    Strings pairs;
-    for (QDomElement location = element.firstChildElement("Location"); !location.isNull();
-         location = location.nextSiblingElement("Location"))
-    {
-      const QString prefix = location.attribute("prefix");
-      const QString folder = location.attribute("folder");
-      if (prefix.isEmpty() || folder.isEmpty())
-        throw std::invalid_argument("a file location needs a prefix and a folder");
-      pairs.push_back(prefix.toStdString());
-      pairs.push_back(folder.toStdString());
-    }
-    locations->setValue(pairs);
-  }
-
-  boost::shared_ptr<plexa::PropertyAbstract<Strings>> locations;
-};
 
 // Reads each file where the locator finds it.
 class LocatingLoader : public ImageFileLoaderInterface
@@ -215,7 +173,15 @@ std::shared_ptr<ImageFileLoaderInterface> FileLocator::locating(
 
 boost::shared_ptr<SerializerInterface> FileLocator::serializer() const
 {
-  return boost::make_shared<LocationsSerializer>(d->locations);
+  // <FileLocations><Location prefix="https://host/" folder="/home/me/runs"/>...</FileLocations>
+  return boost::make_shared<PairsSerializer>(
+    PairsSerializer::Names{ "FileLocations", "Location", "prefix", "folder" },
+    d->locations,
+    [](const std::string& prefix, const std::string& folder)
+    {
+      if (prefix.empty() || folder.empty())
+        throw std::invalid_argument("a file location needs a prefix and a folder");
+    });
 }
 
 bool FileLocator::proposeLocation(const Project& project,

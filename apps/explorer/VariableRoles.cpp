@@ -1,11 +1,11 @@
 #include "VariableRoles.h"
 
+#include "PairsSerializer.h"
+
 #include "datamanagement/Project.h"
 #include "properties/Property.h"
 #include "properties/UndoablePropertyProxy.h"
-#include "serialize/Serializer.h"
 
-#include <QDomElement>
 #include <boost/make_shared.hpp>
 
 #include <stdexcept>
@@ -44,54 +44,6 @@ bool roleNamed(const std::string& name, Variable::Role& role)
   }
   return false;
 }
-
-// <VariableRoles><Variable name="Depth [ft]" role="input"/>...</VariableRoles>
-class RolesSerializer : public Serializer
-{
-public:
-  RolesSerializer(boost::shared_ptr<plexa::PropertyAbstract<Strings>> said,
-                  std::shared_ptr<const Project> project)
-    : Serializer("VariableRoles")
-    , said(std::move(said))
-    , project(std::move(project))
-  {
-  }
-
-private:
-  void serializeSelf(QDomElement& element) const override
-  {
-    const Strings pairs = said->value();
-    for (std::size_t i = 0; i + 1 < pairs.size(); i += 2)
-    {
-      QDomElement variable = element.ownerDocument().createElement("Variable");
-      variable.setAttribute("name", QString::fromStdString(pairs[i]));
-      variable.setAttribute("role", QString::fromStdString(pairs[i + 1]));
-      element.appendChild(variable);
-    }
-  }
-
-  void deserializeSelf(QDomElement& element) const override
-  {
-    Strings pairs;
-    for (QDomElement variable = element.firstChildElement("Variable"); !variable.isNull();
-         variable = variable.nextSiblingElement("Variable"))
-    {
-      const std::string name = variable.attribute("name").toStdString();
-      const std::string role = variable.attribute("role").toStdString();
-      Variable::Role known = Variable::Unknown;
-      if (project->variable(name).lock().isNull())
-        throw std::invalid_argument("the study has no variable '" + name + "'");
-      if (!roleNamed(role, known))
-        throw std::invalid_argument("'" + role + "' is no role (input, output or unknown)");
-      pairs.push_back(name);
-      pairs.push_back(role);
-    }
-    said->setValue(pairs);
-  }
-
-  boost::shared_ptr<plexa::PropertyAbstract<Strings>> said;
-  std::shared_ptr<const Project> project;
-};
 
 } // namespace
 
@@ -154,7 +106,18 @@ boost::shared_ptr<plexa::PropertyAbstract<Strings>> VariableRoles::said() const
 
 boost::shared_ptr<SerializerInterface> VariableRoles::serializer() const
 {
-  return boost::make_shared<RolesSerializer>(d->said, d->project);
+  // <VariableRoles><Variable name="Depth [ft]" role="input"/>...</VariableRoles>
+  return boost::make_shared<PairsSerializer>(
+    PairsSerializer::Names{ "VariableRoles", "Variable", "name", "role" },
+    d->said,
+    [project = d->project](const std::string& name, const std::string& role)
+    {
+      Variable::Role known = Variable::Unknown;
+      if (project->variable(name).lock().isNull())
+        throw std::invalid_argument("the study has no variable '" + name + "'");
+      if (!roleNamed(role, known))
+        throw std::invalid_argument("'" + role + "' is no role (input, output or unknown)");
+    });
 }
 
 } // namespace explorer
