@@ -114,6 +114,8 @@ public:
   virtual std::string selectionSummary() const = 0;
   /// Fits a chart to the shown cases; views that are not charts ignore it.
   virtual void fitToData() {}
+  /// Whether the view is still reading what it shows in the background.
+  virtual bool working() const { return false; }
 
   /// The elements of the view's saved settings whose text names a variable, so that settings
   /// naming a variable the study lacks can be refused before anything is applied.

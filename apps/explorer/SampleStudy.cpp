@@ -145,7 +145,8 @@ std::string number(double value)
 int writeSampleStudy(const SampleStudyOptions& options)
 {
   const QDir folder(QString::fromStdString(options.folder));
-  if (!folder.mkpath(options.images ? "images" : "."))
+  if (!folder.mkpath(options.images ? "images" : ".") ||
+      (options.images && !folder.mkpath("series")))
     throw std::runtime_error("cannot create the folder " + options.folder);
 
   const double angles[] = { 15, 25, 35, 45, 55, 65 };
@@ -244,6 +245,20 @@ int writeSampleStudy(const SampleStudyOptions& options)
     files << id << ',' << traj.toStdString() << ",plot:trajectory"
           << (failed ? ";status:failed" : "") << '\n';
     files << id << ',' << prof.toStdString() << ",plot:speed\n";
+
+    // The flight itself, as the run's own series.
+    if (!flight.t.empty())
+    {
+      const std::string series = "series/" + std::to_string(id) + "_flight.csv";
+      std::ofstream table(options.folder + "/" + series);
+      table << "time,x,y,speed\n";
+      for (std::size_t i = 0; i < flight.t.size(); ++i)
+        table << flight.t[i] << ',' << flight.x[i] << ',' << flight.y[i] << ',' << flight.speed[i]
+              << '\n';
+      if (!table)
+        throw std::runtime_error("cannot write the series of case " + std::to_string(id));
+      files << id << ',' << series << ",series:flight\n";
+    }
   }
   return written;
 }

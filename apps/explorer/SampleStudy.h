@@ -9,8 +9,8 @@ namespace explorer
 /// are swept on a grid (launch angle, launch speed, drag coefficient, mass); the outputs are
 /// computed by integrating the flight (range, apex height, flight time, impact speed). A few runs
 /// fail and have no outputs (NaN). Each run has two images drawn with QPainter, its trajectory
-/// ("plot:trajectory") and its speed over time ("plot:speed"). The same seed writes the same
-/// study.
+/// ("plot:trajectory") and its speed over time ("plot:speed"), and its flight as a series table
+/// (time, x, y, speed; "series:flight"). The same seed writes the same study.
 struct SampleStudyOptions
 {
   std::string folder;

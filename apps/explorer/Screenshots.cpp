@@ -6,7 +6,9 @@
 #include "datamanagement/Project.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QPixmap>
 #include <QTabWidget>
@@ -77,6 +79,13 @@ bool writeScreenshots(ExplorerWindow& window,
         break;
       }
     }
+    // What a view reads in the background is in the picture; a view stuck reading is shown as
+    // it is after a minute.
+    QElapsedTimer waiting;
+    waiting.start();
+    while (view->working() && waiting.elapsed() < 60000)
+      QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    settle();
     if (!save(widget->grab(), QString::fromStdString(view->shortName()) + ".png"))
       return false;
   }

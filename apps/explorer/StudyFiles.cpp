@@ -39,26 +39,48 @@ bool isImage(const std::string& path)
   return QFileInfo::exists(name) && QImageReader(name).canRead();
 }
 
-std::vector<std::string> imageTags(const Project& project)
+namespace
 {
-  // Per tag: whether every file seen with it so far is an image.
-  std::map<std::string, bool> allImages;
+
+// The tags whose files are all of a kind, in the study's order of tags.
+std::vector<std::string> tagsOfFiles(const Project& project, bool (*ofKind)(const std::string&))
+{
+  // Per tag: whether every file seen with it so far is of the kind.
+  std::map<std::string, bool> allOfKind;
   for (const auto& handle : project.auxFiles())
   {
     const AuxFile file = handle.lock();
-    const bool image = isImage(file.filePath());
+    const bool matches = ofKind(file.filePath());
     for (const auto& tag : file.tags())
     {
-      const auto [entry, added] = allImages.emplace(tag, image);
+      const auto [entry, added] = allOfKind.emplace(tag, matches);
       if (!added)
-        entry->second = entry->second && image;
+        entry->second = entry->second && matches;
     }
   }
   std::vector<std::string> tags;
   for (const auto& tag : project.tags())
-    if (allImages[tag])
+    if (allOfKind[tag])
       tags.push_back(tag);
   return tags;
+}
+
+} // namespace
+
+std::vector<std::string> imageTags(const Project& project)
+{
+  return tagsOfFiles(project, isImage);
+}
+
+bool isSeries(const std::string& path)
+{
+  const QString suffix = QFileInfo(QString::fromStdString(path)).suffix().toLower();
+  return suffix == "csv" || suffix == "tsv" || suffix == "txt";
+}
+
+std::vector<std::string> seriesTags(const Project& project)
+{
+  return tagsOfFiles(project, isSeries);
 }
 
 bool hasOtherFiles(const Project& project)

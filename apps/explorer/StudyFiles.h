@@ -20,6 +20,10 @@ bool isImage(const std::string& path);
 /// The tags whose files are all images, in the study's order of tags.
 std::vector<std::string> imageTags(const Project& project);
 
+/// Whether a file is a run's own series, a table of numbers: a ".csv", ".tsv" or ".txt" file.
+bool isSeries(const std::string& path);
+/// The tags whose files are all series, in the study's order of tags.
+std::vector<std::string> seriesTags(const Project& project);
 /// Whether any file of the study is not an image.
 bool hasOtherFiles(const Project& project);
 

@@ -4,6 +4,7 @@
 #include "views/ImageMatrixView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
+#include "views/line/LinePlotView.h"
 #include "views/parallel/ParallelCoordinatesView.h"
 #include "views/scatter/ScatterPlotView.h"
 #include "views/scatter3d/ScatterPlot3DView.h"
@@ -33,8 +34,9 @@ const std::vector<ViewKind>& viewKinds()
   static const std::vector<ViewKind> kinds = {
     kind<ScatterPlotView>(ViewArea::Main, 1),   kind<CasesTableView>(ViewArea::Side, 2),
     kind<ImageMatrixView>(ViewArea::Side, 4),   kind<ParallelCoordinatesView>(ViewArea::Tabs, 4),
-    kind<ScatterPlot3DView>(ViewArea::Tabs, 3), kind<SelectedCasesView>(ViewArea::Tabs, 3),
-    kind<SelectedImageView>(ViewArea::Tabs, 3), kind<ImageDiffView>(ViewArea::Tabs, 3),
+    kind<LinePlotView>(ViewArea::Tabs, 4),      kind<ScatterPlot3DView>(ViewArea::Tabs, 3),
+    kind<SelectedCasesView>(ViewArea::Tabs, 3), kind<SelectedImageView>(ViewArea::Tabs, 3),
+    kind<ImageDiffView>(ViewArea::Tabs, 3),
   };
   return kinds;
 }

@@ -45,6 +45,9 @@ constexpr std::size_t ringedSelectionUpTo = 10000;
 /// each), thin and dark up to the second, a dark density above it.
 constexpr std::size_t outlinedSelectionUpTo = 200;
 constexpr std::size_t drawnSelectionUpTo = 5000;
+/// Curves of the line plot: a series reduced to the plot's width is a polyline of up to four
+/// points per pixel column; past this many the strokes cost more than counting their pixels.
+constexpr std::size_t curvesAsDensityAbove = 2000;
 /// Turning the 3-D plot draws a sample of a cloud larger than this, the whole cloud when it
 /// stops: software OpenGL draws about 200,000 points in the time of one step of a turn.
 constexpr std::size_t sampledWhileTurningAbove = 200000;

@@ -1,13 +1,12 @@
 #include "views/parallel/ParallelCoordinatesPainter.h"
 
+#include "views/ColourScale.h"
 #include "views/DrawingPolicy.h"
 #include "views/parallel/LineDensity.h"
 #include "views/parallel/ParallelCoordinatesModel.h"
 
 #include <QPainter>
 #include <QPolygonF>
-#include <vtkLookupTable.h>
-#include <vtkSmartPointer.h>
 
 #include <algorithm>
 #include <cmath>
@@ -17,25 +16,6 @@ namespace explorer
 
 namespace
 {
-
-// The colours of the colour variable's scale, blue to red as in the scatter plot.
-std::array<QRgb, 256> palette()
-{
-  auto table = vtkSmartPointer<vtkLookupTable>::New();
-  table->SetHueRange(0.667, 0.0);
-  table->SetNumberOfTableValues(256);
-  table->Build();
-  std::array<QRgb, 256> colours{};
-  for (int i = 0; i < 256; ++i)
-  {
-    double rgba[4];
-    table->GetTableValue(i, rgba);
-    colours[static_cast<std::size_t>(i)] = qRgb(static_cast<int>(rgba[0] * 255),
-                                                static_cast<int>(rgba[1] * 255),
-                                                static_cast<int>(rgba[2] * 255));
-  }
-  return colours;
-}
 
 // A case's line across the axes.
 QPolygonF lineOf(const std::vector<ParallelAxis>& axes, std::size_t row, const ParallelLayout& at)
@@ -74,7 +54,7 @@ double ParallelLayout::position(double y) const
 }
 
 ParallelCoordinatesPainter::ParallelCoordinatesPainter()
-  : colours(palette())
+  : colours(colourScale())
 {
 }
 

@@ -4,6 +4,7 @@
 #include "FilterEdits.h"
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
+#include "views/Canvas.h"
 #include "views/parallel/ParallelCoordinatesModel.h"
 #include "views/parallel/ParallelCoordinatesPainter.h"
 
@@ -37,39 +38,6 @@ namespace
 {
 
 using VariableList = std::vector<WeakPtr<Variable>>;
-
-// The widget draws and takes the mouse; the view's Impl does the rest.
-class Canvas : public QWidget
-{
-public:
-  std::function<void(QPainter&)> paint;
-  std::function<void(QMouseEvent&)> press;
-  std::function<void(QMouseEvent&)> move;
-  std::function<void(QMouseEvent&)> release;
-
-protected:
-  void paintEvent(QPaintEvent*) override
-  {
-    QPainter painter(this);
-    if (paint)
-      paint(painter);
-  }
-  void mousePressEvent(QMouseEvent* event) override
-  {
-    if (press)
-      press(*event);
-  }
-  void mouseMoveEvent(QMouseEvent* event) override
-  {
-    if (move)
-      move(*event);
-  }
-  void mouseReleaseEvent(QMouseEvent* event) override
-  {
-    if (release)
-      release(*event);
-  }
-};
 
 } // namespace
 
