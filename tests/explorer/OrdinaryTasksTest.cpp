@@ -285,6 +285,7 @@ TEST_F(OrdinaryTasks, SelectedImagesFollowTheTablesSortAndTheImageMatrixPagesThr
     if (combo->findText("By variable") >= 0 && combo->findText("None") >= 0)
       pages = combo;
   ASSERT_NE(pages, nullptr);
+  const std::string firstTag = matrix->properties()->pageValue()->value().toString();
   pages->setCurrentIndex(pages->findText("By variable"));
   Q_EMIT pages->activated(pages->currentIndex());
   const auto properties = matrix->properties();
@@ -293,8 +294,10 @@ TEST_F(OrdinaryTasks, SelectedImagesFollowTheTablesSortAndTheImageMatrixPagesThr
   EXPECT_EQ(page->currentIndex(), 0) << "the first value's page, not an empty one";
   EXPECT_FALSE(properties->pageValue()->value().isEmpty());
   UndoStack().undo();
-  EXPECT_EQ(properties->dimensionPagesBy()->value(), ImageMatrixViewProperties::NoPages)
-    << "paging and its first page are one step";
+  EXPECT_EQ(properties->dimensionPagesBy()->value(), ImageMatrixViewProperties::PageByTag)
+    << "paging and its first page are one step; the sample's series files are no images, so "
+       "its matrix pages by its first image tag at first";
+  EXPECT_EQ(properties->pageValue()->value().toString(), firstTag);
 }
 
 TEST_F(OrdinaryTasks, TheWindowReopensWithItsSizeAndPanes)
@@ -343,4 +346,31 @@ TEST_F(OrdinaryTasks, TheChartActionsStayWithTheChartWhenAnotherViewHasTheFocus)
   QApplication::processEvents();
   EXPECT_TRUE(fit->isEnabled()) << "a click in the table leaves Fit to Data to the chart";
   EXPECT_EQ(window->currentView(), scatter);
+}
+
+TEST_F(OrdinaryTasks, ALogarithmicAxisFitsThePointsAndUndoesBackToALinearOne)
+{
+  vtkAxis* y = scatter->points().GetYAxis();
+  const double linearMin = y->GetMinimum();
+  scatter->logY()->setValue(true);
+  widget->renderWindow()->Render();
+  EXPECT_TRUE(y->GetLogScaleActive());
+  // Every range of the sample study lies between its logarithmic axis's ends.
+  const auto project = window->project();
+  double low = INFINITY;
+  double high = -INFINITY;
+  for (double range : *project->numericValues(project->variable("range").lock()))
+    if (range > 0)
+    {
+      low = std::min(low, range);
+      high = std::max(high, range);
+    }
+  EXPECT_LT(y->GetUnscaledMinimum(), low);
+  EXPECT_GT(y->GetUnscaledMaximum(), high);
+  EXPECT_LT(y->GetUnscaledMaximum(), high * 2) << "fitted, not left wide";
+
+  UndoStack().undo();
+  widget->renderWindow()->Render();
+  EXPECT_FALSE(y->GetLogScaleActive());
+  EXPECT_NEAR(y->GetMinimum(), linearMin, std::abs(linearMin) * 0.01 + 1e-9);
 }

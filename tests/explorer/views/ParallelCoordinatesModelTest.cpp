@@ -115,3 +115,27 @@ TEST(ParallelCoordinatesModel, AClickFindsTheNearestLineAndTheDensityShowsEveryL
   EXPECT_NEAR(qRed(line), 200, 2) << "plain lines in the plain colour";
   EXPECT_EQ(qBlue(line), 0);
 }
+
+TEST(ParallelCoordinatesModel, ALogarithmicAxisPutsValuesAtOrBelowZeroWithTheMissingOnes)
+{
+  Lines lines;
+  std::vector<WeakPtr<Variable>> axes{ lines.project->variable("speed"),
+                                       lines.project->variable("heat") };
+  lines.pipeline->output()->Update();
+  lines.model.reload(*lines.pipeline->output()->GetOutput(), *lines.project, axes, {}, axes);
+  const auto& speed = lines.model.axes()[0];
+  EXPECT_TRUE(speed.log);
+  EXPECT_EQ(speed.notPositive, 1u) << "speed 0";
+  EXPECT_EQ(speed.min, 5) << "the range of the values above zero";
+  EXPECT_EQ(speed.max, 10);
+  EXPECT_TRUE(std::isnan(speed.position[0]));
+  EXPECT_FLOAT_EQ(speed.position[1], 0.f);
+  EXPECT_FLOAT_EQ(speed.position[2], 1.f);
+
+  // 100, 200, 300 on a logarithmic axis: 200 above the middle of the distance, not at it.
+  const auto& heat = lines.model.axes()[1];
+  EXPECT_EQ(heat.notPositive, 0u);
+  EXPECT_NEAR(heat.position[1], std::log10(2.0) / std::log10(3.0), 1e-6);
+  for (double value : { 100.0, 150.0, 299.0 })
+    EXPECT_NEAR(heat.valueAt(heat.place(value)), value, 1e-3) << "a brush reads back its values";
+}

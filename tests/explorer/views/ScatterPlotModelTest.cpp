@@ -43,6 +43,7 @@ struct Plotted
     builder.addNumericVariable("b", { 10, 20, missing, 40, 50 });
     builder.addNumericVariable("c", { 0.5, missing, 0.7, missing, 0.9 });
     builder.addNumericVariable("sweep", { 1, 1, 2, 2, 3 }, Variable::Discrete);
+    builder.addNumericVariable("signed", { -1, 0, 2, 3, missing });
     project = builder.build();
     pipeline = std::make_shared<DataPipelineManager>(project);
     model = std::make_unique<ScatterPlotModel>(
@@ -148,4 +149,28 @@ TEST(ScatterPlotModel, ACustomGridSpacingTicksEveryMultipleInsideTheRange)
   EXPECT_TRUE(ScatterPlotModel::customTicks(0, 1, -1).empty());
   EXPECT_TRUE(ScatterPlotModel::customTicks(0, 1e9, 1).empty()) << "over 10,000 ticks";
   EXPECT_TRUE(ScatterPlotModel::customTicks(missing, 1, 0.1).empty());
+}
+
+TEST(ScatterPlotModel, LogarithmicAxesLeaveOutAndCountCasesAtOrBelowZero)
+{
+  Plotted plot;
+  plot.x->setValue(plot.project->variable("signed"));
+  plot.y->setValue(plot.project->variable("a"));
+  plot.model->setLogAxes(false, true);
+  ASSERT_NE(plot.model->update(), nullptr);
+  EXPECT_EQ(plot.model->table()->GetNumberOfRows(), 3) << "a linear X places -1 and 0";
+  EXPECT_EQ(plot.model->leftOutNote(),
+            "2 of 5 cases have no value of signed or a and are not shown.");
+
+  plot.model->setLogAxes(true, true);
+  vtkTable* table = plot.model->update();
+  ASSERT_EQ(table->GetNumberOfRows(), 1)
+    << "of cases 7 (-1), 2^32 (0) and 18446744073709551615 (2)";
+  unsigned long long id = 0;
+  ASSERT_TRUE(plot.model->caseOfKey(table->GetValue(0, 0).ToLongLong(), id));
+  EXPECT_EQ(id, 18446744073709551615ULL);
+  EXPECT_EQ(plot.model->rowOfCase(7), -1);
+  EXPECT_EQ(plot.model->leftOutNote(),
+            "2 of 5 cases have no value of signed or a and are not shown.\n"
+            "2 of 5 cases are at or below zero on a logarithmic axis and are not shown.");
 }

@@ -593,7 +593,7 @@ std::vector<SettingsSection> LinePlotView::settingsSections(PropertyEditors& edi
                                                { "Series of each run", LineMode::Series } }));
   form->addRow("X", editors.variableChooser(d->x, false, QString()));
   form->addRow("Y", editors.variableChooser(d->y, true, QString()));
-  form->addRow("Lines by (two at most)", editors.variableList(d->linesBy, true));
+  form->addRow("Lines by (two at most)", editors.variableList(d->linesBy, false));
   form->addRow("Aggregate",
                editors.enumChooser<Aggregate>(d->aggregate,
                                               { { "Mean", Aggregate::Mean },

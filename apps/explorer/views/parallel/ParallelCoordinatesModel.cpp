@@ -15,7 +15,10 @@ namespace explorer
 namespace
 {
 
-ParallelAxis readAxis(vtkTable& shown, const Project& project, const WeakPtr<Variable>& handle)
+ParallelAxis readAxis(vtkTable& shown,
+                      const Project& project,
+                      const WeakPtr<Variable>& handle,
+                      bool log)
 {
   const Variable variable = handle.lock();
   const vtkIdType rows = shown.GetNumberOfRows();
@@ -49,13 +52,29 @@ ParallelAxis readAxis(vtkTable& shown, const Project& project, const WeakPtr<Var
   else if (auto* numbers = vtkDoubleArray::SafeDownCast(column))
   {
     std::tie(axis.min, axis.max) = variable.range();
-    const double span = axis.max - axis.min;
+    axis.log = log;
+    if (log && !(axis.min > 0))
+    {
+      // The range of the study's values above zero, so that the axis stays as filters change.
+      axis.min = INFINITY;
+      axis.max = -INFINITY;
+      if (const auto* all = project.numericValues(variable))
+        for (double value : *all)
+          if (value > 0)
+          {
+            axis.min = std::min(axis.min, value);
+            axis.max = std::max(axis.max, value);
+          }
+      if (!(axis.min <= axis.max))
+        axis.min = axis.max = 1;
+    }
     for (vtkIdType row = 0; row < rows; ++row)
     {
       const double value = numbers->GetValue(row);
-      if (!std::isnan(value))
-        axis.position[static_cast<std::size_t>(row)] =
-          span > 0 ? static_cast<float>((value - axis.min) / span) : 0.5f;
+      if (log && value <= 0)
+        ++axis.notPositive;
+      else
+        axis.position[static_cast<std::size_t>(row)] = axis.place(value);
     }
   }
   return axis;
@@ -66,12 +85,17 @@ ParallelAxis readAxis(vtkTable& shown, const Project& project, const WeakPtr<Var
 void ParallelCoordinatesModel::reload(vtkTable& shown,
                                       const Project& project,
                                       const std::vector<WeakPtr<Variable>>& axes,
-                                      const WeakPtr<Variable>& colour)
+                                      const WeakPtr<Variable>& colour,
+                                      const std::vector<WeakPtr<Variable>>& logAxes)
 {
   axesShown.clear();
   for (const auto& variable : axes)
     if (!variable.lock().isNull())
-      axesShown.push_back(readAxis(shown, project, variable));
+      axesShown.push_back(
+        readAxis(shown,
+                 project,
+                 variable,
+                 std::find(logAxes.begin(), logAxes.end(), variable) != logAxes.end()));
 
   ids = caseIdsOf(shown);
   rowOfCase.assign(ids);
@@ -110,7 +134,24 @@ float ParallelCoordinatesModel::positionOf(std::size_t axis, double value) const
     return a.categories.size() <= 1
              ? 0.5f
              : static_cast<float>(value / static_cast<double>(a.categories.size() - 1));
-  return a.max > a.min ? static_cast<float>((value - a.min) / (a.max - a.min)) : 0.5f;
+  return a.place(value);
+}
+
+float ParallelAxis::place(double value) const
+{
+  if (std::isnan(value) || (log && value <= 0))
+    return ParallelCoordinatesModel::missing;
+  if (!(max > min))
+    return 0.5f;
+  return static_cast<float>(log ? (std::log10(value) - std::log10(min)) /
+                                    (std::log10(max) - std::log10(min))
+                                : (value - min) / (max - min));
+}
+
+double ParallelAxis::valueAt(double at) const
+{
+  return log ? std::pow(10.0, std::log10(min) + at * (std::log10(max) - std::log10(min)))
+             : min + at * (max - min);
 }
 
 } // namespace explorer

@@ -218,9 +218,7 @@ void ParallelCoordinatesPainter::drawAxes(QPainter& painter,
     const FilterState filter = a < marks.filters.size() ? marks.filters[a] : FilterState();
     if (filter.exists && filter.enabled && !axis.text)
     {
-      const double span = axis.max - axis.min;
-      const auto y = [&](double value)
-      { return at.y(static_cast<float>(span > 0 ? (value - axis.min) / span : 0.5)); };
+      const auto y = [&](double value) { return at.y(axis.place(value)); };
       painter.fillRect(QRectF(QPointF(x - 7, y(std::min(filter.max, axis.max))),
                               QPointF(x + 7, y(std::max(filter.min, axis.min)))),
                        QColor(30, 30, 30, 70));
@@ -261,7 +259,11 @@ void ParallelCoordinatesPainter::drawAxes(QPainter& painter,
                        QString::number(axis.max, 'g', 5));
       painter.drawText(QRectF(x - slot / 2, at.bottom + 2, slot, 14),
                        Qt::AlignCenter,
-                       QString::number(axis.min, 'g', 5));
+                       QString::number(axis.min, 'g', 5) + (axis.log ? " log" : ""));
+      if (axis.notPositive > 0)
+        painter.drawText(QRectF(x - slot / 2, at.missingY - 24, slot, 14),
+                         Qt::AlignCenter,
+                         QString("%1 at or below 0").arg(axis.notPositive));
     }
   }
 }

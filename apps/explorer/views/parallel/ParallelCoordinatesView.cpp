@@ -50,6 +50,7 @@ struct ParallelCoordinatesView::Impl
   boost::shared_ptr<plexa::UndoablePropertyProxy<VariableList>> axesProperty;
   boost::shared_ptr<plexa::UndoablePropertyProxy<WeakPtr<Variable>>> color;
   boost::shared_ptr<plexa::UndoablePropertyProxy<Drawing>> drawing;
+  boost::shared_ptr<plexa::UndoablePropertyProxy<VariableList>> logAxes;
   // The owner of the brushes' undo steps.
   DeleteSignaler undoOwner;
   ParallelCoordinatesModel model;
@@ -81,7 +82,11 @@ struct ParallelCoordinatesView::Impl
   void reload()
   {
     pipeline.output()->Update();
-    model.reload(*pipeline.output()->GetOutput(), *project, axesProperty->value(), color->value());
+    model.reload(*pipeline.output()->GetOutput(),
+                 *project,
+                 axesProperty->value(),
+                 color->value(),
+                 logAxes->value());
     painter.linesChanged();
     select(selection->getSelections());
   }
@@ -135,9 +140,8 @@ struct ParallelCoordinatesView::Impl
     if (dragged)
     {
       const ParallelLayout at = layout();
-      const double span = axis.max - axis.min;
-      const double a = axis.min + at.position(brushFrom) * span;
-      const double b = axis.min + at.position(brushTo) * span;
+      const double a = axis.valueAt(at.position(brushFrom));
+      const double b = axis.valueAt(at.position(brushTo));
       after = { true, std::min(a, b), std::max(a, b), true };
     }
     // The pipeline's change redraws the view.
@@ -168,6 +172,8 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
     "Line Color Variable", boost::make_shared<plexa::Property<WeakPtr<Variable>>>(firstColour));
   d->drawing = boost::make_shared<plexa::UndoablePropertyProxy<Drawing>>(
     "Lines", boost::make_shared<plexa::Property<Drawing>>(Drawing::Automatic));
+  d->logAxes = boost::make_shared<plexa::UndoablePropertyProxy<VariableList>>(
+    "Logarithmic Axes", boost::make_shared<plexa::Property<VariableList>>());
 
   Impl* impl = d.get();
   d->canvas->paint = [impl](QPainter& painter) { impl->paint(painter); };
@@ -218,6 +224,7 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
   connections().add(context.pipeline->connectSignalPipelineChanged(reload));
   connections().add(d->axesProperty->connectSignalPropertyChanged(reload));
   connections().add(d->color->connectSignalPropertyChanged(reload));
+  connections().add(d->logAxes->connectSignalPropertyChanged(reload));
   connections().add(d->drawing->connectSignalPropertyChanged(
     [impl]
     {
@@ -231,6 +238,8 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
     boost::make_shared<VariableListSerializer>("Axes", d->axesProperty, d->project->variables()));
   saveVariableSetting("ColorVariable", d->color, *d->project);
   saveSetting(drawing::serializer("Lines", d->drawing), "automatic, marks or density");
+  saveSetting(
+    boost::make_shared<VariableListSerializer>("LogAxes", d->logAxes, d->project->variables()));
 }
 
 ParallelCoordinatesView::~ParallelCoordinatesView() = default;
@@ -242,6 +251,7 @@ std::vector<SettingsSection> ParallelCoordinatesView::settingsSections(PropertyE
   // The chosen axes first, in their order, then the others; drag an entry to reorder.
   form->addRow("Axes", editors.variableList(d->axesProperty, true));
   form->addRow("Colour", editors.variableChooser(d->color, true, "(none)"));
+  form->addRow("Logarithmic axes", editors.variableList(d->logAxes, false));
   form->addRow("Lines",
                editors.enumChooser<Drawing>(d->drawing,
                                             { { "Automatic", Drawing::Automatic },
@@ -282,6 +292,12 @@ ParallelCoordinatesView::colorVariable() const
 boost::shared_ptr<plexa::PropertyAbstract<Drawing>> ParallelCoordinatesView::drawing() const
 {
   return d->drawing;
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<std::vector<WeakPtr<Variable>>>>
+ParallelCoordinatesView::logAxes() const
+{
+  return d->logAxes;
 }
 
 bool ParallelCoordinatesView::drawsDensity() const

@@ -42,6 +42,9 @@ public:
   boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> colorVariable() const;
   /// Lines, or a density above drawing::linesAsDensityAbove lines (automatic).
   boost::shared_ptr<plexa::PropertyAbstract<Drawing>> drawing() const;
+  /// The variables whose axes are logarithmic; their values at or below zero sit with the
+  /// missing ones, and the axis counts them.
+  boost::shared_ptr<plexa::PropertyAbstract<std::vector<WeakPtr<Variable>>>> logAxes() const;
   /// Whether the lines are drawn as a density at present.
   bool drawsDensity() const;
   /// Where `value` lies on the axis at `axis` (a category's index on a text axis), in the

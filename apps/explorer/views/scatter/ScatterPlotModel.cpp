@@ -46,6 +46,34 @@ struct ScatterPlotModel::Impl
   vtkSmartPointer<vtkCaseKeysFilter> keyed = vtkSmartPointer<vtkCaseKeysFilter>::New();
   vtkSmartPointer<InvalidPointsFilter> plottable;
   vtkSmartPointer<vtkTable> table;
+  bool logX = false;
+  bool logY = false;
+  // Cases with a value at or below zero on a logarithmic axis, at the last update.
+  vtkIdType notPositive = 0;
+
+  // The plotted rows without those a logarithmic axis cannot place.
+  void leaveOutNotPositive(const std::string& xName, const std::string& yName)
+  {
+    notPositive = 0;
+    if (!logX && !logY)
+      return;
+    auto* xs = vtkDoubleArray::SafeDownCast(table->GetColumnByName(xName.c_str()));
+    auto* ys = vtkDoubleArray::SafeDownCast(table->GetColumnByName(yName.c_str()));
+    auto rows = vtkSmartPointer<vtkIdTypeArray>::New();
+    for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
+    {
+      if ((logX && xs && !(xs->GetValue(row) > 0)) || (logY && ys && !(ys->GetValue(row) > 0)))
+        ++notPositive;
+      else
+        rows->InsertNextValue(row);
+    }
+    if (notPositive == 0)
+      return;
+    std::vector<std::string> names;
+    for (vtkIdType c = 0; c < table->GetNumberOfColumns(); ++c)
+      names.emplace_back(table->GetColumnName(c));
+    table = rowsOf(*table, *rows, names);
+  }
 
   explicit Impl(const DataPipelineManagerInterface& pipeline)
     : pipeline(pipeline)
@@ -75,6 +103,12 @@ ScatterPlotModel::ScatterPlotModel(const DataPipelineManagerInterface& pipeline,
 
 ScatterPlotModel::~ScatterPlotModel() = default;
 
+void ScatterPlotModel::setLogAxes(bool x, bool y)
+{
+  d->logX = x;
+  d->logY = y;
+}
+
 vtkSmartPointer<vtkTable> ScatterPlotModel::update()
 {
   d->table = nullptr;
@@ -84,6 +118,7 @@ vtkSmartPointer<vtkTable> ScatterPlotModel::update()
   d->plottable->Update();
   d->table = vtkSmartPointer<vtkTable>::New();
   d->table->ShallowCopy(d->plottable->GetOutput());
+  d->leaveOutNotPositive(xColumn(), yColumn());
   return d->table;
 }
 
@@ -112,12 +147,19 @@ std::string ScatterPlotModel::leftOutNote() const
   d->pipeline.output()->Update();
   const vtkIdType shown = d->pipeline.output()->GetOutput()->GetNumberOfRows();
   const vtkIdType plotted = d->table ? d->table->GetNumberOfRows() : 0;
-  if (plotted >= shown)
-    return {};
-  const Variable x = d->x->value().lock();
-  return std::to_string(shown - plotted) + " of " + std::to_string(shown) +
-         " cases have no value of " + (x.isNull() ? yColumn() : x.name() + " or " + yColumn()) +
-         " and are not shown.";
+  const vtkIdType missing = shown - plotted - d->notPositive;
+  std::string note;
+  if (missing > 0)
+  {
+    const Variable x = d->x->value().lock();
+    note = std::to_string(missing) + " of " + std::to_string(shown) + " cases have no value of " +
+           (x.isNull() ? yColumn() : x.name() + " or " + yColumn()) + " and are not shown.";
+  }
+  if (d->notPositive > 0)
+    note += (note.empty() ? "" : "\n") + std::to_string(d->notPositive) + " of " +
+            std::to_string(shown) +
+            " cases are at or below zero on a logarithmic axis and are not shown.";
+  return note;
 }
 
 std::size_t ScatterPlotModel::withoutColour() const

@@ -51,6 +51,9 @@ public:
   ScatterPlotModel(const ScatterPlotModel&) = delete;
   ScatterPlotModel& operator=(const ScatterPlotModel&) = delete;
 
+  /// Leaves out, from the next update on, the cases whose X (or Y) is at or below zero, which a
+  /// logarithmic axis cannot place.
+  void setLogAxes(bool x, bool y);
   /// Reads the plotted table again from the pipeline and the variables; null without a Y.
   vtkSmartPointer<vtkTable> update();
   /// The table of the last update, or null.

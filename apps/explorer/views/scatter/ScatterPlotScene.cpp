@@ -358,7 +358,9 @@ void ScatterPlotScene::widenToPoints(int which, double halfGap)
   if (ScatterPlotModel::axisRange(plotted ? bounds[i] : axis->GetMinimum(),
                                   plotted ? bounds[i + 1] : axis->GetMaximum(),
                                   pixels > 0 ? points.GetMarkerSize() / pixels : 0,
-                                  halfGap,
+                                  // A sweep's half step is in the values' units, which a
+                                  // logarithmic axis does not have.
+                                  axis->GetLogScaleActive() ? 0.0 : halfGap,
                                   from,
                                   to))
     axis->SetRange(from, to);

@@ -66,7 +66,7 @@ public:
   void placeCustomTicks(AxisDetailsInterface& x, AxisDetailsInterface& y);
   /// Widens an axis's fitted range (vtkAxis::BOTTOM or LEFT), which ends on the outermost
   /// points and would cut them in half: by a few percent, by at least a marker, and by
-  /// `halfGap` (half a discrete variable's step).
+  /// `halfGap` (half a discrete variable's step; not on a logarithmic axis).
   void widenToPoints(int axis, double halfGap);
 
   /// Draws now, or once control returns to the event loop however many changes ask for it.

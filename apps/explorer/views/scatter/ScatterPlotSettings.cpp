@@ -15,8 +15,10 @@
 #include "properties/UndoablePropertyProxy.h"
 #include "serialization/GenericSerializer.h"
 
+#include <QCheckBox>
 #include <QDomElement>
 #include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
@@ -118,6 +120,14 @@ struct ScatterPlotSettings::Impl
           plexa::BoundedValueValidator<double>::Inclusive,
           1.0,
           plexa::BoundedValueValidator<double>::Inclusive)));
+  boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> logX =
+    boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
+      "Logarithmic X",
+      boost::make_shared<plexa::Property<bool>>(false));
+  boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> logY =
+    boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
+      "Logarithmic Y",
+      boost::make_shared<plexa::Property<bool>>(false));
   std::unique_ptr<AxisDetailsCharts> xAxis;
   std::unique_ptr<AxisDetailsCharts> yAxis;
 };
@@ -168,6 +178,16 @@ boost::shared_ptr<plexa::PropertyAbstract<double>> ScatterPlotSettings::pointOpa
   return d->pointOpacity;
 }
 
+boost::shared_ptr<plexa::PropertyAbstract<bool>> ScatterPlotSettings::logX() const
+{
+  return d->logX;
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<bool>> ScatterPlotSettings::logY() const
+{
+  return d->logY;
+}
+
 AxisDetailsCharts& ScatterPlotSettings::xAxis() const
 {
   return *d->xAxis;
@@ -203,6 +223,9 @@ ScatterPlotSettings::savedSettings() const
     { drawing::serializer("Points", d->drawing), "automatic, marks or density" },
     { boost::make_shared<GenericSerializer<double>>("PointOpacity", d->pointOpacity),
       "a number from 0.05 to 1" },
+    // Before the ranges, which a logarithmic axis holds as powers of ten.
+    { boost::make_shared<GenericSerializer<bool>>("LogX", d->logX), "0 or 1" },
+    { boost::make_shared<GenericSerializer<bool>>("LogY", d->logY), "0 or 1" },
   };
   // The range first: a custom grid spacing is checked against it.
   for (const auto& [prefix, axis] :
@@ -233,8 +256,14 @@ QWidget* ScatterPlotSettings::editor(PropertyEditors& editors) const
                                    { "Markers", Drawing::Marks },
                                    { "Density", Drawing::Density } }));
   form->addRow("Point opacity", editors.numberEditor(d->pointOpacity));
+  form->addRow(editors.checkBox("Logarithmic X", d->logX));
+  form->addRow(editors.checkBox("Logarithmic Y", d->logY));
   form->addRow(editors.axisEditor("X axis", *d->xAxis));
   form->addRow(editors.axisEditor("Y axis", *d->yAxis));
+  auto* powers =
+    new QLabel("The range of a logarithmic axis is in powers of ten: 0 to 3 shows 1 to 1000.");
+  powers->setWordWrap(true);
+  form->addRow(powers);
   return box;
 }
 

@@ -89,6 +89,10 @@ public:
   boost::shared_ptr<plexa::PropertyAbstract<Drawing>> drawing() const;
   /// The markers' opacity, from 0.05 to 1.
   boost::shared_ptr<plexa::PropertyAbstract<double>> pointOpacity() const;
+  /// Whether an axis is logarithmic: its cases at or below zero are left out and counted, and
+  /// its range is held in powers of ten.
+  boost::shared_ptr<plexa::PropertyAbstract<bool>> logX() const;
+  boost::shared_ptr<plexa::PropertyAbstract<bool>> logY() const;
   AxisDetailsCharts& xAxis() const;
   AxisDetailsCharts& yAxis() const;
   /// Every setting of the two axes: range, custom grid spacing and its use.

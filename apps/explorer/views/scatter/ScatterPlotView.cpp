@@ -28,6 +28,7 @@
 #include <QVTKOpenGLNativeWidget.h>
 #include <boost/make_shared.hpp>
 #include <vtkAxis.h>
+#include <vtkDoubleArray.h>
 #include <vtkIdTypeArray.h>
 #include <vtkTable.h>
 
@@ -199,6 +200,35 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
     }));
   connections().add(
     d->legend->show()->connectSignalValueChanged([replot](const bool&) { replot(); }));
+  // A logarithmic axis: VTK places the points by their logarithm; the model leaves out what
+  // cannot be placed, and the axis is fitted again.
+  for (const auto& [log, axis] : { std::make_pair(d->settings->logX(), int(vtkAxis::BOTTOM)),
+                                   std::make_pair(d->settings->logY(), int(vtkAxis::LEFT)) })
+    connections().add(log->connectSignalValueChanged(
+      [this, impl, which = axis](const bool& on)
+      {
+        impl->model->setLogAxes(impl->settings->logX()->value(), impl->settings->logY()->value());
+        impl->updatePoints();
+        // An axis turns logarithmic only over a range above zero: the values' own.
+        vtkAxis& turned = *impl->scene->chart()->GetAxis(which);
+        vtkTable* table = impl->model->table();
+        auto* values = vtkDoubleArray::SafeDownCast(
+          table ? table->GetColumnByName(
+                    (which == vtkAxis::BOTTOM ? impl->model->xColumn() : impl->model->yColumn())
+                      .c_str())
+                : nullptr);
+        if (on && values && values->GetNumberOfTuples() > 0)
+        {
+          double range[2];
+          values->GetRange(range);
+          turned.SetUnscaledRange(range[0], range[1]);
+        }
+        else if (on)
+          turned.SetUnscaledRange(1, 10);
+        turned.SetLogScale(on);
+        impl->updatePoints();
+        fitAxis(which);
+      }));
   connections().add(d->settings->drawing()->connectSignalValueChanged(
     [impl](const Drawing&)
     {
@@ -356,6 +386,16 @@ vtkPlotPoints& ScatterPlotView::points() const
 long long ScatterPlotView::rowOfCase(unsigned long long caseId) const
 {
   return d->model->rowOfCase(caseId);
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<bool>> ScatterPlotView::logX() const
+{
+  return d->settings->logX();
+}
+
+boost::shared_ptr<plexa::PropertyAbstract<bool>> ScatterPlotView::logY() const
+{
+  return d->settings->logY();
 }
 
 boost::shared_ptr<plexa::PropertyAbstract<Drawing>> ScatterPlotView::drawing() const

@@ -57,6 +57,9 @@ public:
   boost::shared_ptr<plexa::PropertyAbstract<Drawing>> drawing() const;
   /// The markers' opacity, from 0.05 to 1.
   boost::shared_ptr<plexa::PropertyAbstract<double>> pointOpacity() const;
+  /// Whether an axis is logarithmic (see ScatterPlotSettings).
+  boost::shared_ptr<plexa::PropertyAbstract<bool>> logX() const;
+  boost::shared_ptr<plexa::PropertyAbstract<bool>> logY() const;
   /// The chart, for mouse events sent to it directly.
   ChartXY& chart() const;
   int highlightedPoints() const;
