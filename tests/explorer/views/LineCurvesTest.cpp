@@ -130,6 +130,21 @@ TEST(ResponseCurves, AggregateTheCasesOfALineAndAnXWithTheirBand)
     EXPECT_EQ(std::vector<std::uint32_t>(first, last), (std::vector<std::uint32_t>{ 1, 2, 3 }));
     EXPECT_EQ(set.curves[1].x, (std::vector<double>{ 1, 3 }));
   }
+  // Rows taken in a given X order make the same curves as rows sorted per line.
+  const std::vector<std::uint32_t> order = orderByX(x);
+  EXPECT_EQ(order, (std::vector<std::uint32_t>{ 1, 2, 3, 4, 0, 5 })) << "no row without X";
+  const CurveSet sorted = responseCurves(x, y, groups, Aggregate::Median, Band::MinMax, {});
+  const CurveSet ordered =
+    responseCurves(x, y, groups, Aggregate::Median, Band::MinMax, {}, &order);
+  ASSERT_EQ(ordered.curves.size(), sorted.curves.size());
+  for (std::size_t c = 0; c < sorted.curves.size(); ++c)
+  {
+    EXPECT_EQ(ordered.curves[c].x, sorted.curves[c].x);
+    EXPECT_EQ(ordered.curves[c].y, sorted.curves[c].y);
+    EXPECT_EQ(ordered.curves[c].rows, sorted.curves[c].rows);
+    EXPECT_EQ(ordered.curves[c].low, sorted.curves[c].low);
+  }
+
   // An even number of values: the median is the mean of the middle two.
   groups.groupOfRow = { 1, 0, 0, 0, 0, 1, 1 };
   const CurveSet even = responseCurves(x, y, groups, Aggregate::Median, Band::None, {});
@@ -192,8 +207,9 @@ TEST(CurvePicking, AClickOrARubberBandPicksTheCasesOfThePointsOrCurves)
 
   // Response curves: a click picks every case behind the nearest point.
   LineGroups one{ { "" }, { 0, 0, 0 } };
-  const CurveSet response =
-    responseCurves({ 1, 1, 5 }, { 2, 4, 5 }, one, Aggregate::Mean, Band::None, {});
+  const std::vector<double> x = { 1, 1, 5 };
+  const std::vector<double> y = { 2, 4, 5 };
+  const CurveSet response = responseCurves(x, y, one, Aggregate::Mean, Band::None, {});
   EXPECT_EQ(rowsNear(response, frame, 11, 70, 6), (std::vector<std::uint32_t>{ 0, 1 }));
   EXPECT_TRUE(rowsNear(response, frame, 30, 60, 6).empty()) << "between points is no point";
   EXPECT_EQ(rowsThrough(response, frame, 40, 40, 60, 60), (std::vector<std::uint32_t>{ 2 }));

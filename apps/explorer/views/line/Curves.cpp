@@ -121,18 +121,33 @@ std::pair<const std::uint32_t*, const std::uint32_t*> Curve::rowsAt(std::size_t 
   return { rows.data() + firstRow[point], rows.data() + firstRow[point + 1] };
 }
 
-CurveSet responseCurves(const std::vector<double>& x,
-                        const std::vector<double>& y,
+std::vector<std::uint32_t> orderByX(const std::vector<double>& x)
+{
+  std::vector<std::pair<double, std::uint32_t>> keyed;
+  keyed.reserve(x.size());
+  for (std::size_t row = 0; row < x.size(); ++row)
+    if (!std::isnan(x[row]))
+      keyed.emplace_back(x[row], static_cast<std::uint32_t>(row));
+  std::sort(keyed.begin(), keyed.end());
+  std::vector<std::uint32_t> order(keyed.size());
+  for (std::size_t i = 0; i < keyed.size(); ++i)
+    order[i] = keyed[i].second;
+  return order;
+}
+
+CurveSet responseCurves(Values x,
+                        Values y,
                         const LineGroups& groups,
                         Aggregate aggregate,
                         Band band,
-                        LogAxes log)
+                        LogAxes log,
+                        const std::vector<std::uint32_t>* xOrder)
 {
   CurveSet set;
   // The rows that can be placed, grouped by line (a counting sort), then in X order per line.
   const std::size_t lines = groups.labels.size();
   std::vector<std::uint32_t> start(lines + 1, 0);
-  for (std::size_t row = 0; row < x.size(); ++row)
+  for (std::size_t row = 0; row < x.size; ++row)
   {
     if (std::isnan(x[row]) || std::isnan(y[row]))
       ++set.missing;
@@ -144,11 +159,20 @@ CurveSet responseCurves(const std::vector<double>& x,
   std::partial_sum(start.begin(), start.end(), start.begin());
   std::vector<std::uint32_t> order(start.back());
   std::vector<std::uint32_t> next(start.begin(), start.end() - 1);
-  for (std::size_t row = 0; row < x.size(); ++row)
+  const auto place = [&](std::size_t row)
+  {
     if (!std::isnan(x[row]) && !std::isnan(y[row]) && placeable(x[row], log.x) &&
         placeable(y[row], log.y))
       order[next[static_cast<std::size_t>(groups.groupOfRow[row])]++] =
         static_cast<std::uint32_t>(row);
+  };
+  // Taken in X order, the rows of each group stay in X order.
+  if (xOrder)
+    for (std::uint32_t row : *xOrder)
+      place(row);
+  else
+    for (std::size_t row = 0; row < x.size; ++row)
+      place(row);
 
   std::vector<double> ys;
   for (std::size_t line = 0; line < lines; ++line)
@@ -157,7 +181,8 @@ CurveSet responseCurves(const std::vector<double>& x,
     const auto last = order.begin() + start[line + 1];
     if (first == last)
       continue;
-    std::stable_sort(first, last, [&x](std::uint32_t a, std::uint32_t b) { return x[a] < x[b]; });
+    if (!xOrder)
+      std::stable_sort(first, last, [&x](std::uint32_t a, std::uint32_t b) { return x[a] < x[b]; });
     Curve curve;
     curve.label = groups.labels[line];
     curve.group = static_cast<int>(line);

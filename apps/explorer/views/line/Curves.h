@@ -69,16 +69,40 @@ struct CurveSet
   std::size_t notPositive = 0;
 };
 
+/// A column of numbers read where it lies: a vector, or a VTK array's memory.
+struct Values
+{
+  Values(const std::vector<double>& values)
+    : data(values.data())
+    , size(values.size())
+  {
+  }
+  Values(const double* data, std::size_t size)
+    : data(data)
+    , size(size)
+  {
+  }
+  double operator[](std::size_t i) const { return data[i]; }
+
+  const double* data;
+  std::size_t size;
+};
+
+/// The rows that have an X, in X order (rows of equal X in row order). Made once per X, it spares
+/// each later change of Y or of the groups a sort.
+std::vector<std::uint32_t> orderByX(const std::vector<double>& x);
+
 /// Response curves: per group, the rows joined in X order; rows that share a group and an X
 /// value are aggregated into one point, with its band. Rows without X or Y, or with a value at
 /// or below zero on a logarithmic axis, are left out and counted. Groups without rows have no
-/// curve.
-CurveSet responseCurves(const std::vector<double>& x,
-                        const std::vector<double>& y,
+/// curve. `xOrder`, when given, is orderByX(x).
+CurveSet responseCurves(Values x,
+                        Values y,
                         const LineGroups& groups,
                         Aggregate aggregate,
                         Band band,
-                        LogAxes log);
+                        LogAxes log,
+                        const std::vector<std::uint32_t>* xOrder = nullptr);
 
 /// A case's own series as a curve of one row, with the samples that lack a value, or that a
 /// logarithmic axis cannot place, left out and counted in `set`.

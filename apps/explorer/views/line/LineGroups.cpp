@@ -8,7 +8,10 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <numeric>
 #include <sstream>
+#include <string_view>
+#include <unordered_map>
 
 namespace explorer
 {
@@ -26,31 +29,59 @@ std::string numberText(double value)
   return text.str();
 }
 
-// A column's values as group numbers, through sorted distinct keys and a label per key.
-template<typename Key, typename LabelOf>
-ColumnGroups groupsOfKeys(const std::vector<Key>& keys,
-                          const std::vector<bool>& missing,
-                          LabelOf labelOf)
+// A column's values as group numbers: each distinct key (`keyAt(row)`, for rows that are not
+// `missing(row)`) found once, by a linear search while there are few (as sweeps have), then by
+// a hash; then numbered in sorted order, with a label each.
+template<typename KeyAt, typename Missing, typename LabelOf>
+ColumnGroups groupsOfKeys(std::size_t rows, KeyAt keyAt, Missing missing, LabelOf labelOf)
 {
+  using Key = decltype(keyAt(std::size_t()));
+  constexpr std::size_t searchedUpTo = 16;
   std::vector<Key> distinct;
-  for (std::size_t row = 0; row < keys.size(); ++row)
-    if (!missing[row])
-      distinct.push_back(keys[row]);
-  std::sort(distinct.begin(), distinct.end());
-  distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+  std::unordered_map<Key, int> index;
   ColumnGroups groups;
-  for (const Key& key : distinct)
-    groups.labels.push_back(labelOf(key));
-  const bool anyMissing = std::find(missing.begin(), missing.end(), true) != missing.end();
+  groups.groupOfRow.assign(rows, -1);
+  bool anyMissing = false;
+  for (std::size_t row = 0; row < rows; ++row)
+  {
+    if (missing(row))
+    {
+      anyMissing = true;
+      continue;
+    }
+    const Key key = keyAt(row);
+    if (distinct.size() <= searchedUpTo)
+    {
+      const auto at = std::find(distinct.begin(), distinct.end(), key);
+      groups.groupOfRow[row] = static_cast<int>(at - distinct.begin());
+      if (at != distinct.end())
+        continue;
+      distinct.push_back(key);
+      if (distinct.size() > searchedUpTo)
+        for (std::size_t i = 0; i < distinct.size(); ++i)
+          index.emplace(distinct[i], static_cast<int>(i));
+      continue;
+    }
+    const auto [at, added] = index.emplace(key, static_cast<int>(distinct.size()));
+    if (added)
+      distinct.push_back(key);
+    groups.groupOfRow[row] = at->second;
+  }
+  // The keys in sorted order; the missing group after them.
+  std::vector<int> byKey(distinct.size());
+  std::iota(byKey.begin(), byKey.end(), 0);
+  std::sort(byKey.begin(), byKey.end(), [&](int a, int b) { return distinct[a] < distinct[b]; });
+  std::vector<int> rank(distinct.size() + 1, static_cast<int>(distinct.size()));
+  for (std::size_t i = 0; i < byKey.size(); ++i)
+  {
+    rank[static_cast<std::size_t>(byKey[i])] = static_cast<int>(i);
+    groups.labels.push_back(labelOf(distinct[static_cast<std::size_t>(byKey[i])]));
+  }
   if (anyMissing)
     groups.labels.emplace_back(missingLabel);
-  groups.groupOfRow.resize(keys.size());
-  for (std::size_t row = 0; row < keys.size(); ++row)
-    groups.groupOfRow[row] =
-      missing[row]
-        ? static_cast<int>(distinct.size())
-        : static_cast<int>(std::lower_bound(distinct.begin(), distinct.end(), keys[row]) -
-                           distinct.begin());
+  const int missingIndex = static_cast<int>(distinct.size());
+  for (int& group : groups.groupOfRow)
+    group = rank[static_cast<std::size_t>(group < 0 ? missingIndex : group)];
   return groups;
 }
 
@@ -80,51 +111,48 @@ std::vector<double> niceEdges(double min, double max, std::size_t most)
 ColumnGroups groupsOf(vtkAbstractArray& column)
 {
   const auto rows = static_cast<std::size_t>(column.GetNumberOfTuples());
-  std::vector<bool> missing(rows, false);
   if (auto* texts = vtkStringArray::SafeDownCast(&column))
-  {
-    std::vector<std::string> keys(rows);
-    for (std::size_t row = 0; row < rows; ++row)
-      keys[row] = texts->GetValue(static_cast<vtkIdType>(row));
-    return groupsOfKeys(keys, missing, [](const std::string& key) { return key; });
-  }
+    return groupsOfKeys(
+      rows,
+      [texts](std::size_t row)
+      { return std::string_view(texts->GetValue(static_cast<vtkIdType>(row))); },
+      [](std::size_t) { return false; },
+      [](std::string_view key) { return std::string(key); });
   auto* numbers = vtkDoubleArray::SafeDownCast(&column);
   if (!numbers)
     return { { "" }, std::vector<int>(rows, 0) };
   const double* values = numbers->GetPointer(0);
-  std::vector<double> keys(values, values + rows);
-  for (std::size_t row = 0; row < rows; ++row)
-    missing[row] = !std::isfinite(keys[row]);
+  const auto missing = [values](std::size_t row) { return !std::isfinite(values[row]); };
 
   std::vector<double> distinct;
   for (std::size_t row = 0; row < rows && distinct.size() <= LineGroups::maxGroupsPerVariable;
        ++row)
-    if (!missing[row] && std::find(distinct.begin(), distinct.end(), keys[row]) == distinct.end())
-      distinct.push_back(keys[row]);
+    if (!missing(row) && std::find(distinct.begin(), distinct.end(), values[row]) == distinct.end())
+      distinct.push_back(values[row]);
   if (distinct.size() <= LineGroups::maxGroupsPerVariable)
-    return groupsOfKeys(keys, missing, numberText);
+    return groupsOfKeys(
+      rows, [values](std::size_t row) { return values[row]; }, missing, numberText);
 
-  // A continuous variable: its values by interval. Keys are the intervals' numbers.
+  // A continuous variable: its values by interval, the intervals' numbers as keys.
   double min = INFINITY;
   double max = -INFINITY;
   for (std::size_t row = 0; row < rows; ++row)
-    if (!missing[row])
+    if (!missing(row))
     {
-      min = std::min(min, keys[row]);
-      max = std::max(max, keys[row]);
+      min = std::min(min, values[row]);
+      max = std::max(max, values[row]);
     }
   const std::vector<double> edges = niceEdges(min, max, LineGroups::maxGroupsPerVariable);
-  for (std::size_t row = 0; row < rows; ++row)
-    if (!missing[row])
-      keys[row] = static_cast<double>(std::upper_bound(edges.begin(), edges.end(), keys[row]) -
+  return groupsOfKeys(
+    rows,
+    [values, &edges](std::size_t row)
+    {
+      return static_cast<std::size_t>(std::upper_bound(edges.begin(), edges.end(), values[row]) -
                                       edges.begin() - 1);
-  return groupsOfKeys(keys,
-                      missing,
-                      [&edges](double key)
-                      {
-                        const auto i = static_cast<std::size_t>(key);
-                        return "[" + numberText(edges[i]) + ", " + numberText(edges[i + 1]) + ")";
-                      });
+    },
+    missing,
+    [&edges](std::size_t i)
+    { return "[" + numberText(edges[i]) + ", " + numberText(edges[i + 1]) + ")"; });
 }
 
 LineGroups lineGroups(const std::vector<vtkAbstractArray*>& columns, std::size_t rows)

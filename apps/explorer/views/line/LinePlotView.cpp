@@ -156,8 +156,15 @@ struct LinePlotView::Impl
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> logX;
   boost::shared_ptr<plexa::UndoablePropertyProxy<bool>> logY;
 
-  // The shown cases, in the pipeline's row order.
+  // The shown cases, in the pipeline's row order, as of the pipeline's output at shownTime.
+  vtkMTimeType shownTime = 0;
   std::vector<unsigned long long> caseIds;
+  // The values of X (orderedX) for the shown cases, a text X's categories, and the rows in X
+  // order.
+  std::string orderedX;
+  std::vector<double> xValues;
+  std::vector<std::string> xCategories;
+  std::vector<std::uint32_t> xOrder;
   CaseRowIndex rowOfCase;
   std::vector<float> colourOfRow;
   // Each shown case's series file, empty for a case without one.
@@ -199,8 +206,14 @@ struct LinePlotView::Impl
   {
     pipeline.output()->Update();
     vtkTable& shown = *pipeline.output()->GetOutput();
-    caseIds = caseIdsOf(shown);
-    rowOfCase.assign(caseIds);
+    // What follows the shown cases alone is read again only when they change.
+    if (shown.GetMTime() != shownTime)
+    {
+      shownTime = shown.GetMTime();
+      caseIds = caseIdsOf(shown);
+      rowOfCase.assign(caseIds);
+      orderedX.clear();
+    }
     if (mode->value() == LineMode::Response)
       buildResponse(shown);
     else
@@ -213,8 +226,24 @@ struct LinePlotView::Impl
     look = {};
     const Variable xVariable = x->value().lock();
     const Variable yVariable = y->value().lock();
-    const std::vector<double> xs = numbersOf(shown, *project, xVariable, &look.x.categories);
-    const std::vector<double> ys = numbersOf(shown, *project, yVariable, nullptr);
+    // X and the rows in its order stay while X and the shown cases do: a new Y or new groups
+    // cost no sort.
+    const std::string xName = xVariable.isNull() ? std::string() : xVariable.name();
+    if (orderedX != xName || xName.empty())
+    {
+      xValues = numbersOf(shown, *project, xVariable, &xCategories);
+      xOrder = orderByX(xValues);
+      orderedX = xName;
+    }
+    look.x.categories = xCategories;
+    // A numeric Y is read where it lies.
+    auto* yNumbers =
+      yVariable.isNull()
+        ? nullptr
+        : vtkDoubleArray::SafeDownCast(shown.GetColumnByName(yVariable.name().c_str()));
+    const std::vector<double> yCopy =
+      yNumbers ? std::vector<double>() : numbersOf(shown, *project, yVariable, nullptr);
+    const Values ys = yNumbers ? Values(yNumbers->GetPointer(0), caseIds.size()) : Values(yCopy);
     std::vector<vtkAbstractArray*> columns;
     for (const auto& handle : linesBy->value())
     {
@@ -227,7 +256,7 @@ struct LinePlotView::Impl
         }
     }
     const LineGroups groups = lineGroups(columns, caseIds.size());
-    curves = responseCurves(xs, ys, groups, aggregate->value(), band->value(), log());
+    curves = responseCurves(xValues, ys, groups, aggregate->value(), band->value(), log(), &xOrder);
     look.x.title = xVariable.isNull() ? "" : xVariable.name();
     look.y.title = yVariable.isNull() ? "" : yVariable.name();
     look.legend = groups.labels.size() > 1;
