@@ -68,6 +68,14 @@ void ChangesWhileHidden::changed(bool data)
     steps.redraw();
 }
 
+void ChangesWhileHidden::changedLater()
+{
+  dataStale = dataStale || static_cast<bool>(steps.reload);
+  selectionStale = true;
+  if (widget && widget->isVisible() && steps.redraw)
+    steps.redraw();
+}
+
 void ChangesWhileHidden::selectionChanged(const Selection& ids)
 {
   if (dataStale || !widget || !widget->isVisible())

@@ -39,6 +39,8 @@ public:
   /// The data changed (`data`), or only what follows the selection; taken in now if the view is
   /// shown.
   void changed(bool data);
+  /// The data changed; taken in when the view next draws or is asked (catchUp), not now.
+  void changedLater();
   /// A new selection: shown at once when the view is shown and nothing else is pending.
   void selectionChanged(const Selection& ids);
   /// Takes in whatever is pending, shown or not: before the view answers for what it shows.

@@ -3,6 +3,7 @@
 #include "views/line/LineGroups.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 
@@ -114,6 +115,37 @@ bool segmentMeets(double ax,
 
 } // namespace
 
+void CurveSet::add(Curve curve, LogAxes log)
+{
+  const auto widen = [](double& min, double& max, const std::vector<double>& values, bool onLog)
+  {
+    for (double value : values)
+      if (std::isfinite(value) && (!onLog || value > 0))
+      {
+        min = std::min(min, value);
+        max = std::max(max, value);
+      }
+  };
+  for (std::size_t p = 0; p < curve.points(); ++p)
+  {
+    const double x = curve.xAt(p);
+    const double y = curve.yAt(p);
+    if (std::isfinite(x) && (!log.x || x > 0))
+    {
+      bounds.xMin = std::min(bounds.xMin, x);
+      bounds.xMax = std::max(bounds.xMax, x);
+    }
+    if (std::isfinite(y) && (!log.y || y > 0))
+    {
+      bounds.yMin = std::min(bounds.yMin, y);
+      bounds.yMax = std::max(bounds.yMax, y);
+    }
+  }
+  widen(bounds.yMin, bounds.yMax, curve.low, log.y);
+  widen(bounds.yMin, bounds.yMax, curve.high, log.y);
+  curves.push_back(std::move(curve));
+}
+
 std::pair<const std::uint32_t*, const std::uint32_t*> Curve::rowsAt(std::size_t point) const
 {
   if (firstRow.empty())
@@ -199,7 +231,7 @@ CurveSet responseCurves(Values x,
       curve.firstRow.push_back(static_cast<std::uint32_t>(end));
       i = end;
     }
-    set.curves.push_back(std::move(curve));
+    set.add(std::move(curve), log);
   }
   return set;
 }
@@ -209,27 +241,44 @@ void addSeriesCurve(CurveSet& set,
                     std::string label,
                     const std::vector<double>& x,
                     const std::vector<double>& y,
-                    LogAxes log)
+                    LogAxes log,
+                    std::shared_ptr<const void> owner)
 {
   Curve curve;
   curve.label = std::move(label);
   curve.rows = { row };
   const std::size_t samples = std::min(x.size(), y.size());
-  curve.x.reserve(samples);
-  curve.y.reserve(samples);
+  std::size_t missing = 0;
+  std::size_t notPositive = 0;
   for (std::size_t i = 0; i < samples; ++i)
   {
     if (std::isnan(x[i]) || std::isnan(y[i]))
-      ++set.missing;
+      ++missing;
     else if (!placeable(x[i], log.x) || !placeable(y[i], log.y))
-      ++set.notPositive;
-    else
-    {
-      curve.x.push_back(x[i]);
-      curve.y.push_back(y[i]);
-    }
+      ++notPositive;
   }
-  set.curves.push_back(std::move(curve));
+  set.missing += missing;
+  set.notPositive += notPositive;
+  if (owner && missing == 0 && notPositive == 0)
+  {
+    curve.shared = std::move(owner);
+    curve.sharedX = x.data();
+    curve.sharedY = y.data();
+    curve.sharedCount = samples;
+  }
+  else
+  {
+    curve.x.reserve(samples - missing - notPositive);
+    curve.y.reserve(samples - missing - notPositive);
+    for (std::size_t i = 0; i < samples; ++i)
+      if (!std::isnan(x[i]) && !std::isnan(y[i]) && placeable(x[i], log.x) &&
+          placeable(y[i], log.y))
+      {
+        curve.x.push_back(x[i]);
+        curve.y.push_back(y[i]);
+      }
+  }
+  set.add(std::move(curve), log);
 }
 
 double PlotFrame::px(double x) const
@@ -281,8 +330,8 @@ std::vector<std::uint32_t> rowsNear(const CurveSet& set,
     double ay = 0;
     for (std::size_t p = 0; p < curve.points(); ++p)
     {
-      const double bx = frame.px(curve.x[p]);
-      const double by = frame.py(curve.y[p]);
+      const double bx = frame.px(curve.xAt(p));
+      const double by = frame.py(curve.yAt(p));
       // Series are picked along their segments, response curves at their points.
       const double distance =
         series && p > 0 ? distanceToSegment(px, py, ax, ay, bx, by) : std::hypot(px - bx, py - by);
@@ -325,8 +374,8 @@ std::vector<std::uint32_t> rowsThrough(const CurveSet& set,
     double ay = 0;
     for (std::size_t p = 0; p < curve.points(); ++p)
     {
-      const double bx = frame.px(curve.x[p]);
-      const double by = frame.py(curve.y[p]);
+      const double bx = frame.px(curve.xAt(p));
+      const double by = frame.py(curve.yAt(p));
       const bool inside = bx >= x0 && bx <= x1 && by >= y0 && by <= y1;
       if (series ? inside || (p > 0 && segmentMeets(ax, ay, bx, by, x0, y0, x1, y1)) : inside)
       {
@@ -346,40 +395,57 @@ std::vector<std::uint32_t> rowsThrough(const CurveSet& set,
 
 std::vector<std::pair<float, float>> reducedForDrawing(const Curve& curve, const PlotFrame& frame)
 {
+  // The frame's mapping as one multiply and add per value (of its logarithm on a log axis).
+  const auto axis = [](double from, double to, double pixelFrom, double pixelTo, bool log)
+  {
+    const double a = log ? std::log10(from) : from;
+    const double b = log ? std::log10(to) : to;
+    const double scale = (pixelTo - pixelFrom) / (b - a);
+    return std::array<double, 2>{ scale, pixelFrom - a * scale };
+  };
+  const auto [sx, ox] = axis(frame.xMin, frame.xMax, frame.left, frame.right, frame.log.x);
+  const auto [sy, oy] = axis(frame.yMin, frame.yMax, frame.bottom, frame.top, frame.log.y);
+  const bool logX = frame.log.x;
+  const bool logY = frame.log.y;
+  const auto pixelX = [&](double x) { return (logX ? std::log10(x) : x) * sx + ox; };
+  const auto pixelY = [&](double y) { return (logY ? std::log10(y) : y) * sy + oy; };
+
   std::vector<std::pair<float, float>> points;
   const std::size_t n = curve.points();
-  const bool increasing = std::is_sorted(curve.x.begin(), curve.x.end());
+  bool increasing = true;
+  for (std::size_t p = 1; p < n && increasing; ++p)
+    increasing = !(curve.xAt(p) < curve.xAt(p - 1));
   const auto width = static_cast<std::size_t>(std::max(frame.right - frame.left, 1.0));
   if (!increasing || n <= 4 * width)
   {
-    points.reserve(n);
+    points.resize(n);
     for (std::size_t p = 0; p < n; ++p)
-      points.emplace_back(static_cast<float>(frame.px(curve.x[p])),
-                          static_cast<float>(frame.py(curve.y[p])));
+      points[p] = { static_cast<float>(pixelX(curve.xAt(p))),
+                    static_cast<float>(pixelY(curve.yAt(p))) };
     return points;
   }
   points.reserve(4 * width + 4);
   std::size_t p = 0;
   while (p < n)
   {
-    const double column = std::floor(frame.px(curve.x[p]));
+    const double column = std::floor(pixelX(curve.xAt(p)));
     std::size_t end = p;
     std::size_t low = p;
     std::size_t high = p;
-    for (; end < n && std::floor(frame.px(curve.x[end])) == column; ++end)
+    for (; end < n && std::floor(pixelX(curve.xAt(end))) == column; ++end)
     {
-      if (curve.y[end] < curve.y[low])
+      if (curve.yAt(end) < curve.yAt(low))
         low = end;
-      if (curve.y[end] > curve.y[high])
+      if (curve.yAt(end) > curve.yAt(high))
         high = end;
     }
-    std::size_t keep[4] = { p, std::min(low, high), std::max(low, high), end - 1 };
+    const std::size_t keep[4] = { p, std::min(low, high), std::max(low, high), end - 1 };
     std::size_t last = n;
     for (std::size_t k : keep)
       if (k != last)
       {
-        points.emplace_back(static_cast<float>(frame.px(curve.x[k])),
-                            static_cast<float>(frame.py(curve.y[k])));
+        points.emplace_back(static_cast<float>(pixelX(curve.xAt(k))),
+                            static_cast<float>(pixelY(curve.yAt(k))));
         last = k;
       }
     p = end;

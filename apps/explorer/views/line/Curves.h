@@ -4,8 +4,10 @@
 // of cases, or one curve per case from its own series; and what a point or a rectangle of the
 // plot picks of them.
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -37,8 +39,15 @@ struct Curve
   std::string label;
   /// The line's group (its colour among the groups), or -1 for a case's own series.
   int group = -1;
+  /// The points' values, unless the curve reads them where they lie (see `shared`).
   std::vector<double> x;
   std::vector<double> y;
+  /// A run's series read where it lies, without a copy: the table's columns, kept alive by
+  /// `shared` while the curve is.
+  std::shared_ptr<const void> shared;
+  const double* sharedX = nullptr;
+  const double* sharedY = nullptr;
+  std::size_t sharedCount = 0;
   /// The band's low and high value at each point; empty without a band.
   std::vector<double> low;
   std::vector<double> high;
@@ -47,7 +56,9 @@ struct Curve
   std::vector<std::uint32_t> firstRow;
   std::vector<std::uint32_t> rows;
 
-  std::size_t points() const { return x.size(); }
+  std::size_t points() const { return shared ? sharedCount : x.size(); }
+  double xAt(std::size_t point) const { return shared ? sharedX[point] : x[point]; }
+  double yAt(std::size_t point) const { return shared ? sharedY[point] : y[point]; }
   /// The rows behind a point.
   std::pair<const std::uint32_t*, const std::uint32_t*> rowsAt(std::size_t point) const;
 };
@@ -67,6 +78,17 @@ struct CurveSet
   std::size_t missing = 0;
   /// Cases (or samples) with a value at or below zero on a logarithmic axis.
   std::size_t notPositive = 0;
+  /// The smallest and largest X and Y of the curves and their bands (infinite without curves).
+  struct Bounds
+  {
+    double xMin = INFINITY;
+    double xMax = -INFINITY;
+    double yMin = INFINITY;
+    double yMax = -INFINITY;
+  } bounds;
+
+  /// Adds a curve, widening the bounds by its values (those a logarithmic axis can place).
+  void add(Curve curve, LogAxes log);
 };
 
 /// A column of numbers read where it lies: a vector, or a VTK array's memory.
@@ -105,13 +127,15 @@ CurveSet responseCurves(Values x,
                         const std::vector<std::uint32_t>* xOrder = nullptr);
 
 /// A case's own series as a curve of one row, with the samples that lack a value, or that a
-/// logarithmic axis cannot place, left out and counted in `set`.
+/// logarithmic axis cannot place, left out and counted in `set`. With `owner` (what holds x and
+/// y) a series that leaves nothing out is read where it lies, not copied.
 void addSeriesCurve(CurveSet& set,
                     std::uint32_t row,
                     std::string label,
                     const std::vector<double>& x,
                     const std::vector<double>& y,
-                    LogAxes log);
+                    LogAxes log,
+                    std::shared_ptr<const void> owner = nullptr);
 
 /// Where the plot's values lie: a point of the plot maps to a value and back, through a
 /// logarithm on a logarithmic axis.

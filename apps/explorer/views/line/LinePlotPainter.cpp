@@ -27,17 +27,6 @@ QString numberText(double value)
   return QString::number(value, 'g', 6);
 }
 
-// The smallest and largest value of a list, those a logarithmic axis can place.
-void widen(double& min, double& max, const std::vector<double>& values, bool log)
-{
-  for (double value : values)
-    if (std::isfinite(value) && (!log || value > 0))
-    {
-      min = std::min(min, value);
-      max = std::max(max, value);
-    }
-}
-
 // A range with a margin; one value is widened around it.
 void withMargin(double& min, double& max, bool log)
 {
@@ -106,14 +95,10 @@ PlotFrame frameFor(const QSize& size, const CurveSet& set, LogAxes log)
   frame.top = 16;
   frame.right = std::max(size.width() - 16.0, frame.left + 1);
   frame.bottom = std::max(size.height() - 44.0, frame.top + 1);
-  double xMin = INFINITY, xMax = -INFINITY, yMin = INFINITY, yMax = -INFINITY;
-  for (const Curve& curve : set.curves)
-  {
-    widen(xMin, xMax, curve.x, log.x);
-    widen(yMin, yMax, curve.y, log.y);
-    widen(yMin, yMax, curve.low, log.y);
-    widen(yMin, yMax, curve.high, log.y);
-  }
+  double xMin = set.bounds.xMin;
+  double xMax = set.bounds.xMax;
+  double yMin = set.bounds.yMin;
+  double yMax = set.bounds.yMax;
   withMargin(xMin, xMax, log.x);
   withMargin(yMin, yMax, log.y);
   frame.xMin = xMin;
@@ -123,39 +108,56 @@ PlotFrame frameFor(const QSize& size, const CurveSet& set, LogAxes log)
   return frame;
 }
 
-QImage curveDensity(const CurveSet& set,
-                    const PlotFrame& frame,
-                    const QSize& size,
-                    const std::vector<float>& colour,
-                    const std::vector<char>& drawn,
-                    QRgb plain)
+bool CurveDensity::fits(const PlotFrame& frame, const QSize& size) const
 {
-  const int w = std::max(size.width(), 1);
-  const int h = std::max(size.height(), 1);
-  QImage image(w, h, QImage::Format_ARGB32_Premultiplied);
-  image.fill(Qt::transparent);
-  std::vector<float> count(static_cast<std::size_t>(w) * static_cast<std::size_t>(h), 0.f);
-  std::vector<float> colourSum(count.size(), 0.f);
-  std::vector<float> coloured(count.size(), 0.f);
-  const auto mark = [&](int x, int y, float c)
+  return size == countedSize && frame.left == countedFrame.left &&
+         frame.right == countedFrame.right && frame.top == countedFrame.top &&
+         frame.bottom == countedFrame.bottom && frame.xMin == countedFrame.xMin &&
+         frame.xMax == countedFrame.xMax && frame.yMin == countedFrame.yMin &&
+         frame.yMax == countedFrame.yMax && frame.log.x == countedFrame.log.x &&
+         frame.log.y == countedFrame.log.y;
+}
+
+void CurveDensity::reset(const PlotFrame& frame, const QSize& size)
+{
+  countedFrame = frame;
+  countedSize = size;
+  counted = 0;
+  const std::size_t pixels = static_cast<std::size_t>(std::max(size.width(), 1)) *
+                             static_cast<std::size_t>(std::max(size.height(), 1));
+  count.assign(pixels, 0.f);
+  colourSum.assign(pixels, 0.f);
+  coloured.assign(pixels, 0.f);
+}
+
+void CurveDensity::add(const CurveSet& set,
+                       const std::vector<float>& colour,
+                       const std::vector<char>& drawn)
+{
+  const int w = std::max(countedSize.width(), 1);
+  const int h = std::max(countedSize.height(), 1);
+  float* const counts = count.data();
+  float* const sums = colourSum.data();
+  float* const toned = coloured.data();
+  const auto mark = [=](int x, int y, float c)
   {
     if (x < 0 || y < 0 || x >= w || y >= h)
       return;
     const std::size_t pixel =
       static_cast<std::size_t>(y) * static_cast<std::size_t>(w) + static_cast<std::size_t>(x);
-    count[pixel] += 1;
+    counts[pixel] += 1;
     if (!std::isnan(c))
     {
-      colourSum[pixel] += c;
-      coloured[pixel] += 1;
+      sums[pixel] += c;
+      toned[pixel] += 1;
     }
   };
-  for (std::size_t c = 0; c < set.curves.size(); ++c)
+  for (std::size_t c = counted; c < set.curves.size(); ++c)
   {
     if (!drawn.empty() && !drawn[c])
       continue;
     const float tone = c < colour.size() ? colour[c] : NAN;
-    const auto points = reducedForDrawing(set.curves[c], frame);
+    const auto points = reducedForDrawing(set.curves[c], countedFrame);
     if (points.size() == 1)
       mark(static_cast<int>(points[0].first), static_cast<int>(points[0].second), tone);
     // Each segment counts its pixels once; the pixel it shares with the last one is the last's.
@@ -167,16 +169,29 @@ QImage curveDensity(const CurveSet& set,
       const float dy = points[p].second - y0;
       const int steps =
         std::max(1, static_cast<int>(std::ceil(std::max(std::abs(dx), std::abs(dy)))));
-      for (int s = p == 1 ? 0 : 1; s <= steps; ++s)
-      {
-        const float t = static_cast<float>(s) / static_cast<float>(steps);
-        mark(static_cast<int>(x0 + t * dx), static_cast<int>(y0 + t * dy), tone);
-      }
+      const float stepX = dx / static_cast<float>(steps);
+      const float stepY = dy / static_cast<float>(steps);
+      const int first = p == 1 ? 0 : 1;
+      float x = x0 + stepX * static_cast<float>(first);
+      float y = y0 + stepY * static_cast<float>(first);
+      for (int step = first; step <= steps; ++step, x += stepX, y += stepY)
+        mark(static_cast<int>(x), static_cast<int>(y), tone);
     }
   }
+  counted = set.curves.size();
+}
+
+QImage CurveDensity::image(QRgb plain) const
+{
+  const int w = std::max(countedSize.width(), 1);
+  const int h = std::max(countedSize.height(), 1);
+  QImage image(w, h, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  if (count.empty())
+    return image;
   const float most = *std::max_element(count.begin(), count.end());
   const float scale = most > 0 ? 1.f / std::log1p(most) : 0.f;
-  const std::array<QRgb, 256> colours = colourScale();
+  static const std::array<QRgb, 256> colours = colourScale();
   for (int y = 0; y < h; ++y)
   {
     auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
@@ -197,6 +212,19 @@ QImage curveDensity(const CurveSet& set,
   return image;
 }
 
+QImage curveDensity(const CurveSet& set,
+                    const PlotFrame& frame,
+                    const QSize& size,
+                    const std::vector<float>& colour,
+                    const std::vector<char>& drawn,
+                    QRgb plain)
+{
+  CurveDensity density;
+  density.reset(frame, size);
+  density.add(set, colour, drawn);
+  return density.image(plain);
+}
+
 void LinePlotPainter::paint(QPainter& painter,
                             const QSize& size,
                             const CurveSet& set,
@@ -208,14 +236,23 @@ void LinePlotPainter::paint(QPainter& painter,
   drawAxes(painter, frame, look);
   if (!curvesValid || curvesLayer.size() != size)
   {
-    curvesLayer = QImage(size, QImage::Format_ARGB32_Premultiplied);
-    curvesLayer.fill(Qt::transparent);
-    QPainter layer(&curvesLayer);
     if (look.density)
-      layer.drawImage(0, 0, curveDensity(set, frame, size, look.scale, {}, 0xff4682b4));
+    {
+      // Curves added to those counted in the same frame are counted alone.
+      if (!onlyAdded || !density.fits(frame, size) || density.curves() > set.curves.size())
+        density.reset(frame, size);
+      density.add(set, look.scale, {});
+      curvesLayer = density.image(0xff4682b4);
+    }
     else
+    {
+      curvesLayer = QImage(size, QImage::Format_ARGB32_Premultiplied);
+      curvesLayer.fill(Qt::transparent);
+      QPainter layer(&curvesLayer);
       drawCurves(layer, set, frame, look);
+    }
     curvesValid = true;
+    onlyAdded = true;
   }
   painter.drawImage(0, 0, curvesLayer);
   drawSelected(painter, set, frame, selectedRows, size);
@@ -258,9 +295,9 @@ void LinePlotPainter::drawCurves(QPainter& painter,
     {
       QPolygonF band;
       for (std::size_t p = 0; p < curve.points(); ++p)
-        band << QPointF(frame.px(curve.x[p]), frame.py(std::max(curve.high[p], frame.yMin)));
+        band << QPointF(frame.px(curve.xAt(p)), frame.py(std::max(curve.high[p], frame.yMin)));
       for (std::size_t p = curve.points(); p-- > 0;)
-        band << QPointF(frame.px(curve.x[p]), frame.py(std::max(curve.low[p], frame.yMin)));
+        band << QPointF(frame.px(curve.xAt(p)), frame.py(std::max(curve.low[p], frame.yMin)));
       QColor fill = colour;
       fill.setAlpha(45);
       painter.setPen(Qt::NoPen);
@@ -317,7 +354,7 @@ void LinePlotPainter::drawSelected(QPainter& painter,
     {
       const auto [first, end] = curve.rowsAt(p);
       const bool holds = std::any_of(first, end, selected);
-      const QPointF point(frame.px(curve.x[p]), frame.py(curve.y[p]));
+      const QPointF point(frame.px(curve.xAt(p)), frame.py(curve.yAt(p)));
       if (holds)
       {
         painter.setPen(QPen(QColor(selectedColour), 2.0));

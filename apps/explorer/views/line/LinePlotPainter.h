@@ -32,6 +32,33 @@ std::vector<double> ticksOf(double min, double max, bool log);
 /// margin; an axis of one value is widened around it.
 PlotFrame frameFor(const QSize& size, const CurveSet& set, LogAxes log);
 
+/// The curve segments through each pixel of a plot, counted curve by curve so that curves added
+/// to a set in the same frame are counted alone; and the image they make.
+class CurveDensity
+{
+public:
+  /// Whether the counts are of that frame and size.
+  bool fits(const PlotFrame& frame, const QSize& size) const;
+  /// Counts nothing, for a frame and size.
+  void reset(const PlotFrame& frame, const QSize& size);
+  /// Counts the curves of the set not counted yet whose `drawn` flag is set (all when empty);
+  /// `colour` gives each curve's place on the colour scale.
+  void add(const CurveSet& set, const std::vector<float>& colour, const std::vector<char>& drawn);
+  /// The curves counted so far.
+  std::size_t curves() const { return counted; }
+  /// Opacity growing with the logarithm of the count, coloured by the mean of the counted
+  /// curves' colours, `plain` where they have none.
+  QImage image(QRgb plain) const;
+
+private:
+  PlotFrame countedFrame;
+  QSize countedSize;
+  std::size_t counted = 0;
+  std::vector<float> count;
+  std::vector<float> colourSum;
+  std::vector<float> coloured;
+};
+
 /// Curves drawn as a density: the number of curve segments through each pixel, as opacity
 /// growing with its logarithm, coloured by the mean of the curves' colours (`colour` per curve,
 /// 0 to 1 on the colour scale, NaN for `plain`). Only the curves whose `drawn` flag is set, all
@@ -73,7 +100,13 @@ public:
              const PlotFrame& frame,
              const std::vector<char>& selectedRows,
              const Look& look);
-  void curvesChanged() { curvesValid = false; }
+  /// The curves changed, or curves were only added to the end of the set.
+  void curvesChanged()
+  {
+    curvesValid = false;
+    onlyAdded = false;
+  }
+  void curvesAdded() { curvesValid = false; }
 
   /// Where the legend is drawn, empty when there is none.
   static QRectF legendRect(const CurveSet& set, const PlotFrame& frame, const Look& look);
@@ -93,6 +126,8 @@ private:
 
   QImage curvesLayer;
   bool curvesValid = false;
+  bool onlyAdded = false;
+  CurveDensity density;
 };
 
 } // namespace explorer

@@ -30,6 +30,7 @@
 #include <QFormLayout>
 #include <QListWidget>
 #include <QPointer>
+#include <QTimer>
 #include <QToolTip>
 #include <boost/make_shared.hpp>
 #include <vtkDoubleArray.h>
@@ -173,6 +174,12 @@ struct LinePlotView::Impl
   CurveSet curves;
   std::vector<std::string> seriesProblems;
   std::size_t seriesWaiting = 0;
+  // The shown cases whose series was taken in (drawn or named), and the columns drawn.
+  std::vector<char> seriesTaken;
+  std::string seriesXName;
+  std::string seriesYName;
+  bool drawPending = false;
+  const std::array<QRgb, 256> colours = colourScale();
   LinePlotPainter::Look look;
   std::vector<char> selectedRows;
   std::size_t selectedCount = 0;
@@ -308,24 +315,41 @@ struct LinePlotView::Impl
                    canvas,
                    [impl]
                    {
-                     impl->buildSeries();
-                     impl->canvas->update();
+                     impl->takeInSeries();
+                     // While series come in, the plot is drawn again at most every 100 ms: the
+                     // curves that came in since are counted alone, in well under that time.
+                     if (impl->seriesWaiting == 0)
+                       impl->canvas->update();
+                     else if (!impl->drawPending)
+                     {
+                       impl->drawPending = true;
+                       QTimer::singleShot(100,
+                                          impl->canvas,
+                                          [impl]
+                                          {
+                                            impl->drawPending = false;
+                                            impl->canvas->update();
+                                          });
+                     }
                    });
-    buildSeries();
-  }
-
-  // The curves of the series read so far; the others are counted as waiting or named.
-  void buildSeries()
-  {
     curves = {};
     look = {};
     seriesProblems.clear();
+    seriesTaken.assign(caseIds.size(), 0);
+    seriesXName = seriesX->value();
+    seriesYName = seriesY->value();
+    painter.curvesChanged();
+    takeInSeries();
+  }
+
+  // Adds the curves of the series read since the last call; those still to come are counted,
+  // those that cannot be drawn are named.
+  void takeInSeries()
+  {
     seriesWaiting = 0;
-    std::string xName = seriesX->value();
-    std::string yName = seriesY->value();
     for (std::size_t row = 0; row < caseIds.size(); ++row)
     {
-      if (seriesPaths[row].empty())
+      if (seriesPaths[row].empty() || seriesTaken[row])
         continue;
       const SeriesCache::Entry* entry = series.find(seriesPaths[row]);
       if (!entry)
@@ -333,6 +357,7 @@ struct LinePlotView::Impl
         ++seriesWaiting;
         continue;
       }
+      seriesTaken[row] = 1;
       const std::string caseName = "case " + std::to_string(caseIds[row]);
       if (!entry->table)
       {
@@ -341,28 +366,30 @@ struct LinePlotView::Impl
       }
       const SeriesTable& table = *entry->table;
       // Without a choice, the first column is X and the second Y.
-      if (xName.empty() && !table.names.empty())
-        xName = table.names.front();
-      if (yName.empty() && !table.names.empty())
-        yName = table.names.size() > 1 ? table.names[1] : table.names.front();
-      const auto* xs = table.column(xName);
-      const auto* ys = table.column(yName);
+      if (seriesXName.empty() && !table.names.empty())
+        seriesXName = table.names.front();
+      if (seriesYName.empty() && !table.names.empty())
+        seriesYName = table.names.size() > 1 ? table.names[1] : table.names.front();
+      const auto* xs = table.column(seriesXName);
+      const auto* ys = table.column(seriesYName);
       if (!xs || !ys)
       {
         seriesProblems.push_back(caseName + ": " + seriesPaths[row] + " has no column \"" +
-                                 (xs ? yName : xName) + "\"");
+                                 (xs ? seriesYName : seriesXName) + "\"");
         continue;
       }
-      addSeriesCurve(curves, static_cast<std::uint32_t>(row), caseName, *xs, *ys, log());
-      look.colours.push_back(colourOfRow[row] == colourOfRow[row]
-                               ? colourScale()[static_cast<std::size_t>(
-                                   std::clamp(static_cast<int>(colourOfRow[row] * 255), 0, 255))]
-                               : 0xff4682b4);
-      look.scale.push_back(colourOfRow[row]);
+      addSeriesCurve(
+        curves, static_cast<std::uint32_t>(row), caseName, *xs, *ys, log(), entry->table);
+      const float tone = colourOfRow[row];
+      look.colours.push_back(
+        std::isnan(tone)
+          ? 0xff4682b4
+          : colours[static_cast<std::size_t>(std::clamp(static_cast<int>(tone * 255), 0, 255))]);
+      look.scale.push_back(tone);
     }
-    look.x.title = xName;
-    look.y.title = yName;
-    painter.curvesChanged();
+    look.x.title = seriesXName;
+    look.y.title = seriesYName;
+    painter.curvesAdded();
   }
 
   void select(const std::set<unsigned long long>& ids)
@@ -451,8 +478,8 @@ struct LinePlotView::Impl
            << (rows.size() == 1 ? " case (" + std::to_string(caseIds[rows.front()]) + ")"
                                 : " cases");
     text << "\n"
-         << look.x.title << " = " << hit.x[point] << "\n"
-         << look.y.title << " = " << hit.y[point];
+         << look.x.title << " = " << hit.xAt(point) << "\n"
+         << look.y.title << " = " << hit.yAt(point);
     QToolTip::showText(canvas->mapToGlobal(at), QString::fromStdString(text.str()), canvas);
   }
 };
@@ -565,7 +592,9 @@ LinePlotView::LinePlotView(const ViewContext& context)
     ChangesWhileHidden::Steps{ [impl] { impl->reload(); },
                                [impl](const auto& ids) { impl->select(ids); },
                                [impl] { impl->canvas->update(); } });
-  const auto reload = [impl] { impl->changes->changed(true); };
+  // A change is taken in when the plot is next drawn or asked about: a setting that signals
+  // twice, or several changes in one step, cost one reading.
+  const auto reload = [impl] { impl->changes->changedLater(); };
   connections().add(context.pipeline->connectSignalPipelineChanged(reload));
   for (const auto& property :
        std::initializer_list<plexa::PropertyItemInterface*>{ d->mode.get(),
@@ -740,7 +769,9 @@ QPoint LinePlotView::pointOf(std::size_t curve, std::size_t point) const
   d->changes->catchUp();
   const PlotFrame frame = d->frame();
   const Curve& c = d->curves.curves.at(curve);
-  return QPointF(frame.px(c.x.at(point)), frame.py(c.y.at(point))).toPoint();
+  if (point >= c.points())
+    throw std::out_of_range("no such point of the curve");
+  return QPointF(frame.px(c.xAt(point)), frame.py(c.yAt(point))).toPoint();
 }
 
 bool LinePlotView::drawsDensity() const
@@ -753,6 +784,12 @@ std::vector<std::string> LinePlotView::notes() const
 {
   d->changes->catchUp();
   return d->notes();
+}
+
+bool LinePlotView::working() const
+{
+  d->changes->catchUp();
+  return d->series.pending() > 0 || d->seriesWaiting > 0;
 }
 
 std::size_t LinePlotView::seriesPending() const

@@ -51,7 +51,8 @@ public:
   std::vector<SettingsSection> settingsSections(PropertyEditors& editors) override;
   std::string selectionSummary() const override;
   void refresh() override;
-  bool working() const override { return seriesPending() > 0; }
+  /// Whether series are still to be read or drawn.
+  bool working() const override;
 
   boost::shared_ptr<plexa::PropertyAbstract<LineMode>> mode() const;
   boost::shared_ptr<plexa::PropertyAbstract<WeakPtr<Variable>>> xVariable() const;
