@@ -11,6 +11,7 @@
 #include <vtkNew.h>
 #include <vtkStringArray.h>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace explorer;
@@ -84,6 +85,27 @@ TEST(LineGroups, SplitTheCasesByValuesIntervalsAndPairs)
   const LineGroups none = lineGroups({}, 3);
   EXPECT_EQ(none.labels.size(), 1u);
   EXPECT_EQ(none.groupOfRow, (std::vector<int>{ 0, 0, 0 }));
+}
+
+TEST(LineGroups, AContinuousXIsCutIntoIntervalsAndASweepIsNot)
+{
+  std::vector<double> sweep = { 15, 25, 35, 15, NAN, 25 };
+  EXPECT_FALSE(intoIntervals(sweep, 4));
+  EXPECT_EQ(sweep[0], 15);
+
+  std::vector<double> continuous;
+  for (int i = 0; i < 100; ++i)
+    continuous.push_back(0.013 * i + 0.004); // 0.004 to 1.291
+  continuous.push_back(NAN);
+  ASSERT_TRUE(intoIntervals(continuous, 24));
+  std::vector<double> middles = continuous;
+  middles.pop_back();
+  std::sort(middles.begin(), middles.end());
+  middles.erase(std::unique(middles.begin(), middles.end()), middles.end());
+  EXPECT_LE(middles.size(), 24u);
+  EXPECT_GT(middles.size(), 10u) << "not too coarse";
+  EXPECT_DOUBLE_EQ(continuous[0], 0.05) << "0.004 in [0, 0.1): steps of 0.05 would make 26";
+  EXPECT_TRUE(std::isnan(continuous.back())) << "a missing X stays missing";
 }
 
 TEST(ResponseCurves, AggregateTheCasesOfALineAndAnXWithTheirBand)

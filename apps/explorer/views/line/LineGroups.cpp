@@ -12,6 +12,7 @@
 #include <sstream>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace explorer
 {
@@ -153,6 +154,32 @@ ColumnGroups groupsOf(vtkAbstractArray& column)
     missing,
     [&edges](std::size_t i)
     { return "[" + numberText(edges[i]) + ", " + numberText(edges[i + 1]) + ")"; });
+}
+
+bool intoIntervals(std::vector<double>& x, std::size_t most)
+{
+  std::unordered_set<double> seen;
+  double min = INFINITY;
+  double max = -INFINITY;
+  for (double value : x)
+    if (std::isfinite(value))
+    {
+      if (seen.size() <= most)
+        seen.insert(value);
+      min = std::min(min, value);
+      max = std::max(max, value);
+    }
+  if (seen.size() <= most)
+    return false;
+  const std::vector<double> edges = niceEdges(min, max, most);
+  for (double& value : x)
+    if (std::isfinite(value))
+    {
+      const auto i = static_cast<std::size_t>(std::upper_bound(edges.begin(), edges.end(), value) -
+                                              edges.begin() - 1);
+      value = (edges[i] + edges[i + 1]) / 2;
+    }
+  return true;
 }
 
 LineGroups lineGroups(const std::vector<vtkAbstractArray*>& columns, std::size_t rows)

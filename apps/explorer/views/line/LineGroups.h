@@ -37,6 +37,12 @@ ColumnGroups groupsOf(vtkAbstractArray& column);
 /// a multiple of the step at or below min to one above max.
 std::vector<double> niceEdges(double min, double max, std::size_t most);
 
+/// A continuous X of a response curve, cut into at most `most` intervals on nice numbers: each
+/// value becomes its interval's middle, so that the cases of an interval make one point with
+/// their spread, instead of a line through every case. An X of at most `most` values (a sweep) is
+/// left as it is; the result says whether it was cut.
+bool intoIntervals(std::vector<double>& x, std::size_t most);
+
 /// The groups of the rows by the columns given (none, one or two), only the combinations the
 /// rows hold, in the order of the first column's groups, then the second's.
 LineGroups lineGroups(const std::vector<vtkAbstractArray*>& columns, std::size_t rows);

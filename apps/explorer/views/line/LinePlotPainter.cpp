@@ -298,8 +298,9 @@ void LinePlotPainter::drawCurves(QPainter& painter,
         band << QPointF(frame.px(curve.xAt(p)), frame.py(std::max(curve.high[p], frame.yMin)));
       for (std::size_t p = curve.points(); p-- > 0;)
         band << QPointF(frame.px(curve.xAt(p)), frame.py(std::max(curve.low[p], frame.yMin)));
+      // Bands of many lines overlap: each lighter, so that they do not darken to mud.
       QColor fill = colour;
-      fill.setAlpha(45);
+      fill.setAlpha(set.curves.size() <= 3 ? 45 : 22);
       painter.setPen(Qt::NoPen);
       painter.setBrush(fill);
       painter.drawPolygon(band);

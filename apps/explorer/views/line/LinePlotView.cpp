@@ -40,6 +40,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <sstream>
 
 namespace explorer
@@ -49,6 +50,10 @@ namespace
 {
 
 using VariableList = std::vector<WeakPtr<Variable>>;
+
+// A continuous X is cut into at most this many intervals: enough for the shape of a response,
+// few enough that each point has cases to aggregate.
+constexpr std::size_t xIntervalsAtMost = 24;
 
 template<typename T>
 boost::shared_ptr<plexa::UndoablePropertyProxy<T>> undoable(const std::string& name, T value)
@@ -166,6 +171,8 @@ struct LinePlotView::Impl
   std::vector<double> xValues;
   std::vector<std::string> xCategories;
   std::vector<std::uint32_t> xOrder;
+  // Whether a continuous X was cut into intervals, each a point of the curves.
+  bool xInIntervals = false;
   CaseRowIndex rowOfCase;
   std::vector<float> colourOfRow;
   // Each shown case's series file, empty for a case without one.
@@ -238,7 +245,19 @@ struct LinePlotView::Impl
     const std::string xName = xVariable.isNull() ? std::string() : xVariable.name();
     if (orderedX != xName || xName.empty())
     {
-      xValues = numbersOf(shown, *project, xVariable, &xCategories);
+      xCategories.clear();
+      if (xVariable.isNull())
+      {
+        // Without X, the cases in their order, as the scatter plot shows them.
+        xValues.resize(caseIds.size());
+        std::iota(xValues.begin(), xValues.end(), 1.0);
+        xInIntervals = false;
+      }
+      else
+      {
+        xValues = numbersOf(shown, *project, xVariable, &xCategories);
+        xInIntervals = xCategories.empty() && intoIntervals(xValues, xIntervalsAtMost);
+      }
       xOrder = orderByX(xValues);
       orderedX = xName;
     }
@@ -264,7 +283,8 @@ struct LinePlotView::Impl
     }
     const LineGroups groups = lineGroups(columns, caseIds.size());
     curves = responseCurves(xValues, ys, groups, aggregate->value(), band->value(), log(), &xOrder);
-    look.x.title = xVariable.isNull() ? "" : xVariable.name();
+    look.x.title = xVariable.isNull() ? "case order"
+                                      : xVariable.name() + (xInIntervals ? " (in intervals)" : "");
     look.y.title = yVariable.isNull() ? "" : yVariable.name();
     look.legend = groups.labels.size() > 1;
     for (const Curve& curve : curves.curves)
