@@ -36,7 +36,7 @@ constexpr int samplesPerSeries = 1000;
 // A study of `runs` cases, each with a series file of 1,000 samples (t, y, z).
 std::string seriesStudy(long long runs)
 {
-  const std::string folder = bench::dataFolder() + "/line-series-" + std::to_string(runs);
+  std::string folder = bench::dataFolder() + "/line-series-" + std::to_string(runs);
   if (QDir(QString::fromStdString(folder)).exists("auxfiles.csv"))
     return folder;
   QDir().mkpath(QString::fromStdString(folder + "/series"));
@@ -51,7 +51,10 @@ std::string seriesStudy(long long runs)
     cases << id << ',' << rate << ',' << phase << '\n';
     const std::string path = "series/" + std::to_string(id) + ".csv";
     files << id << ',' << path << ",series:signal\n";
-    std::ofstream series(folder + "/" + path);
+    std::string file = folder;
+    file += '/';
+    file += path;
+    std::ofstream series(file);
     series << "t,y,z\n";
     for (int i = 0; i < samplesPerSeries; ++i)
     {
@@ -65,7 +68,8 @@ std::string seriesStudy(long long runs)
 std::string responseStudy(long long runs)
 {
   explorer::SampleStudyOptions options;
-  options.folder = bench::dataFolder() + "/explorer-" + std::to_string(runs);
+  options.folder = bench::dataFolder();
+  options.folder += "/explorer-" + std::to_string(runs);
   options.runs = static_cast<int>(runs);
   options.images = false;
   if (!QDir(QString::fromStdString(options.folder)).exists("cases.csv"))

@@ -21,7 +21,7 @@ bool placeable(double value, bool log)
 // One point of a response curve from the Y values of the rows that share it.
 void aggregateInto(Curve& curve, double x, std::vector<double>& ys, Aggregate aggregate, Band band)
 {
-  const double n = static_cast<double>(ys.size());
+  const auto n = static_cast<double>(ys.size());
   const double mean = std::accumulate(ys.begin(), ys.end(), 0.0) / n;
   const auto [lowest, highest] = std::minmax_element(ys.begin(), ys.end());
   const double min = *lowest;
@@ -403,8 +403,14 @@ std::vector<std::pair<float, float>> reducedForDrawing(const Curve& curve, const
     const double scale = (pixelTo - pixelFrom) / (b - a);
     return std::array<double, 2>{ scale, pixelFrom - a * scale };
   };
-  const auto [sx, ox] = axis(frame.xMin, frame.xMax, frame.left, frame.right, frame.log.x);
-  const auto [sy, oy] = axis(frame.yMin, frame.yMax, frame.bottom, frame.top, frame.log.y);
+  const std::array<double, 2> xMap =
+    axis(frame.xMin, frame.xMax, frame.left, frame.right, frame.log.x);
+  const std::array<double, 2> yMap =
+    axis(frame.yMin, frame.yMax, frame.bottom, frame.top, frame.log.y);
+  const double sx = xMap[0];
+  const double ox = xMap[1];
+  const double sy = yMap[0];
+  const double oy = yMap[1];
   const bool logX = frame.log.x;
   const bool logY = frame.log.y;
   const auto pixelX = [&](double x) { return (logX ? std::log10(x) : x) * sx + ox; };

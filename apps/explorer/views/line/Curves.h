@@ -81,10 +81,10 @@ struct CurveSet
   /// The smallest and largest X and Y of the curves and their bands (infinite without curves).
   struct Bounds
   {
-    double xMin = INFINITY;
-    double xMax = -INFINITY;
-    double yMin = INFINITY;
-    double yMax = -INFINITY;
+    double xMin = std::numeric_limits<double>::infinity();
+    double xMax = -std::numeric_limits<double>::infinity();
+    double yMin = std::numeric_limits<double>::infinity();
+    double yMax = -std::numeric_limits<double>::infinity();
   } bounds;
 
   /// Adds a curve, widening the bounds by its values (those a logarithmic axis can place).

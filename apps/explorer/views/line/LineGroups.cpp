@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <numeric>
 #include <sstream>
@@ -135,8 +136,8 @@ ColumnGroups groupsOf(vtkAbstractArray& column)
       rows, [values](std::size_t row) { return values[row]; }, missing, numberText);
 
   // A continuous variable: its values by interval, the intervals' numbers as keys.
-  double min = INFINITY;
-  double max = -INFINITY;
+  double min = std::numeric_limits<double>::infinity();
+  double max = -std::numeric_limits<double>::infinity();
   for (std::size_t row = 0; row < rows; ++row)
     if (!missing(row))
     {
@@ -159,8 +160,8 @@ ColumnGroups groupsOf(vtkAbstractArray& column)
 bool intoIntervals(std::vector<double>& x, std::size_t most)
 {
   std::unordered_set<double> seen;
-  double min = INFINITY;
-  double max = -INFINITY;
+  double min = std::numeric_limits<double>::infinity();
+  double max = -std::numeric_limits<double>::infinity();
   for (double value : x)
     if (std::isfinite(value))
     {
@@ -197,21 +198,24 @@ LineGroups lineGroups(const std::vector<vtkAbstractArray*>& columns, std::size_t
 
   // Two variables: the pairs the rows hold, in the order of the first, then the second.
   const ColumnGroups second = groupsOf(*columns[1]);
-  const auto width = static_cast<int>(second.labels.size());
-  std::vector<int> pairIndex(first.labels.size() * second.labels.size(), -1);
+  const std::size_t width = second.labels.size();
+  const auto pairOf = [&](std::size_t row)
+  {
+    return static_cast<std::size_t>(first.groupOfRow[row]) * width +
+           static_cast<std::size_t>(second.groupOfRow[row]);
+  };
+  std::vector<int> pairIndex(first.labels.size() * width, -1);
   for (std::size_t row = 0; row < rows; ++row)
-    pairIndex[static_cast<std::size_t>(first.groupOfRow[row] * width + second.groupOfRow[row])] = 0;
+    pairIndex[pairOf(row)] = 0;
   for (std::size_t pair = 0; pair < pairIndex.size(); ++pair)
     if (pairIndex[pair] == 0)
     {
       pairIndex[pair] = static_cast<int>(groups.labels.size());
-      groups.labels.push_back(first.labels[pair / static_cast<std::size_t>(width)] + ", " +
-                              second.labels[pair % static_cast<std::size_t>(width)]);
+      groups.labels.push_back(first.labels[pair / width] + ", " + second.labels[pair % width]);
     }
   groups.groupOfRow.resize(rows);
   for (std::size_t row = 0; row < rows; ++row)
-    groups.groupOfRow[row] =
-      pairIndex[static_cast<std::size_t>(first.groupOfRow[row] * width + second.groupOfRow[row])];
+    groups.groupOfRow[row] = pairIndex[pairOf(row)];
   return groups;
 }
 

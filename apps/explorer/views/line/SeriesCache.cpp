@@ -25,9 +25,9 @@ std::size_t bytesOf(const SeriesTable& table)
 {
   std::size_t bytes = sizeof(SeriesTable);
   for (const auto& column : table.columns)
-    bytes += column.capacity() * sizeof(double) + sizeof(column);
+    bytes += column.capacity() * sizeof(double) + sizeof(std::vector<double>);
   for (const auto& name : table.names)
-    bytes += name.capacity() + sizeof(name);
+    bytes += name.capacity() + sizeof(std::string);
   return bytes;
 }
 
@@ -145,7 +145,7 @@ struct SeriesCache::Impl
     {
       entry.table.reset();
       entry.error = path + ": not kept, the series memory budget (" +
-                    std::to_string(budget / (1024 * 1024)) + " MB) is spent";
+                    std::to_string(budget / (std::size_t{ 1024 } * 1024)) + " MB) is spent";
     }
     const std::size_t size = entry.table ? bytes : path.size() + entry.error.size();
     kept[path] = { std::move(entry), size, requests };

@@ -23,7 +23,7 @@ namespace explorer
 class SeriesCache
 {
 public:
-  static constexpr std::size_t defaultBudget = 512u * 1024 * 1024;
+  static constexpr std::size_t defaultBudget = std::size_t{ 512 } * 1024 * 1024;
 
   struct Entry
   {

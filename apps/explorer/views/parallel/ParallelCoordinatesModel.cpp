@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace explorer
 {
@@ -56,8 +57,8 @@ ParallelAxis readAxis(vtkTable& shown,
     if (log && !(axis.min > 0))
     {
       // The range of the study's values above zero, so that the axis stays as filters change.
-      axis.min = INFINITY;
-      axis.max = -INFINITY;
+      axis.min = std::numeric_limits<double>::infinity();
+      axis.max = -std::numeric_limits<double>::infinity();
       if (const auto* all = project.numericValues(variable))
         for (double value : *all)
           if (value > 0)

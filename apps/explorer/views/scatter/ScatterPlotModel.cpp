@@ -206,7 +206,9 @@ double ScatterPlotModel::halfGap(const Variable& variable) const
     if (!std::isnan(value) && std::find(distinct.begin(), distinct.end(), value) == distinct.end())
       distinct.push_back(value);
   const auto range = variable.range();
-  return distinct.size() < 2 ? 0 : (range.second - range.first) / (2.0 * (distinct.size() - 1));
+  return distinct.size() < 2
+           ? 0
+           : (range.second - range.first) / (2.0 * static_cast<double>(distinct.size() - 1));
 }
 
 bool ScatterPlotModel::axisRange(double min,

@@ -264,7 +264,8 @@ void ScatterPlotScene::showPoints(vtkSmartPointer<vtkTable> table,
     drawing::asDensity(drawing, static_cast<std::size_t>(rows), drawing::pointsAsDensityAbove));
 }
 
-void ScatterPlotScene::setCaseNames(std::function<bool(long long, unsigned long long&)> caseOfKey)
+void ScatterPlotScene::setCaseNames(
+  const std::function<bool(long long, unsigned long long&)>& caseOfKey)
 {
   for (vtkDensityPlotPoints* plot :
        { d->points.Get(), d->selectedRing.Get(), d->selectedFill.Get() })

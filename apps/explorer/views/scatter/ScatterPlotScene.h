@@ -46,7 +46,8 @@ public:
                   const std::string& x,
                   const std::string& y,
                   Drawing drawing);
-  void setCaseNames(std::function<bool(long long key, unsigned long long& caseId)> caseOfKey);
+  void setCaseNames(
+    const std::function<bool(long long key, unsigned long long& caseId)>& caseOfKey);
   /// Draws the points' selection (the plot's selected rows): ringed markers over the others,
   /// coloured by `colour` when not empty; a dark density, or darker markers, when many.
   void showSelection(const std::string& colour);
