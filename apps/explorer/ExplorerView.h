@@ -53,6 +53,8 @@ struct ViewContext
   std::shared_ptr<CaseOrder> order;
   /// Whether each variable is an input or an output, as the study or the user said.
   std::shared_ptr<VariableRoles> roles;
+  /// Plots Y against X in the scatter plot, as one undo step.
+  std::function<void(const WeakPtr<Variable>& x, const WeakPtr<Variable>& y)> plotInScatter;
 };
 
 /// Brings the first selected item of a table into sight once control returns to the event loop

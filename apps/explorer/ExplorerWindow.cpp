@@ -24,6 +24,7 @@
 #include "dataviews/DataViewVisitorAbstract.h"
 #include "images/ImageCache.h"
 #include "signals/SignalConnectionCollection.h"
+#include "views/scatter/ScatterPlotView.h"
 
 #include "properties/PropertyAbstract.h"
 
@@ -196,6 +197,17 @@ void ExplorerWindow::keepSession()
     qWarning("explorer: %s", qUtf8Printable(error));
 }
 
+void ExplorerWindow::plotInScatter(const WeakPtr<Variable>& x, const WeakPtr<Variable>& y)
+{
+  auto* scatter = view<ScatterPlotView>();
+  if (!scatter || x.lock().isNull() || y.lock().isNull())
+    return;
+  const UndoStack::Macro step(
+    QString::fromStdString("Plot " + y.lock().name() + " against " + x.lock().name()));
+  scatter->xVariable()->setValue(x);
+  scatter->yVariable()->setValue(y);
+}
+
 void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
 {
   keepSession();
@@ -217,7 +229,9 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
                              keys,
                              d->files,
                              std::make_shared<CaseOrder>(keys),
-                             d->roles };
+                             d->roles,
+                             [this](const WeakPtr<Variable>& x, const WeakPtr<Variable>& y)
+                             { plotInScatter(x, y); } };
   // What the views set up for themselves is where the history starts, not a step in it.
   const UndoStack::SuspendUndoRecording startingUp;
   for (const ViewKind& kind : viewKinds())
@@ -307,6 +321,11 @@ void ExplorerWindow::showMissingFiles()
   std::size_t urls = 0;
   d->files->countMissing(*d->project, missing, urls);
   d->status->showMissingFiles(missing, urls, d->project->auxFiles().size());
+}
+
+VariableRoles& ExplorerWindow::roles() const
+{
+  return *d->roles;
 }
 
 FileLocator& ExplorerWindow::files() const

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "datamanagement/Variable.h"
+#include "datamanagement/WeakPtr.h"
+
 #include <QMainWindow>
 
 #include <memory>
@@ -17,6 +20,7 @@ namespace explorer
 
 class ExplorerView;
 class FileLocator;
+class VariableRoles;
 
 /// The explorer's main window: one view of each registered kind over one study, linked by one
 /// master selection, with the settings panel at the side.
@@ -65,10 +69,14 @@ public:
 
   /// Where the study's files are found on this machine.
   FileLocator& files() const;
+  /// Whether each variable is an input or an output.
+  VariableRoles& roles() const;
 
   /// How File > Open rewrites the paths of Cinema databases written elsewhere.
   void setPathRebases(std::vector<PathRebase> rebases);
   const std::vector<PathRebase>& pathRebases() const;
+  /// Plots Y against X in the scatter plot, as one undo step.
+  void plotInScatter(const WeakPtr<Variable>& x, const WeakPtr<Variable>& y);
   /// A message in the status bar for a while.
   void showMessage(const QString& message);
 

@@ -4,6 +4,7 @@
 #include "views/ImageMatrixView.h"
 #include "views/SelectedCasesView.h"
 #include "views/SelectedImageView.h"
+#include "views/importance/ImportanceView.h"
 #include "views/line/LinePlotView.h"
 #include "views/parallel/ParallelCoordinatesView.h"
 #include "views/scatter/ScatterPlotView.h"
@@ -35,8 +36,8 @@ const std::vector<ViewKind>& viewKinds()
     kind<ScatterPlotView>(ViewArea::Main, 1),   kind<CasesTableView>(ViewArea::Side, 2),
     kind<ImageMatrixView>(ViewArea::Side, 4),   kind<ParallelCoordinatesView>(ViewArea::Tabs, 4),
     kind<LinePlotView>(ViewArea::Tabs, 4),      kind<ScatterPlot3DView>(ViewArea::Tabs, 3),
-    kind<SelectedCasesView>(ViewArea::Tabs, 3), kind<SelectedImageView>(ViewArea::Tabs, 3),
-    kind<ImageDiffView>(ViewArea::Tabs, 3),
+    kind<ImportanceView>(ViewArea::Tabs, 3),    kind<SelectedCasesView>(ViewArea::Tabs, 3),
+    kind<SelectedImageView>(ViewArea::Tabs, 3), kind<ImageDiffView>(ViewArea::Tabs, 3),
   };
   return kinds;
 }

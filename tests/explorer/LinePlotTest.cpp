@@ -3,8 +3,7 @@
 // or a density), edits are undo steps saved with the settings, and each run's series is read
 // from its file, a broken file named with its case.
 
-#include "ExplorerWindow.h"
-#include "SampleStudy.h"
+#include "SampleWindow.h"
 #include "views/line/LinePlotView.h"
 
 #include "analyzer_common/SelectionModel.h"
@@ -32,37 +31,23 @@ using testsupport::TemporaryFolder;
 namespace
 {
 
-class LinePlotTest : public ::testing::Test
+class LinePlotTest : public testsupport::SampleWindow
 {
 protected:
   static void SetUpTestSuite()
   {
-    testsupport::keepGraphicsDriverLoaded();
-    study = new TemporaryFolder;
-    explorer::SampleStudyOptions options;
-    options.folder = study->path();
-    options.runs = 48;
-    explorer::writeSampleStudy(options);
     // One run's series is spoilt: text where a number belongs.
-    std::ofstream(study->path() + "/series/1005_flight.csv")
-      << "time,x,y,speed\n0,0,0,1\n1,2,high,1\n";
-  }
-  static void TearDownTestSuite()
-  {
-    delete study;
-    study = nullptr;
+    writeStudy(48,
+               [](const std::string& folder) {
+                 std::ofstream(folder + "/series/1005_flight.csv")
+                   << "time,x,y,speed\n0,0,0,1\n1,2,high,1\n";
+               });
   }
 
   void SetUp() override
   {
-    window = std::make_unique<ExplorerWindow>();
-    window->showStudy(readStudy(study->path()));
-    window->resize(1400, 900);
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    openWith([](ExplorerWindow& w) { return w.view<LinePlotView>()->widget(); });
     line = window->view<LinePlotView>();
-    window->findChild<QTabWidget*>("viewTabs")->setCurrentWidget(line->widget());
-    UndoStack().clear();
   }
 
   void waitForSeries()
@@ -82,12 +67,8 @@ protected:
     return window->selection().getSelections();
   }
 
-  static TemporaryFolder* study;
-  std::unique_ptr<ExplorerWindow> window;
   LinePlotView* line = nullptr;
 };
-
-TemporaryFolder* LinePlotTest::study = nullptr;
 
 } // namespace
 

@@ -48,6 +48,11 @@ class ParallelCoordinatesInterface : public virtual DataViewInterface
 {
 };
 
+/// Which inputs drive an output: a kind of the explorer's own.
+class ImportanceInterface : public virtual DataViewInterface
+{
+};
+
 /// A visitor that also tells the explorer's own kinds apart. A view of such a kind visits an
 /// ExplorerViewVisitor through its own overload; any other visitor sees nothing of it, as the
 /// library's visitor has no overload for it.
@@ -56,6 +61,7 @@ class ExplorerViewVisitor : public DataViewVisitorAbstract
 public:
   using DataViewVisitorAbstract::visit;
   virtual void visit(boost::shared_ptr<ParallelCoordinatesInterface>) { visitAnyViewType(); }
+  virtual void visit(boost::shared_ptr<ImportanceInterface>) { visitAnyViewType(); }
 };
 
 /// Calls the visitor's overload of a view's kind.
@@ -67,6 +73,13 @@ void visitKind(DataViewVisitorInterface& visitor, boost::shared_ptr<Kind> view)
 
 inline void visitKind(DataViewVisitorInterface& visitor,
                       boost::shared_ptr<ParallelCoordinatesInterface> view)
+{
+  if (auto* explorerVisitor = dynamic_cast<ExplorerViewVisitor*>(&visitor))
+    explorerVisitor->visit(std::move(view));
+}
+
+inline void visitKind(DataViewVisitorInterface& visitor,
+                      boost::shared_ptr<ImportanceInterface> view)
 {
   if (auto* explorerVisitor = dynamic_cast<ExplorerViewVisitor*>(&visitor))
     explorerVisitor->visit(std::move(view));
