@@ -102,10 +102,8 @@ TEST(ParallelCoordinatesModel, AClickFindsTheNearestLineAndTheDensityShowsEveryL
             -1)
     << "nothing within 5 pixels";
 
-  std::array<QRgb, 256> colours{};
-  colours.fill(qRgb(0, 0, 255));
   const QImage density =
-    explorer::lineDensity(lines.model.axes(), nullptr, nullptr, at, colours, qRgb(200, 0, 0));
+    explorer::lineDensity(lines.model.axes(), nullptr, nullptr, at, qRgb(200, 0, 0));
   ASSERT_EQ(density.size(), QSize(400, 300));
   int drawn = 0;
   for (int y = 0; y < density.height(); ++y)

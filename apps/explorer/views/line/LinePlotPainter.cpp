@@ -183,33 +183,7 @@ void CurveDensity::add(const CurveSet& set,
 
 QImage CurveDensity::image(QRgb plain) const
 {
-  const int w = std::max(countedSize.width(), 1);
-  const int h = std::max(countedSize.height(), 1);
-  QImage image(w, h, QImage::Format_ARGB32_Premultiplied);
-  image.fill(Qt::transparent);
-  if (count.empty())
-    return image;
-  const float most = *std::max_element(count.begin(), count.end());
-  const float scale = most > 0 ? 1.f / std::log1p(most) : 0.f;
-  static const std::array<QRgb, 256> colours = colourScale();
-  for (int y = 0; y < h; ++y)
-  {
-    auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-    for (int x = 0; x < w; ++x)
-    {
-      const std::size_t pixel =
-        static_cast<std::size_t>(y) * static_cast<std::size_t>(w) + static_cast<std::size_t>(x);
-      if (count[pixel] == 0)
-        continue;
-      const QRgb rgb = coloured[pixel] > 0
-                         ? colours[static_cast<std::size_t>(std::clamp(
-                             static_cast<int>(colourSum[pixel] / coloured[pixel] * 255), 0, 255))]
-                         : plain;
-      const int alpha = static_cast<int>(255 * (0.2f + 0.8f * std::log1p(count[pixel]) * scale));
-      line[x] = qPremultiply(qRgba(qRed(rgb), qGreen(rgb), qBlue(rgb), alpha));
-    }
-  }
-  return image;
+  return densityImage(countedSize.width(), countedSize.height(), count, colourSum, coloured, plain);
 }
 
 QImage curveDensity(const CurveSet& set,

@@ -1,5 +1,7 @@
 #include "views/parallel/LineDensity.h"
 
+#include "views/ColourScale.h"
+
 #include "views/parallel/ParallelCoordinatesModel.h"
 #include "views/parallel/ParallelCoordinatesPainter.h"
 
@@ -13,7 +15,6 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
                    const std::vector<float>* colour,
                    const std::vector<int>* rows,
                    const ParallelLayout& layout,
-                   const std::array<QRgb, 256>& colours,
                    QRgb plain)
 {
   constexpr int binHeight = 2;
@@ -74,25 +75,7 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
       }
     }
   }
-  const float most = *std::max_element(count.begin(), count.end());
-  const float scale = most > 0 ? 1.f / std::log1p(most) : 0.f;
-  for (int y = 0; y < h; ++y)
-  {
-    auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-    for (int x = 0; x < w; ++x)
-    {
-      const std::size_t pixel = static_cast<std::size_t>(y) * w + static_cast<std::size_t>(x);
-      if (count[pixel] == 0)
-        continue;
-      const QRgb rgb = coloured[pixel] > 0
-                         ? colours[static_cast<std::size_t>(std::clamp(
-                             static_cast<int>(colourSum[pixel] / coloured[pixel] * 255), 0, 255))]
-                         : plain;
-      const int alpha = static_cast<int>(255 * (0.25f + 0.75f * std::log1p(count[pixel]) * scale));
-      line[x] = qPremultiply(qRgba(qRed(rgb), qGreen(rgb), qBlue(rgb), alpha));
-    }
-  }
-  return image;
+  return densityImage(w, h, count, colourSum, coloured, plain);
 }
 
 } // namespace explorer

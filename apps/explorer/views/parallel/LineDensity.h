@@ -3,7 +3,6 @@
 #include <QImage>
 #include <QRgb>
 
-#include <array>
 #include <vector>
 
 namespace explorer
@@ -20,7 +19,6 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
                    const std::vector<float>* colour,
                    const std::vector<int>* rows,
                    const ParallelLayout& layout,
-                   const std::array<QRgb, 256>& colours,
                    QRgb plain);
 
 } // namespace explorer

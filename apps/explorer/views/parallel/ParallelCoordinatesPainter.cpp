@@ -98,7 +98,7 @@ void ParallelCoordinatesPainter::drawLines(QPainter& painter,
   {
     if (density)
     {
-      linesLayer = lineDensity(axes, &model.colour(), nullptr, at, colours, qRgb(110, 110, 110));
+      linesLayer = lineDensity(axes, &model.colour(), nullptr, at, qRgb(110, 110, 110));
     }
     else
     {
@@ -139,7 +139,7 @@ void ParallelCoordinatesPainter::drawLines(QPainter& painter,
       tint.fillRect(selectedLayer.rect(), QColor(20, 20, 20));
     }
     if (selectedLayer.size() != size)
-      selectedLayer = lineDensity(axes, nullptr, &selectedRows, at, colours, qRgb(20, 20, 20));
+      selectedLayer = lineDensity(axes, nullptr, &selectedRows, at, qRgb(20, 20, 20));
     painter.drawImage(0, 0, selectedLayer);
     return;
   }
