@@ -55,7 +55,7 @@ def main():
     os.makedirs(DATA, exist_ok=True)
     r = {name: run(name) for name in ["selection", "chart_render", "invalid_points", "image_grid",
                                        "image_cache", "image_scale", "csv_export", "study_read",
-                                       "explorer_interactions", "line_plot"]}
+                                       "explorer_interactions", "line_plot", "importance"]}
     pandas = pandas_anchors()
     rows = []
 
@@ -110,6 +110,11 @@ def main():
         add("reading a table of runs", "1e6 rows x 11 numbers + 1 image path", lib,
             f"pandas read_csv {pandas['read_table']:.4g} ms", lib / pandas["read_table"], "<= 1x",
             lib / pandas["read_table"] <= 1)
+
+    imp = r["importance"]
+    lib, ref = ms(imp["ImportanceOfTenInputs/1000000"]), ms(imp["ReadEveryValueOnce/1000000"])
+    add("inputs that matter (rank correlation and correlation ratio)", "1e6 cases x 10 inputs", lib,
+        f"reading every value once {ref:.3g} ms", lib / ref, "under 500 ms", lib < 500)
 
     interactions = []
     x = r["explorer_interactions"]
