@@ -21,7 +21,8 @@ def run(name):
     subprocess.run([os.path.join(BENCH, "bench_" + name), "--benchmark_format=json",
                     "--benchmark_out=" + out], check=True, env=env, stdout=subprocess.DEVNULL)
     with open(out) as f:
-        return {b["name"].split("/iterations")[0]: b for b in json.load(f)["benchmarks"]}
+        return {b["name"].split("/iterations")[0].removesuffix("/real_time"): b
+                for b in json.load(f)["benchmarks"]}
 
 
 def ms(entry):

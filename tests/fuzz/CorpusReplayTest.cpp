@@ -42,3 +42,8 @@ TEST(FuzzCorpus, StudyFilesReplay)
 {
   replay("study", fuzz::study);
 }
+
+TEST(FuzzCorpus, TablesReplay)
+{
+  replay("tables", fuzz::tables);
+}

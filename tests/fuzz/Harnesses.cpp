@@ -1,9 +1,12 @@
 #include "Harnesses.h"
 
+#include "datamanagement/CinemaReader.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
+#include "datamanagement/SeriesReader.h"
 #include "datamanagement/StudyFormatError.h"
 #include "datamanagement/StudyReader.h"
+#include "datamanagement/TableReader.h"
 #include "properties/BoundedValueValidator.h"
 #include "properties/Property.h"
 #include "properties/ValueRangeValidator.h"
@@ -170,6 +173,52 @@ void study(const std::uint8_t* data, std::size_t size)
       if (project->record(file.lock().record().lock().caseId()).lock().isNull())
         std::abort();
     }
+  }
+  catch (const StudyFormatError&)
+  {
+  }
+}
+
+void tables(const std::uint8_t* data, std::size_t size)
+{
+  static QTemporaryDir folder;
+  static const bool made = QDir(folder.path()).mkpath("runs.cdb");
+  (void)made;
+  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string table = folder.filePath("runs.csv").toStdString();
+  const std::string cinema = folder.filePath("runs.cdb").toStdString();
+  std::ofstream(table, std::ios::binary | std::ios::trunc) << text;
+  std::ofstream(cinema + "/data.csv", std::ios::binary | std::ios::trunc) << text;
+  // A study that reads is consistent: every file belongs to a case of the study.
+  const auto consistent = [](const Project& project)
+  {
+    for (const auto& file : project.auxFiles())
+      if (project.record(file.lock().record().lock().caseId()).lock().isNull())
+        std::abort();
+  };
+  try
+  {
+    consistent(*readRunTable(table, {}));
+  }
+  catch (const StudyFormatError&)
+  {
+  }
+  try
+  {
+    consistent(*readCinemaDatabase(cinema, {}));
+  }
+  catch (const StudyFormatError&)
+  {
+  }
+  try
+  {
+    // A series that reads has a column per name, all of one length.
+    const SeriesTable series = readSeriesTable(table);
+    if (series.columns.size() != series.names.size())
+      std::abort();
+    for (const auto& column : series.columns)
+      if (column.size() != series.rows())
+        std::abort();
   }
   catch (const StudyFormatError&)
   {

@@ -17,5 +17,8 @@ void settings(const std::uint8_t* data, std::size_t size);
 void list(const std::uint8_t* data, std::size_t size);
 /// Study folders: the bytes as cases.csv (up to a first form feed) and auxfiles.csv (after it).
 void study(const std::uint8_t* data, std::size_t size);
+/// Tables other tools write: the bytes as a table of runs, as a run's series table, and as the
+/// data.csv of a Cinema database, each read by its reader.
+void tables(const std::uint8_t* data, std::size_t size);
 
 } // namespace fuzz

@@ -207,6 +207,14 @@ struct LinePlotView::Impl
 
   LogAxes log() const { return { logX->value(), logY->value() }; }
 
+  // What is drawn besides the curves, read again; the legend stays where the user put it.
+  LinePlotPainter::Look freshLook() const
+  {
+    LinePlotPainter::Look fresh;
+    fresh.legendOffset = look.legendOffset;
+    return fresh;
+  }
+
   PlotFrame frame() const { return frameFor(canvas->size(), curves, log()); }
 
   bool density() const
@@ -237,7 +245,7 @@ struct LinePlotView::Impl
 
   void buildResponse(vtkTable& shown)
   {
-    look = {};
+    look = freshLook();
     const Variable xVariable = x->value().lock();
     const Variable yVariable = y->value().lock();
     // X and the rows in its order stay while X and the shown cases do: a new Y or new groups
@@ -353,7 +361,7 @@ struct LinePlotView::Impl
                      }
                    });
     curves = {};
-    look = {};
+    look = freshLook();
     seriesProblems.clear();
     seriesTaken.assign(caseIds.size(), 0);
     seriesXName = seriesX->value();
