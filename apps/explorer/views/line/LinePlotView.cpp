@@ -219,6 +219,10 @@ struct LinePlotView::Impl
 
   bool density() const
   {
+    // While series come in, curves are drawn as a density whatever their number: it counts the
+    // curves added since the last draw alone, where lines would all be stroked again.
+    if (drawing->value() == Drawing::Automatic && seriesWaiting > 0)
+      return true;
     return drawing::asDensity(
       drawing->value(), curves.curves.size(), drawing::curvesAsDensityAbove);
   }
