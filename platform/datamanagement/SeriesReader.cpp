@@ -1,8 +1,8 @@
 #include "datamanagement/SeriesReader.h"
 
 #include "datamanagement/StudyFormatError.h"
-#include "datamanagement/TableReader.h"
 #include "datamanagement/StudyText_p.h"
+#include "datamanagement/TableReader.h"
 
 #include <algorithm>
 

@@ -189,9 +189,10 @@ std::vector<InputImportance> importanceOf(const double* output,
     InputImportance importance;
     importance.name = input.name;
     for (std::size_t row = 0; row < rowCount; ++row)
-      complete[row] = considered[row] && !std::isnan(output[row]) &&
-                      (input.numbers ? !std::isnan(input.numbers[row])
-                                     : input.categories && input.categories[row] >= 0);
+      complete[row] =
+        static_cast<char>(considered[row] && !std::isnan(output[row]) &&
+                          (input.numbers ? !std::isnan(input.numbers[row])
+                                         : input.categories && input.categories[row] >= 0));
     rankInOrder(
       outputOrder,
       complete,

@@ -239,7 +239,7 @@ struct ImportanceView::Impl
                                                         static_cast<int>(nameWidth - 8)));
       const InputImportance* part = selectedOf(entry.name);
       const double barHeight = part ? 8 : 14;
-      const auto bars = [&](const InputImportance& of, double barTop, QColor colour)
+      const auto bars = [&](const InputImportance& of, double barTop, const QColor& colour)
       {
         if (!std::isnan(of.correlationRatio))
           painter.fillRect(QRectF(ratioLeft, barTop, ratioWidth * of.correlationRatio, barHeight),
