@@ -16,6 +16,15 @@ namespace explorer
 
 struct LineGroups;
 
+/// What the line plot draws.
+enum class LineMode : short
+{
+  /// How an output responds along an input: one line per group of cases, aggregated per X.
+  Response,
+  /// Each run's own series, read from a file of the run: one curve per case.
+  Series
+};
+
 /// How the cases that share a line and an X value make that line's point.
 enum class Aggregate : short
 {

@@ -17,15 +17,6 @@ class PropertyAbstract;
 namespace explorer
 {
 
-/// What the line plot draws.
-enum class LineMode : short
-{
-  /// How an output responds along an input: one line per group of cases, aggregated per X.
-  Response,
-  /// Each run's own series, read from a file of the run: one curve per case.
-  Series
-};
-
 /// A line plot, of response curves or of each run's own series.
 ///
 /// Response curves: Y against X, one line per group of the "Lines by" variables (up to two; a
