@@ -9,21 +9,25 @@
 namespace explorer
 {
 
-std::array<QRgb, 256> colourScale()
+const std::array<QRgb, 256>& colourScale()
 {
-  auto table = vtkSmartPointer<vtkLookupTable>::New();
-  table->SetHueRange(0.667, 0.0);
-  table->SetNumberOfTableValues(256);
-  table->Build();
-  std::array<QRgb, 256> colours{};
-  for (int i = 0; i < 256; ++i)
+  static const std::array<QRgb, 256> colours = []
   {
-    double rgba[4];
-    table->GetTableValue(i, rgba);
-    colours[static_cast<std::size_t>(i)] = qRgb(static_cast<int>(rgba[0] * 255),
+    auto table = vtkSmartPointer<vtkLookupTable>::New();
+    table->SetHueRange(0.667, 0.0);
+    table->SetNumberOfTableValues(256);
+    table->Build();
+    std::array<QRgb, 256> scale{};
+    for (int i = 0; i < 256; ++i)
+    {
+      double rgba[4];
+      table->GetTableValue(i, rgba);
+      scale[static_cast<std::size_t>(i)] = qRgb(static_cast<int>(rgba[0] * 255),
                                                 static_cast<int>(rgba[1] * 255),
                                                 static_cast<int>(rgba[2] * 255));
-  }
+    }
+    return scale;
+  }();
   return colours;
 }
 
@@ -48,7 +52,7 @@ QImage densityImage(int width,
   image.fill(Qt::transparent);
   if (count.size() < static_cast<std::size_t>(w) * static_cast<std::size_t>(h))
     return image;
-  static const std::array<QRgb, 256> colours = colourScale();
+  const std::array<QRgb, 256>& colours = colourScale();
   const float most = *std::max_element(count.begin(), count.end());
   const float scale = most > 0 ? 1.f / std::log1p(most) : 0.f;
   for (int y = 0; y < h; ++y)

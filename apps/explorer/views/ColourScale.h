@@ -11,8 +11,8 @@
 namespace explorer
 {
 
-/// The colour variable's scale, blue (low) to red (high), as the scatter plot's.
-std::array<QRgb, 256> colourScale();
+/// The colour variable's scale, blue (low) to red (high), as the scatter plot's; made once.
+const std::array<QRgb, 256>& colourScale();
 
 /// A colour per group, told apart at a glance; the ten repeat past the tenth group.
 QRgb groupColour(int group);

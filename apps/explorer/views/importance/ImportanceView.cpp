@@ -6,6 +6,7 @@
 #include "StudyDefaults.h"
 #include "VariableRoles.h"
 #include "views/Canvas.h"
+#include "views/UndoableSetting.h"
 
 #include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/Project.h"
@@ -294,11 +295,8 @@ ImportanceView::ImportanceView(const ViewContext& context)
   d->canvas->setObjectName("importance");
   d->canvas->setMinimumSize(200, 160);
 
-  d->output = boost::make_shared<plexa::UndoablePropertyProxy<WeakPtr<Variable>>>(
-    "Output",
-    boost::make_shared<plexa::Property<WeakPtr<Variable>>>(defaults::scatter(*d->project).y));
-  d->compare = boost::make_shared<plexa::UndoablePropertyProxy<bool>>(
-    "Compare Selection", boost::make_shared<plexa::Property<bool>>(false));
+  d->output = undoableSetting("Output", defaults::scatter(*d->project).y);
+  d->compare = undoableSetting("Compare Selection", false);
 
   Impl* impl = d.get();
   d->canvas->paint = [impl](QPainter& painter) { impl->paint(painter); };

@@ -208,7 +208,7 @@ void LinePlotModel::takeInSeries()
 {
   if (settings.mode != LineMode::Series)
     return;
-  static const std::array<QRgb, 256> colours = colourScale();
+  const std::array<QRgb, 256>& colours = colourScale();
   waiting = 0;
   for (std::size_t row = 0; row < ids.size(); ++row)
   {

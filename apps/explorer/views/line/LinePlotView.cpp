@@ -5,6 +5,7 @@
 #include "StudyDefaults.h"
 #include "StudyFiles.h"
 #include "views/Canvas.h"
+#include "views/UndoableSetting.h"
 #include "views/line/LinePlotModel.h"
 #include "views/line/LinePlotPainter.h"
 
@@ -38,13 +39,6 @@ namespace
 {
 
 using VariableList = std::vector<WeakPtr<Variable>>;
-
-template<typename T>
-boost::shared_ptr<plexa::UndoablePropertyProxy<T>> undoable(const std::string& name, T value)
-{
-  return boost::make_shared<plexa::UndoablePropertyProxy<T>>(
-    name, boost::make_shared<plexa::Property<T>>(std::move(value)));
-}
 
 NamedValueTranslator<LineMode> modeNames()
 {
@@ -273,19 +267,19 @@ LinePlotView::LinePlotView(const ViewContext& context)
       break;
     }
   const auto tags = studyfiles::seriesTags(*d->project);
-  d->mode = undoable("Line Plot", LineMode::Response);
-  d->x = undoable("X Variable", first.x);
-  d->y = undoable("Y Variable", first.y);
-  d->linesBy = undoable("Lines By", lines);
-  d->aggregate = undoable("Aggregate", Aggregate::Mean);
-  d->band = undoable("Band", Band::MinMax);
-  d->seriesTag = undoable("Series File", tags.empty() ? std::string() : tags.front());
-  d->seriesX = undoable("Series X", std::string());
-  d->seriesY = undoable("Series Y", std::string());
-  d->colour = undoable("Curve Color Variable", first.colour);
-  d->drawing = undoable("Curves", Drawing::Automatic);
-  d->logX = undoable("Logarithmic X", false);
-  d->logY = undoable("Logarithmic Y", false);
+  d->mode = undoableSetting("Line Plot", LineMode::Response);
+  d->x = undoableSetting("X Variable", first.x);
+  d->y = undoableSetting("Y Variable", first.y);
+  d->linesBy = undoableSetting("Lines By", lines);
+  d->aggregate = undoableSetting("Aggregate", Aggregate::Mean);
+  d->band = undoableSetting("Band", Band::MinMax);
+  d->seriesTag = undoableSetting("Series File", tags.empty() ? std::string() : tags.front());
+  d->seriesX = undoableSetting("Series X", std::string());
+  d->seriesY = undoableSetting("Series Y", std::string());
+  d->colour = undoableSetting("Curve Color Variable", first.colour);
+  d->drawing = undoableSetting("Curves", Drawing::Automatic);
+  d->logX = undoableSetting("Logarithmic X", false);
+  d->logY = undoableSetting("Logarithmic Y", false);
 
   Impl* impl = d.get();
   d->canvas->paint = [impl](QPainter& painter) { impl->paint(painter); };

@@ -88,7 +88,7 @@ private:
                 const ParallelCoordinatesModel& model,
                 const Marks& marks);
 
-  const std::array<QRgb, 256> colours;
+  const std::array<QRgb, 256>& colours;
   QImage linesLayer;
   bool linesValid = false;
   // A large selection's density, drawn again when the selection or the size changes.

@@ -5,6 +5,7 @@
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
 #include "views/Canvas.h"
+#include "views/UndoableSetting.h"
 #include "views/parallel/ParallelCoordinatesModel.h"
 #include "views/parallel/ParallelCoordinatesPainter.h"
 
@@ -166,14 +167,10 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
   // The varying variables as the axes; the lines coloured as the scatter plot's points.
   const VariableList firstAxes = defaults::parallelAxes(*d->project, 8);
   const WeakPtr<Variable> firstColour = defaults::scatter(*d->project).colour;
-  d->axesProperty = boost::make_shared<plexa::UndoablePropertyProxy<VariableList>>(
-    "Axes", boost::make_shared<plexa::Property<VariableList>>(firstAxes));
-  d->color = boost::make_shared<plexa::UndoablePropertyProxy<WeakPtr<Variable>>>(
-    "Line Color Variable", boost::make_shared<plexa::Property<WeakPtr<Variable>>>(firstColour));
-  d->drawing = boost::make_shared<plexa::UndoablePropertyProxy<Drawing>>(
-    "Lines", boost::make_shared<plexa::Property<Drawing>>(Drawing::Automatic));
-  d->logAxes = boost::make_shared<plexa::UndoablePropertyProxy<VariableList>>(
-    "Logarithmic Axes", boost::make_shared<plexa::Property<VariableList>>());
+  d->axesProperty = undoableSetting("Axes", firstAxes);
+  d->color = undoableSetting("Line Color Variable", firstColour);
+  d->drawing = undoableSetting("Lines", Drawing::Automatic);
+  d->logAxes = undoableSetting("Logarithmic Axes", VariableList());
 
   Impl* impl = d.get();
   d->canvas->paint = [impl](QPainter& painter) { impl->paint(painter); };
