@@ -305,6 +305,73 @@ std::shared_ptr<const Project> ProjectBuilder::build()
     data->tagGroups.push_back(std::move(group));
   }
 
+  return own(std::move(data));
+}
+
+std::shared_ptr<const Project> ProjectBuilder::withColumns(
+  const Project& base,
+  const std::vector<std::string>& removed,
+  std::vector<std::pair<std::string, std::vector<double>>> added)
+{
+  auto data = std::make_unique<ProjectData>(base.data());
+  for (const auto& name : removed)
+    if (data->variableByName.count(name) == 0)
+      throw std::invalid_argument("there is no variable \"" + name + "\" to remove");
+
+  std::vector<VariableData> variables;
+  std::vector<ValueColumn> columns;
+  for (auto& variable : data->variables)
+  {
+    if (std::find(removed.begin(), removed.end(), variable.name) != removed.end())
+      continue;
+    columns.push_back(std::move(data->columns[variable.column]));
+    variable.column = columns.size() - 1;
+    variables.push_back(std::move(variable));
+  }
+  const std::size_t rows = data->caseIds.size();
+  for (auto& [name, values] : added)
+  {
+    if (name.empty() || name == caseIdName ||
+        std::any_of(variables.begin(),
+                    variables.end(),
+                    [&name = name](const VariableData& v) { return v.name == name; }))
+      throw std::invalid_argument("the name \"" + name + "\" is taken");
+    if (values.size() != rows)
+      throw std::invalid_argument("variable \"" + name + "\" has " +
+                                  std::to_string(values.size()) + " values for " +
+                                  std::to_string(rows) + " cases");
+    VariableData variable;
+    variable.name = name;
+    variable.nature = natureOfNumbers(values);
+    variable.range = finiteRange(values);
+    ValueColumn column;
+    column.numbers = std::move(values);
+    columns.push_back(std::move(column));
+    variable.column = columns.size() - 1;
+    variables.push_back(std::move(variable));
+  }
+  data->variables = std::move(variables);
+  data->columns = std::move(columns);
+  data->variableByName.clear();
+  for (std::size_t v = 0; v < data->variables.size(); ++v)
+    data->variableByName.emplace(data->variables[v].name, v);
+
+  unsigned long long nextId = nextIdBlock.fetch_add(1) << 32;
+  for (auto& record : data->records)
+    record.id = ++nextId;
+  data->caseIdVariable.id = ++nextId;
+  for (auto& variable : data->variables)
+    variable.id = ++nextId;
+  for (auto& file : data->auxFiles)
+    file.id = ++nextId;
+  for (auto& group : data->tagGroups)
+    group.id = ++nextId;
+
+  return own(std::move(data));
+}
+
+std::shared_ptr<const Project> ProjectBuilder::own(std::unique_ptr<ProjectData> data)
+{
   std::shared_ptr<Project> project(new Project(std::move(data)));
   const Project* owner = project.get();
   ProjectData& stored = *project->d;

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 class Project;
@@ -42,6 +43,15 @@ public:
   /// The project; the builder is empty afterwards.
   std::shared_ptr<const Project> build();
 
+  /// A copy of `base` without the variables named in `removed` and with the numeric `added`
+  /// ones after the others (natures decided from their values, roles unknown). The copy's
+  /// objects have new ids, as in any new project. Throws std::invalid_argument for a name
+  /// `removed` lacks, an added name already taken, or a column of the wrong length.
+  static std::shared_ptr<const Project> withColumns(
+    const Project& base,
+    const std::vector<std::string>& removed,
+    std::vector<std::pair<std::string, std::vector<double>>> added);
+
   /// Continuous or Discrete for a numeric column: Discrete when it holds at most 20 distinct
   /// finite values, each occurring twice on average (the swept inputs of a design study).
   static Variable::Nature natureOfNumbers(const std::vector<double>& values);
@@ -50,6 +60,9 @@ public:
   static const char* caseIdName;
 
 private:
+  // The project of `data`, its objects pointing back at it.
+  static std::shared_ptr<const Project> own(std::unique_ptr<ProjectData> data);
+
   struct Pending;
   std::unique_ptr<Pending> pending;
 };
