@@ -56,7 +56,8 @@ def main():
     os.makedirs(DATA, exist_ok=True)
     r = {name: run(name) for name in ["selection", "chart_render", "invalid_points", "image_grid",
                                        "image_cache", "image_scale", "csv_export", "study_read",
-                                       "explorer_interactions", "line_plot", "importance"]}
+                                       "explorer_interactions", "line_plot", "importance",
+                                       "derived_variables"]}
     pandas = pandas_anchors()
     rows = []
 
@@ -116,6 +117,12 @@ def main():
     lib, ref = ms(imp["ImportanceOfTenInputs/1000000"]), ms(imp["ReadEveryValueOnce/1000000"])
     add("inputs that matter (rank correlation and correlation ratio)", "1e6 cases x 10 inputs", lib,
         f"reading every value once {ref:.3g} ms", lib / ref, "under 500 ms", lib < 500)
+
+    dv = r["derived_variables"]
+    lib, ref = ms(dv["DerivedByExpression/1000000"]), ms(dv["DerivedByHand/1000000"])
+    add("derived variable of five operations", "1e6 cases", lib,
+        f"C++ loop {ref:.3g} ms, VTK array calculator {ms(dv['DerivedByVtkArrayCalculator/1000000']):.3g} ms",
+        lib / ref, "<= 3x", lib / ref <= 3)
 
     interactions = []
     x = r["explorer_interactions"]

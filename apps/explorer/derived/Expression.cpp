@@ -626,7 +626,7 @@ void Expression::evaluate(const std::vector<const double*>& values,
 {
   // A block of cases at a time: each step runs over a block that stays in the cache, so that an
   // expression costs a few passes over memory the size of a block, not of the study.
-  constexpr std::size_t block = 1024;
+  constexpr std::size_t block = 512;
   std::vector<double> constantBlocks(constants.size() * block);
   for (std::size_t c = 0; c < constants.size(); ++c)
     std::fill_n(constantBlocks.begin() + std::ptrdiff_t(c * block), block, constants[c]);
