@@ -71,7 +71,8 @@ void DerivedByVtkArrayCalculator(benchmark::State& state)
 {
   Columns& c = columns(static_cast<std::size_t>(bench::size(state.range(0), 1000)));
   vtkNew<vtkTable> table;
-  for (auto [name, column] : { std::pair{ "range", &c.range }, { "speed", &c.speed }, { "mass", &c.mass } })
+  for (auto [name, column] :
+       { std::pair{ "range", &c.range }, { "speed", &c.speed }, { "mass", &c.mass } })
   {
     vtkNew<vtkDoubleArray> array;
     array->SetName(name);

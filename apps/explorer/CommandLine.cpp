@@ -10,6 +10,7 @@
 #include <QCommandLineParser>
 #include <QMessageBox>
 
+#include <algorithm>
 #include <iostream>
 
 namespace explorer
@@ -38,6 +39,12 @@ struct Parser
                                    "(a folder of another machine, a URL) as starting with NEW "
                                    "(may be repeated).",
                                    "OLD=NEW" };
+  const QCommandLineOption derive{ "derive",
+                                   "Add a variable computed from the others, e.g. "
+                                   "\"ratio=range / speed^2\"; names with spaces or symbols "
+                                   "in backquotes (may be repeated; each may use the ones "
+                                   "before it).",
+                                   "NAME=EXPRESSION" };
   const QCommandLineOption runs{ "runs", "Runs of the sample study (at least 1).", "N", "288" };
   const QCommandLineOption noImages{ "no-images", "Write the sample study without images." };
   const QCommandLineOption seed{ "seed", "Seed of the sample study.", "SEED", "20261121" };
@@ -49,7 +56,7 @@ struct Parser
     parser.addPositionalArgument(
       "study", "The study: a study folder or a Cinema database (see above).", "[STUDY]");
     parser.addOptions(
-      { help, settings, select, screenshots, rebase, generate, runs, noImages, seed });
+      { help, settings, select, screenshots, rebase, derive, generate, runs, noImages, seed });
   }
 };
 
@@ -133,6 +140,19 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& error
     options.rebases.push_back(
       { rebase.left(equals).toStdString(), rebase.mid(equals + 1).toStdString() });
   }
+  for (const QString& definition : p.parser.values(p.derive))
+  {
+    try
+    {
+      options.derived.push_back(derivedVariableOf(definition.toStdString()));
+    }
+    catch (const std::exception& e)
+    {
+      error = "--derive takes NAME=EXPRESSION: " + QString::fromStdString(e.what());
+      code = DerivedVariableError;
+      return false;
+    }
+  }
   if (p.parser.isSet(p.screenshots))
   {
     options.mode = Options::Mode::Screenshots;
@@ -202,6 +222,22 @@ int prepareWindow(ExplorerWindow& window,
     if (!window.loadSettings(options.settings, error))
     {
       if (const int code = fail("Cannot load the settings", error, SettingsError))
+        return code;
+    }
+  }
+  for (const DerivedVariable& variable : options.derived)
+  {
+    // Settings loaded may define it already: the command line's definition wins.
+    const auto& present = window.derivedVariables();
+    const bool defined =
+      std::any_of(present.begin(),
+                  present.end(),
+                  [&variable](const DerivedVariable& v) { return v.name == variable.name; });
+    QString error;
+    if (!(defined ? window.editDerivedVariable(variable.name, variable, error)
+                  : window.addDerivedVariable(variable, error)))
+    {
+      if (const int code = fail("Cannot add the derived variable", error, DerivedVariableError))
         return code;
     }
   }

@@ -2,6 +2,7 @@
 
 #include "SampleStudy.h"
 #include "datamanagement/CinemaReader.h"
+#include "derived/DerivedVariables.h"
 
 #include <QString>
 
@@ -19,7 +20,8 @@ enum ExitCode
   StudyError = 2,
   SettingsError = 3,
   SelectionError = 4,
-  OutputError = 5
+  OutputError = 5,
+  DerivedVariableError = 6
 };
 
 /// What the command line asks for.
@@ -40,6 +42,8 @@ struct Options
   QString screenshots;
   /// For Cinema databases written elsewhere: OLD=NEW rewrites paths that start with OLD.
   std::vector<PathRebase> rebases;
+  /// Variables computed from the others, added after the settings are loaded (NAME=EXPRESSION).
+  DerivedVariables derived;
   SampleStudyOptions sample;
 };
 

@@ -9,6 +9,7 @@
 #include "SettingsFile.h"
 #include "SettingsPanel.h"
 #include "StudyFiles.h"
+#include "StudyHistory.h"
 #include "StudyReading.h"
 #include "StudySessions.h"
 #include "VariableRoles.h"
@@ -22,6 +23,7 @@
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "dataviews/DataViewVisitorAbstract.h"
+#include "derived/Expression.h"
 #include "images/ImageCache.h"
 #include "signals/SignalConnectionCollection.h"
 #include "views/scatter/ScatterPlotView.h"
@@ -43,7 +45,9 @@
 #include <vtkTable.h>
 #include <vtkTableAlgorithm.h>
 
+#include <algorithm>
 #include <exception>
+#include <set>
 
 namespace explorer
 {
@@ -88,8 +92,13 @@ struct ExplorerWindow::Impl
   SignalConnectionCollection studyConnections;
   SignalConnectionCollection connections;
   ImagePreloader preloader;
-  // The owner of the window's own undo steps (loading settings): they do nothing once it is gone.
+  // The owner of the window's own undo steps that reach into the views (loading settings): they
+  // do nothing once the views they reach into are gone.
+  std::unique_ptr<DeleteSignaler> viewsOwner;
+  // The owner of the steps that change the study (derived variables), which outlive the views.
   DeleteSignaler undoOwner;
+  DerivedVariables derived;
+  std::unique_ptr<StudyHistory> history;
   std::vector<PathRebase> rebases;
   // What the window keeps between runs; null when it keeps nothing (screenshots, tests).
   std::unique_ptr<StudySessions> sessions;
@@ -122,6 +131,19 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
   d->connections.add(d->selection->connectSignalSelectionChanged(
     [this](const std::set<unsigned long long>& ids) { showSelectionCount(ids.size()); }));
   d->menus = new WindowMenus(*this);
+  d->history = std::make_unique<StudyHistory>([this] { return settingsDocument(); },
+                                              [this](const QString& xml)
+                                              {
+                                                try
+                                                {
+                                                  applyStudyState(xml, "the undo history");
+                                                }
+                                                catch (const std::exception& e)
+                                                {
+                                                  showMessage("This step cannot be restored: " +
+                                                              QString::fromStdString(e.what()));
+                                                }
+                                              });
   connect(qApp,
           &QApplication::focusChanged,
           this,
@@ -180,6 +202,7 @@ bool ExplorerWindow::openStudy(const QString& path, QString& error)
       showMessage("The settings this study was closed with are not restored: " + why);
     // The study comes back as it was left: that is where its history starts.
     UndoStack().clear();
+    d->history->restart();
   }
   return true;
 }
@@ -216,7 +239,34 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->clearViews();
   UndoStack().clear();
   d->selection->setSelection({});
-  d->project = project ? std::move(project) : Project::project();
+  d->derived.clear();
+  makeViews(project ? std::move(project) : Project::project());
+  d->history->restart();
+}
+
+void ExplorerWindow::remakeViews(std::shared_ptr<const Project> project, DerivedVariables derived)
+{
+  const QByteArray mainPanes = d->splitter->saveState();
+  auto* side = qobject_cast<QSplitter*>(d->splitter->widget(d->splitter->count() - 1));
+  const QByteArray sidePanes = side ? side->saveState() : QByteArray();
+  const std::set<unsigned long long> selected = d->selection->getSelections();
+  // Cleared while no view listens, and given back to the new views.
+  d->clearViews();
+  d->selection->setSelection({});
+  d->derived = std::move(derived);
+  makeViews(std::move(project));
+  d->splitter->restoreState(mainPanes);
+  if (auto* newSide = qobject_cast<QSplitter*>(d->splitter->widget(d->splitter->count() - 1)))
+    newSide->restoreState(sidePanes);
+  d->selection->setSelection(selected);
+  d->history->viewsRemade();
+}
+
+void ExplorerWindow::makeViews(std::shared_ptr<const Project> project)
+{
+  d->clearViews();
+  d->viewsOwner = std::make_unique<DeleteSignaler>();
+  d->project = std::move(project);
   Project::setProject(d->project);
   d->pipeline = std::make_shared<DataPipelineManager>(d->project);
   d->files = std::make_shared<FileLocator>();
@@ -346,15 +396,19 @@ bool ExplorerWindow::loadSettings(const QString& path, QString& error)
     error = path + ": " + file.errorString();
     return false;
   }
+  const QString xml = QString::fromUtf8(file.readAll());
   try
   {
-    SettingsFile::load(QString::fromUtf8(file.readAll()),
+    // Settings with other derived variables change the study: one step of the study's history.
+    if (SettingsFile::derivedVariablesOf(xml, path.toStdString()) != d->derived)
+      return changeStudy(xml, path.toStdString(), "Load Settings", error);
+    SettingsFile::load(xml,
                        path.toStdString(),
                        { d->files->serializer(), d->roles->serializer() },
                        views(),
                        *d->pipeline,
                        *d->project,
-                       d->undoOwner);
+                       *d->viewsOwner);
   }
   catch (const std::exception& e)
   {
@@ -362,6 +416,142 @@ bool ExplorerWindow::loadSettings(const QString& path, QString& error)
     return false;
   }
   return true;
+}
+
+QString ExplorerWindow::settingsDocument() const
+{
+  return SettingsFile::write(
+    { d->files->serializer(), d->roles->serializer() }, views(), *d->pipeline, d->derived);
+}
+
+const DerivedVariables& ExplorerWindow::derivedVariables() const
+{
+  return d->derived;
+}
+
+void ExplorerWindow::applyStudyState(const QString& xml, const std::string& source)
+{
+  const DerivedVariables wanted = SettingsFile::derivedVariablesOf(xml, source);
+  const SettingsFile::StudySettings study{ d->files->serializer(), d->roles->serializer() };
+  if (wanted == d->derived)
+  {
+    SettingsFile::apply(xml, source, study, views(), *d->pipeline, *d->project);
+    return;
+  }
+  std::shared_ptr<const Project> changed;
+  try
+  {
+    changed = withDerivedVariables(*d->project, d->derived, wanted);
+  }
+  catch (const ExpressionError& e)
+  {
+    throw SettingsError(source.empty() ? e.what() : source + ": derived variable " + e.what());
+  }
+  const QString before = settingsDocument();
+  const std::shared_ptr<const Project> previous = d->project;
+  DerivedVariables present = d->derived;
+  remakeViews(std::move(changed), wanted);
+  try
+  {
+    SettingsFile::apply(xml,
+                        source,
+                        { d->files->serializer(), d->roles->serializer() },
+                        views(),
+                        *d->pipeline,
+                        *d->project);
+  }
+  catch (const std::exception&)
+  {
+    // Back to the study as it was: the same project, and its settings.
+    remakeViews(previous, std::move(present));
+    SettingsFile::apply(before,
+                        "the settings before",
+                        { d->files->serializer(), d->roles->serializer() },
+                        views(),
+                        *d->pipeline,
+                        *d->project);
+    throw;
+  }
+}
+
+bool ExplorerWindow::changeStudy(const QString& xml,
+                                 const std::string& source,
+                                 const QString& step,
+                                 QString& error)
+{
+  try
+  {
+    applyStudyState(xml, source);
+  }
+  catch (const std::exception& e)
+  {
+    error = QString::fromStdString(e.what());
+    return false;
+  }
+  d->history->pushStudyStep(step, d->undoOwner);
+  return true;
+}
+
+bool ExplorerWindow::addDerivedVariable(const DerivedVariable& variable, QString& error)
+{
+  DerivedVariables wanted = d->derived;
+  wanted.push_back(variable);
+  return changeStudy(SettingsFile::withDerivedVariables(settingsDocument(), wanted),
+                     {},
+                     QString::fromStdString("New Derived Variable " + variable.name),
+                     error);
+}
+
+bool ExplorerWindow::editDerivedVariable(const std::string& name,
+                                         const DerivedVariable& variable,
+                                         QString& error)
+{
+  DerivedVariables wanted = d->derived;
+  const auto edited = std::find_if(
+    wanted.begin(), wanted.end(), [&name](const DerivedVariable& v) { return v.name == name; });
+  if (edited == wanted.end())
+  {
+    error = QString::fromStdString("there is no derived variable named \"" + name + "\"");
+    return false;
+  }
+  if (*edited == variable)
+    return true;
+  *edited = variable;
+  QString xml = settingsDocument();
+  if (variable.name != name)
+    xml = SettingsFile::withVariableRenamed(xml, views(), name, variable.name);
+  return changeStudy(SettingsFile::withDerivedVariables(xml, wanted),
+                     {},
+                     QString::fromStdString("Edit Derived Variable " + name),
+                     error);
+}
+
+bool ExplorerWindow::removeDerivedVariable(const std::string& name, QString& error)
+{
+  DerivedVariables wanted = d->derived;
+  const auto removed = std::find_if(
+    wanted.begin(), wanted.end(), [&name](const DerivedVariable& v) { return v.name == name; });
+  if (removed == wanted.end())
+  {
+    error = QString::fromStdString("there is no derived variable named \"" + name + "\"");
+    return false;
+  }
+  wanted.erase(removed);
+  const QString xml = settingsDocument();
+  const std::vector<std::string> uses = SettingsFile::usesOf(xml, views(), name);
+  if (!uses.empty())
+  {
+    std::string where;
+    for (std::size_t i = 0; i < uses.size(); ++i)
+      where += (i == 0 ? "" : i + 1 == uses.size() ? " and " : ", ") + uses[i];
+    error = QString::fromStdString("\"" + name + "\" is still used by " + where +
+                                   "; choose another variable there first");
+    return false;
+  }
+  return changeStudy(SettingsFile::withDerivedVariables(xml, wanted),
+                     {},
+                     QString::fromStdString("Remove Derived Variable " + name),
+                     error);
 }
 
 bool ExplorerWindow::saveSettings(const QString& path, QString& error) const
@@ -374,8 +564,7 @@ bool ExplorerWindow::saveSettings(const QString& path, QString& error) const
   }
   QTextStream stream(&file);
   stream.setCodec("UTF-8");
-  stream << SettingsFile::write(
-    { d->files->serializer(), d->roles->serializer() }, views(), *d->pipeline);
+  stream << settingsDocument();
   stream.flush();
   if (file.error() != QFile::NoError)
   {

@@ -2,6 +2,7 @@
 
 #include "datamanagement/Variable.h"
 #include "datamanagement/WeakPtr.h"
+#include "derived/DerivedVariables.h"
 
 #include <QMainWindow>
 
@@ -45,6 +46,22 @@ public:
   /// user had is changed then.
   bool loadSettings(const QString& path, QString& error);
   bool saveSettings(const QString& path, QString& error) const;
+  /// The settings of the study shown as a document, as saveSettings writes it.
+  QString settingsDocument() const;
+
+  /// The variables the user computed, in the order they are computed (each may use the ones
+  /// before it). They are variables of project() like any other.
+  const DerivedVariables& derivedVariables() const;
+  /// Adds a derived variable, changes the one named `name` (settings naming it follow a new
+  /// name) or removes it; each is one undo step. The views are made again over the new study,
+  /// with their settings, the selection and the undo history as they were. Each returns false
+  /// and sets `error` ("ratio: a value is expected after '^' (column 7)") when the study cannot
+  /// have it; nothing changes then. A variable that settings still name is not removed.
+  bool addDerivedVariable(const DerivedVariable& variable, QString& error);
+  bool editDerivedVariable(const std::string& name,
+                           const DerivedVariable& variable,
+                           QString& error);
+  bool removeDerivedVariable(const std::string& name, QString& error);
   /// Exports the shown cases: in full precision, or with six significant digits through VTK.
   bool exportCases(const QString& path, bool fullPrecision, QString& error) const;
 
@@ -94,6 +111,18 @@ protected:
 
 private:
   void restoreSplitters();
+  // Makes the views over `project`; the views before go.
+  void makeViews(std::shared_ptr<const Project> project);
+  // Shows the same study with other derived variables: new views, the selection kept.
+  void remakeViews(std::shared_ptr<const Project> project, DerivedVariables derived);
+  // Applies a settings document and the derived variables it names; throws, changing nothing,
+  // when it cannot.
+  void applyStudyState(const QString& xml, const std::string& source);
+  // Applies a settings document as one undo step named `step`.
+  bool changeStudy(const QString& xml,
+                   const std::string& source,
+                   const QString& step,
+                   QString& error);
   // Keeps the settings of the study shown for the next time it is opened.
   void keepSession();
   void setCurrentView(ExplorerView* view);

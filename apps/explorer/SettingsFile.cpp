@@ -13,6 +13,7 @@
 #include <boost/lexical_cast.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <set>
 #include <utility>
@@ -23,24 +24,56 @@ namespace explorer
 namespace
 {
 
-// Every variable name the document refers to, to check them all before applying anything:
-// the texts of the elements a view declares as variable settings, "Variable" elements of lists
-// and the filters' variables.
-void collectVariableNames(const QDomElement& element,
-                          const std::vector<std::string>& variableElements,
-                          std::set<std::string>& names)
+// Visits every place the document names a variable: the texts of the elements a view declares as
+// variable settings (attribute empty), "Variable" elements of lists and the filters' variables
+// (attribute "name" or "variable").
+void visitVariableNames(QDomElement element,
+                        const std::vector<std::string>& variableElements,
+                        const std::function<void(QDomElement&, const QString& attribute)>& visit)
 {
   const std::string tag = element.tagName().toStdString();
   if (std::find(variableElements.begin(), variableElements.end(), tag) != variableElements.end() &&
       !element.text().isEmpty())
-    names.insert(element.text().toStdString());
+    visit(element, {});
   if (tag == "Variable" && element.hasAttribute("name"))
-    names.insert(element.attribute("name").toStdString());
+    visit(element, "name");
   if (tag == "Filter" && element.hasAttribute("variable"))
-    names.insert(element.attribute("variable").toStdString());
+    visit(element, "variable");
   for (QDomElement child = element.firstChildElement(); !child.isNull();
        child = child.nextSiblingElement())
-    collectVariableNames(child, variableElements, names);
+    visitVariableNames(child, variableElements, visit);
+}
+
+QString nameAt(const QDomElement& element, const QString& attribute)
+{
+  return attribute.isEmpty() ? element.text() : element.attribute(attribute);
+}
+
+// Every variable name the document refers to, to check them all before applying anything.
+void collectVariableNames(const QDomElement& element,
+                          const std::vector<std::string>& variableElements,
+                          std::set<std::string>& names)
+{
+  visitVariableNames(element,
+                     variableElements,
+                     [&names](QDomElement& at, const QString& attribute)
+                     { names.insert(nameAt(at, attribute).toStdString()); });
+}
+
+QDomDocument parsed(const QString& xml, const std::string& source)
+{
+  QDomDocument document;
+  QString error;
+  int line = 0;
+  int column = 0;
+  if (!document.setContent(xml, &error, &line, &column))
+    throw SettingsError(source + ":" + std::to_string(line) + ":" + std::to_string(column) +
+                        ": the settings are not well-formed XML: " + error.toStdString());
+  const QDomElement root = document.documentElement();
+  if (root.tagName() != "ExplorerSettings")
+    throw SettingsError(source + ": these are not explorer settings (the root element is \"" +
+                        root.tagName().toStdString() + R"(", not "ExplorerSettings"))");
+  return document;
 }
 
 double number(const QDomElement& filter, const char* attribute, const std::string& source)
@@ -104,7 +137,8 @@ void applyAll(const QDomElement& root,
 
 QString SettingsFile::write(const StudySettings& study,
                             const std::vector<ExplorerView*>& views,
-                            const DataPipelineManager& pipeline)
+                            const DataPipelineManager& pipeline,
+                            const DerivedVariables& derived)
 {
   QDomDocument document;
   document.appendChild(
@@ -132,28 +166,112 @@ QString SettingsFile::write(const StudySettings& study,
     filters.appendChild(element);
   }
   root.appendChild(filters);
+  QString text = document.toString(2);
+  return derived.empty() ? text : withDerivedVariables(text, derived);
+}
+
+DerivedVariables SettingsFile::derivedVariablesOf(const QString& xml, const std::string& source)
+{
+  const QDomDocument document = parsed(xml, source);
+  DerivedVariables derived;
+  for (QDomElement element = document.documentElement()
+                               .firstChildElement("DerivedVariables")
+                               .firstChildElement("DerivedVariable");
+       !element.isNull();
+       element = element.nextSiblingElement("DerivedVariable"))
+  {
+    derived.push_back(
+      { element.attribute("name").toStdString(), element.attribute("expression").toStdString() });
+    if (derived.back().name.empty())
+      throw SettingsError(source + ": a derived variable has no name");
+  }
+  return derived;
+}
+
+QString SettingsFile::withDerivedVariables(const QString& xml, const DerivedVariables& derived)
+{
+  QDomDocument document = parsed(xml, "the settings");
+  QDomElement root = document.documentElement();
+  root.removeChild(root.firstChildElement("DerivedVariables"));
+  if (!derived.empty())
+  {
+    QDomElement list = document.createElement("DerivedVariables");
+    for (const auto& variable : derived)
+    {
+      QDomElement element = document.createElement("DerivedVariable");
+      element.setAttribute("name", QString::fromStdString(variable.name));
+      element.setAttribute("expression", QString::fromStdString(variable.expression));
+      list.appendChild(element);
+    }
+    // First, so that a reader learns the variables before the settings that name them.
+    root.insertBefore(list, root.firstChild());
+  }
   return document.toString(2);
 }
 
-void SettingsFile::load(const QString& xml,
-                        const std::string& source,
-                        const StudySettings& study,
-                        const std::vector<ExplorerView*>& views,
-                        DataPipelineManager& pipeline,
-                        const Project& project,
-                        const DeleteSignaler& owner)
+QString SettingsFile::withVariableRenamed(const QString& xml,
+                                          const std::vector<ExplorerView*>& views,
+                                          const std::string& from,
+                                          const std::string& to)
 {
-  QDomDocument document;
-  QString error;
-  int line = 0;
-  int column = 0;
-  if (!document.setContent(xml, &error, &line, &column))
-    throw SettingsError(source + ":" + std::to_string(line) + ":" + std::to_string(column) +
-                        ": the settings are not well-formed XML: " + error.toStdString());
+  QDomDocument document = parsed(xml, "the settings");
   const QDomElement root = document.documentElement();
-  if (root.tagName() != "ExplorerSettings")
-    throw SettingsError(source + ": these are not explorer settings (the root element is \"" +
-                        root.tagName().toStdString() + R"(", not "ExplorerSettings"))");
+  const QString oldName = QString::fromStdString(from);
+  const QString newName = QString::fromStdString(to);
+  const auto rename = [&](QDomElement& element, const QString& attribute)
+  {
+    if (nameAt(element, attribute) != oldName)
+      return;
+    if (!attribute.isEmpty())
+    {
+      element.setAttribute(attribute, newName);
+      return;
+    }
+    while (element.hasChildNodes())
+      element.removeChild(element.firstChild());
+    element.appendChild(document.createTextNode(newName));
+  };
+  visitVariableNames(root.firstChildElement("Filters"), {}, rename);
+  for (ExplorerView* view : views)
+    visitVariableNames(root.firstChildElement(QString::fromStdString(view->domName())),
+                       view->variableElements(),
+                       rename);
+  return document.toString(2);
+}
+
+std::vector<std::string> SettingsFile::usesOf(const QString& xml,
+                                              const std::vector<ExplorerView*>& views,
+                                              const std::string& variable)
+{
+  const QDomDocument document = parsed(xml, "the settings");
+  const QDomElement root = document.documentElement();
+  std::vector<std::string> uses;
+  std::set<std::string> names;
+  for (ExplorerView* view : views)
+  {
+    names.clear();
+    collectVariableNames(root.firstChildElement(QString::fromStdString(view->domName())),
+                         view->variableElements(),
+                         names);
+    if (names.count(variable) != 0)
+      uses.push_back(view->title().toStdString());
+  }
+  names.clear();
+  collectVariableNames(root.firstChildElement("Filters"), {}, names);
+  if (names.count(variable) != 0)
+    uses.emplace_back("the range filters");
+  return uses;
+}
+
+void SettingsFile::apply(const QString& xml,
+                         const std::string& source,
+                         const StudySettings& study,
+                         const std::vector<ExplorerView*>& views,
+                         DataPipelineManager& pipeline,
+                         const Project& project)
+{
+  const QDomDocument document = parsed(xml, source);
+  const QDomElement root = document.documentElement();
 
   std::set<std::string> names;
   collectVariableNames(root.firstChildElement("Filters"), {}, names);
@@ -174,7 +292,7 @@ void SettingsFile::load(const QString& xml,
   QDomDocument before;
   before.setContent(write(study, views, pipeline));
   {
-    // The settings' own changes are not recorded one by one: loading is one step, below.
+    // The settings' own changes are not recorded one by one: loading is one step.
     UndoStack::SuspendUndoRecording notRecorded;
     try
     {
@@ -187,10 +305,25 @@ void SettingsFile::load(const QString& xml,
       throw SettingsError(source + ": a setting was refused, nothing was changed: " + problem);
     }
   }
+}
+
+void SettingsFile::load(const QString& xml,
+                        const std::string& source,
+                        const StudySettings& study,
+                        const std::vector<ExplorerView*>& views,
+                        DataPipelineManager& pipeline,
+                        const Project& project,
+                        const DeleteSignaler& owner)
+{
+  const QString before = write(study, views, pipeline);
+  apply(xml, source, study, views, pipeline, project);
+  const QDomDocument document = parsed(xml, source);
+  QDomDocument beforeDocument;
+  beforeDocument.setContent(before);
 
   // Both documents applied cleanly once; undo and redo apply them again. The stack runs redo on
   // push, when the settings are already in place.
-  const auto apply =
+  const auto applying =
     [study, views, pipeline = &pipeline, project = &project, source](const QDomDocument& doc)
   {
     return [=]
@@ -208,14 +341,14 @@ void SettingsFile::load(const QString& xml,
     };
   };
   auto applied = std::make_shared<bool>(true);
-  const auto redo = apply(document);
+  const auto redo = applying(document);
   UndoStack().push(new GenericUndoCommand(
     [applied, redo]
     {
       if (!std::exchange(*applied, false))
         redo();
     },
-    apply(before),
+    applying(beforeDocument),
     owner,
     "Load Settings",
     -1,

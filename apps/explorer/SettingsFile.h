@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SettingsError.h"
+#include "derived/DerivedVariables.h"
 
 #include <QString>
 #include <boost/shared_ptr.hpp>
@@ -22,7 +23,9 @@ class ExplorerView;
 
 /// The view settings of the explorer as one XML document: an element "ExplorerSettings" with the
 /// settings of the study that every view shares (where its files are, say), the element of each
-/// view (written by the view's serializer) and the range filters.
+/// view (written by the view's serializer), the range filters and the derived variables the
+/// study is shown with ("DerivedVariables", one "DerivedVariable" element with a name and an
+/// expression each, in the order they are computed).
 class SettingsFile
 {
 public:
@@ -30,7 +33,33 @@ public:
 
   static QString write(const StudySettings& study,
                        const std::vector<ExplorerView*>& views,
-                       const DataPipelineManager& pipeline);
+                       const DataPipelineManager& pipeline,
+                       const DerivedVariables& derived = {});
+
+  /// The derived variables a document names; throws SettingsError for a document that is not
+  /// well-formed or a definition without a name.
+  static DerivedVariables derivedVariablesOf(const QString& xml, const std::string& source);
+  /// The document with `derived` in place of its derived variables.
+  static QString withDerivedVariables(const QString& xml, const DerivedVariables& derived);
+  /// The document with every setting of `views` and every filter that names the variable `from`
+  /// naming `to` instead.
+  static QString withVariableRenamed(const QString& xml,
+                                     const std::vector<ExplorerView*>& views,
+                                     const std::string& from,
+                                     const std::string& to);
+  /// What in a document names the variable: the titles of the views whose settings do, and
+  /// "the range filters" when a filter does.
+  static std::vector<std::string> usesOf(const QString& xml,
+                                         const std::vector<ExplorerView*>& views,
+                                         const std::string& variable);
+
+  /// Applies a document as load() does, without recording an undo step.
+  static void apply(const QString& xml,
+                    const std::string& source,
+                    const StudySettings& study,
+                    const std::vector<ExplorerView*>& views,
+                    DataPipelineManager& pipeline,
+                    const Project& project);
 
   /// Reads settings and applies them. A document that is not well-formed, is not explorer
   /// settings, or names variables the study does not have is refused before anything changes;

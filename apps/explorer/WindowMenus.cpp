@@ -4,12 +4,14 @@
 #include "ExplorerWindow.h"
 #include "FileLocator.h"
 #include "StudySessions.h"
+#include "derived/DerivedVariableDialog.h"
 
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 #include "properties/PropertyAbstract.h"
 
 #include <QActionGroup>
+#include <QDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -19,6 +21,8 @@
 #include <QMessageBox>
 #include <QToolBar>
 #include <QUndoStack>
+
+#include <algorithm>
 
 namespace explorer
 {
@@ -52,6 +56,22 @@ WindowMenus::WindowMenus(ExplorerWindow& window)
   redoAction->setShortcut(QKeySequence::Redo);
   edit->addAction(undoAction);
   edit->addAction(redoAction);
+
+  QMenu* variables = window.menuBar()->addMenu("Va&riables");
+  variables->addAction("&New Derived Variable...", this, [this] { newDerivedVariable(); });
+  QAction* editDerived =
+    variables->addAction("&Edit Derived Variable...", this, [this] { editDerivedVariable(); });
+  QAction* removeDerived =
+    variables->addAction("&Remove Derived Variable...", this, [this] { removeDerivedVariable(); });
+  QObject::connect(variables,
+                   &QMenu::aboutToShow,
+                   this,
+                   [this, editDerived, removeDerived]
+                   {
+                     const bool any = !this->window.derivedVariables().empty();
+                     editDerived->setEnabled(any);
+                     removeDerived->setEnabled(any);
+                   });
 
   QMenu* viewMenu = window.menuBar()->addMenu("&View");
   QToolBar* tools = window.addToolBar("Chart");
@@ -133,6 +153,92 @@ void WindowMenus::locateFiles()
     return;
   window.files().addLocation({ prefix.toStdString(), folder.toStdString() });
   window.showMessage(QString("files starting with %1 are read from %2").arg(prefix, folder));
+}
+
+namespace
+{
+
+std::vector<std::string> variableNames(const Project& study)
+{
+  std::vector<std::string> names;
+  for (const auto& variable : study.variables())
+    names.push_back(variable.lock().name());
+  return names;
+}
+
+Expression::NameLookup kindsIn(std::shared_ptr<const Project> study)
+{
+  return [study](const std::string& name)
+  {
+    const Variable variable = study->variable(name).lock();
+    if (variable.isNull())
+      return Expression::NameKind::Unknown;
+    return study->numericValues(variable) ? Expression::NameKind::Numbers
+                                          : Expression::NameKind::Text;
+  };
+}
+
+} // namespace
+
+void WindowMenus::newDerivedVariable()
+{
+  DerivedVariableDialog dialog(&window,
+                               "New Derived Variable",
+                               variableNames(*window.project()),
+                               kindsIn(window.project()),
+                               {},
+                               [this](const DerivedVariable& variable)
+                               {
+                                 QString error;
+                                 window.addDerivedVariable(variable, error);
+                                 return error;
+                               });
+  dialog.exec();
+}
+
+QString WindowMenus::chooseDerivedVariable(const QString& title)
+{
+  QStringList names;
+  for (const auto& variable : window.derivedVariables())
+    names.push_back(QString::fromStdString(variable.name));
+  if (names.size() <= 1)
+    return names.value(0);
+  bool ok = false;
+  const QString chosen =
+    QInputDialog::getItem(&window, title, "Derived variable:", names, 0, false, &ok);
+  return ok ? chosen : QString();
+}
+
+void WindowMenus::editDerivedVariable()
+{
+  const std::string name = chooseDerivedVariable("Edit Derived Variable").toStdString();
+  const auto& derived = window.derivedVariables();
+  const auto found = std::find_if(
+    derived.begin(), derived.end(), [&name](const DerivedVariable& v) { return v.name == name; });
+  if (found == derived.end())
+    return;
+  DerivedVariableDialog dialog(&window,
+                               "Edit Derived Variable",
+                               variableNames(*window.project()),
+                               kindsIn(window.project()),
+                               *found,
+                               [this, name](const DerivedVariable& variable)
+                               {
+                                 QString error;
+                                 window.editDerivedVariable(name, variable, error);
+                                 return error;
+                               });
+  dialog.exec();
+}
+
+void WindowMenus::removeDerivedVariable()
+{
+  const QString name = chooseDerivedVariable("Remove Derived Variable");
+  if (name.isEmpty())
+    return;
+  QString error;
+  if (!window.removeDerivedVariable(name.toStdString(), error))
+    QMessageBox::warning(&window, "Remove Derived Variable", error);
 }
 
 void WindowMenus::openStudyFile()

@@ -14,8 +14,9 @@ class ExplorerView;
 class ExplorerWindow;
 
 /// The window's menus and tool bar: File (open a study from a file, a folder or the recent ones,
-/// load and save settings, export the cases, locate the study's files), Edit (undo, redo) and View
-/// (the chart's mouse modes and Fit to Data, also in the tool bar), with the dialogs they open.
+/// load and save settings, export the cases, locate the study's files), Edit (undo, redo),
+/// Variables (new, edit and remove derived variables) and View (the chart's mouse modes and Fit to
+/// Data, also in the tool bar), with the dialogs they open.
 class WindowMenus : public QObject
 {
 public:
@@ -33,6 +34,11 @@ private:
   void saveSettingsAs();
   void exportCasesAs(bool fullPrecision);
   void locateFiles();
+  void newDerivedVariable();
+  void editDerivedVariable();
+  void removeDerivedVariable();
+  // Asks which derived variable; empty when there is none or the user cancels.
+  QString chooseDerivedVariable(const QString& title);
 
   ExplorerWindow& window;
   ExplorerView* current = nullptr;

@@ -337,9 +337,8 @@ std::shared_ptr<const Project> ProjectBuilder::withColumns(
                     [&name = name](const VariableData& v) { return v.name == name; }))
       throw std::invalid_argument("the name \"" + name + "\" is taken");
     if (values.size() != rows)
-      throw std::invalid_argument("variable \"" + name + "\" has " +
-                                  std::to_string(values.size()) + " values for " +
-                                  std::to_string(rows) + " cases");
+      throw std::invalid_argument("variable \"" + name + "\" has " + std::to_string(values.size()) +
+                                  " values for " + std::to_string(rows) + " cases");
     VariableData variable;
     variable.name = name;
     variable.nature = natureOfNumbers(values);

@@ -165,6 +165,14 @@ TEST_F(Explorer, BadInputGetsAClearMessageAndANonZeroExit)
       { QString::fromStdString(study->path()), "--select", "1003,99999", "--screenshots", shots },
       4,
       "does not have: 99999" },
+    { "a derived variable that cannot be computed",
+      { QString::fromStdString(study->path()), "--derive", "r=range ^", "--screenshots", shots },
+      6,
+      "r: a value is expected after '^' (column 7)" },
+    { "a derived variable without a name",
+      { QString::fromStdString(study->path()), "--derive", "=range", "--screenshots", shots },
+      6,
+      "--derive takes NAME=EXPRESSION" },
     { "an unwritable output folder",
       { QString::fromStdString(study->path()),
         "--screenshots",
@@ -213,6 +221,35 @@ TEST_F(Explorer, TheScreenshotsShowTheSavedAxisRangesAndExportsKeepTheFilesPaths
   const std::string saved = testsupport::readFile(output.filePath("shots/settings.xml"));
   for (const char* element : { "<XMin>20</XMin>", "<XMax>40</XMax>", "<YMax>333</YMax>" })
     EXPECT_NE(saved.find(element), std::string::npos) << element << " in\n" << saved;
+
+  // A derived variable is exported with full precision and saved with its expression.
+  run = explorer({ QString::fromStdString(study->path()),
+                   "--derive",
+                   "per speed=range / speed^2",
+                   "--screenshots",
+                   shots });
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const std::string savedDerived = testsupport::readFile(output.filePath("shots/settings.xml"));
+  for (const char* attribute : { R"(name="per speed")", R"(expression="range / speed^2")" })
+    EXPECT_NE(savedDerived.find(attribute), std::string::npos) << attribute;
+  const QStringList rows =
+    QString::fromStdString(testsupport::readFile(output.filePath("shots/cases.csv"))).split('\n');
+  const QStringList header = rows.value(0).split(',');
+  const int range = header.indexOf("range");
+  const int speed = header.indexOf("speed");
+  const int perSpeed = header.indexOf("per speed");
+  ASSERT_GE(perSpeed, 0) << rows.value(0).toStdString();
+  int checked = 0;
+  for (int row = 1; row < rows.size(); ++row)
+  {
+    const QStringList values = rows[row].split(',');
+    if (values.size() <= perSpeed || values[range].isEmpty())
+      continue;
+    const double expected = values[range].toDouble() / std::pow(values[speed].toDouble(), 2);
+    EXPECT_EQ(values[perSpeed].toDouble(), expected) << rows[row].toStdString();
+    ++checked;
+  }
+  EXPECT_GT(checked, 0);
 
   // A Cinema database exported keeps its FILE columns as paths.
   TemporaryFolder db;

@@ -57,8 +57,7 @@ std::shared_ptr<const Project> withDerivedVariables(const Project& shown,
   {
     if (columnOf(name))
       return Expression::NameKind::Numbers;
-    const bool isStudyVariable =
-      !isPresent(present, name) && !shown.variable(name).lock().isNull();
+    const bool isStudyVariable = !isPresent(present, name) && !shown.variable(name).lock().isNull();
     return isStudyVariable ? Expression::NameKind::Text : Expression::NameKind::Unknown;
   };
 

@@ -67,7 +67,8 @@ std::vector<Token> tokensOf(const std::string& text)
       std::size_t end = i;
       while (end < text.size() &&
              (std::isalnum(static_cast<unsigned char>(text[end])) || text[end] == '.' ||
-              ((text[end] == '+' || text[end] == '-') && (text[end - 1] == 'e' || text[end - 1] == 'E'))))
+              ((text[end] == '+' || text[end] == '-') &&
+               (text[end - 1] == 'e' || text[end - 1] == 'E'))))
         ++end;
       token.kind = Token::Number;
       token.text = text.substr(i, end - i);
@@ -555,10 +556,20 @@ void runBinary(Code code, const double* a, const double* b, double* out, std::si
       logical(a, b, out, n, [](double x, double y) { return x != 0.0 || y != 0.0; });
       break;
     case Code::Min:
-      binary(a, b, out, n, [](double x, double y) { return std::isnan(x) || std::isnan(y) ? nan : std::min(x, y); });
+      binary(a,
+             b,
+             out,
+             n,
+             [](double x, double y)
+             { return std::isnan(x) || std::isnan(y) ? nan : std::min(x, y); });
       break;
     case Code::Max:
-      binary(a, b, out, n, [](double x, double y) { return std::isnan(x) || std::isnan(y) ? nan : std::max(x, y); });
+      binary(a,
+             b,
+             out,
+             n,
+             [](double x, double y)
+             { return std::isnan(x) || std::isnan(y) ? nan : std::max(x, y); });
       break;
     default:
       break;

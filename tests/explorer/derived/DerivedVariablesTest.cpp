@@ -43,7 +43,9 @@ std::vector<std::string> namesOf(const Project& study)
   return names;
 }
 
-std::string refusalOf(const Project& study, const DerivedVariables& present, const DerivedVariables& wanted)
+std::string refusalOf(const Project& study,
+                      const DerivedVariables& present,
+                      const DerivedVariables& wanted)
 {
   try
   {
@@ -84,7 +86,8 @@ TEST(DerivedVariables, AreComputedInOrderAndKeepTheStudy)
   EXPECT_EQ(grown->caseIds(), study->caseIds());
   EXPECT_EQ(grown->folder(), "/studies/small");
   EXPECT_EQ(grown->variable("speed").lock().role(), Variable::Input);
-  EXPECT_EQ(*grown->textValues(grown->variable("material").lock()), *study->textValues(study->variable("material").lock()));
+  EXPECT_EQ(*grown->textValues(grown->variable("material").lock()),
+            *study->textValues(study->variable("material").lock()));
   ASSERT_EQ(grown->auxFiles().size(), 1U);
   EXPECT_EQ(grown->auxFiles()[0].lock().filePath(), "/studies/small/images/3.png");
   EXPECT_EQ(grown->record(3).lock().auxFiles().size(), 1U);
@@ -93,7 +96,8 @@ TEST(DerivedVariables, AreComputedInOrderAndKeepTheStudy)
   EXPECT_EQ(namesOf(*study), (std::vector<std::string>{ "range", "speed", "material" }));
 
   // Changed: the one before changes, the one after follows.
-  const DerivedVariables changed{ { "per speed", "range / speed ^ 2" }, { "twice", "`per speed` * 2" } };
+  const DerivedVariables changed{ { "per speed", "range / speed ^ 2" },
+                                  { "twice", "`per speed` * 2" } };
   const auto edited = withDerivedVariables(*grown, good, changed);
   EXPECT_EQ(valuesOf(*edited, "twice")[1], 4.0);
   EXPECT_EQ(namesOf(*edited), namesOf(*grown));
@@ -112,15 +116,20 @@ TEST(DerivedVariables, RefuseDefinitionsWithTheVariableNamed)
   const std::vector<std::pair<DerivedVariables, std::string>> table{
     { { { "speed", "range" } }, "speed: the study has a variable of that name already" },
     { { { "case_id", "range" } }, "case_id: the study has a variable of that name already" },
-    { { { "m", "material" } }, "m: \"material\" holds text, and only numbers can be computed with (column 1)" },
+    { { { "m", "material" } },
+      "m: \"material\" holds text, and only numbers can be computed with (column 1)" },
     { { { "", "range" } }, "a derived variable needs a name" },
     { { { " r", "range" } }, " r: a name may not begin or end with a space" },
     { { { "r", "range ^" } }, "r: a value is expected after '^' (column 7)" },
     { { { "a", "1" }, { "a", "2" } }, "a: the study has a variable of that name already" },
     // A derived variable being removed cannot be used by one that stays.
-    { { { "twice", "ratio * 2" } }, "twice: there is no variable named \"ratio\" (put names with spaces or symbols in backquotes) (column 1)" },
+    { { { "twice", "ratio * 2" } },
+      "twice: there is no variable named \"ratio\" (put names with spaces or symbols in "
+      "backquotes) (column 1)" },
     // Nor one defined after it.
-    { { { "twice", "r2 * 2" }, { "r2", "range" } }, "twice: there is no variable named \"r2\" (put names with spaces or symbols in backquotes) (column 1)" },
+    { { { "twice", "r2 * 2" }, { "r2", "range" } },
+      "twice: there is no variable named \"r2\" (put names with spaces or symbols in backquotes) "
+      "(column 1)" },
   };
   for (const auto& [wanted, message] : table)
     EXPECT_EQ(refusalOf(*shown, present, wanted), message);
@@ -130,7 +139,8 @@ TEST(DerivedVariables, RefuseDefinitionsWithTheVariableNamed)
 
 TEST(DerivedVariables, AreReadFromNameEqualsExpression)
 {
-  EXPECT_EQ(derivedVariableOf("ratio=range / speed"), (DerivedVariable{ "ratio", "range / speed" }));
+  EXPECT_EQ(derivedVariableOf("ratio=range / speed"),
+            (DerivedVariable{ "ratio", "range / speed" }));
   EXPECT_EQ(derivedVariableOf(" same = a == b"), (DerivedVariable{ "same", " a == b" }));
   EXPECT_EQ(derivedVariableOf("in:x [m]=1"), (DerivedVariable{ "in:x [m]", "1" }));
   for (const std::string bad : { "ratio", "=1", "  = 1" })

@@ -20,7 +20,8 @@ constexpr double inf = std::numeric_limits<double>::infinity();
 
 // One case: a = 2, b = 3, z = 0, c missing, "in:Depth [ft]" = 10; "material" is text.
 const std::map<std::string, double> oneCase{
-  { "a", 2.0 }, { "b", 3.0 }, { "z", 0.0 }, { "c", missing }, { "in:Depth [ft]", 10.0 }, { "speed", 4.0 }
+  { "a", 2.0 },    { "b", 3.0 }, { "z", 0.0 }, { "c", missing }, { "in:Depth [ft]", 10.0 },
+  { "speed", 4.0 }
 };
 
 Expression::NameKind kindOf(const std::string& name)
@@ -131,8 +132,12 @@ TEST(Expression, ComputesEveryCaseAcrossBlocks)
     b[i] = i % 1024 == 1023 ? missing : static_cast<double>(rows - i);
   }
   const auto numbers = [](const std::string& name)
-  { return name == "a" || name == "b" ? Expression::NameKind::Numbers : Expression::NameKind::Unknown; };
-  const Expression expression = Expression::parse("if(a > b, a - b, max(b, 3) / (a + 1)) * 2", numbers);
+  {
+    return name == "a" || name == "b" ? Expression::NameKind::Numbers
+                                      : Expression::NameKind::Unknown;
+  };
+  const Expression expression =
+    Expression::parse("if(a > b, a - b, max(b, 3) / (a + 1)) * 2", numbers);
   ASSERT_EQ(expression.variables(), (std::vector<std::string>{ "a", "b" }));
   std::vector<double> out(rows, -1.0);
   expression.evaluate({ a.data(), b.data() }, rows, out.data());
