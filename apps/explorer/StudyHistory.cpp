@@ -32,7 +32,7 @@ void StudyHistory::restart()
   lastIndex = stack.index();
   // Only the present is known: a stack taken over keeps the present for every index, and its
   // steps undo themselves as long as the views they were made in live.
-  states.assign(entries.size() + 1, state());
+  states.assign(entries.size() + 1, packedState());
 }
 
 void StudyHistory::viewsRemade()
@@ -54,7 +54,14 @@ void StudyHistory::pushStudyStep(const QString& text, const DeleteSignaler& owne
 
 QString StudyHistory::stateAt(int index) const
 {
-  return index >= 0 && std::size_t(index) < states.size() ? states[std::size_t(index)] : QString();
+  if (index < 0 || std::size_t(index) >= states.size())
+    return {};
+  return QString::fromUtf8(qUncompress(states[std::size_t(index)]));
+}
+
+QByteArray StudyHistory::packedState() const
+{
+  return qCompress(state().toUtf8());
 }
 
 void StudyHistory::indexChanged(int index)
@@ -76,7 +83,7 @@ void StudyHistory::indexChanged(int index)
     for (int i = int(same); i < count; ++i)
     {
       entries.push_back({ stack.command(i), generation, false });
-      states.push_back(state());
+      states.push_back(packedState());
     }
     lastIndex = index;
     return;
@@ -85,7 +92,7 @@ void StudyHistory::indexChanged(int index)
   {
     // A step merged into the last one, or a macro closed: the present is its state.
     if (std::size_t(index) < states.size())
-      states[std::size_t(index)] = state();
+      states[std::size_t(index)] = packedState();
     return;
   }
   // Undone or redone: the steps crossed restore themselves unless their views are gone.
@@ -98,11 +105,11 @@ void StudyHistory::indexChanged(int index)
                                 { return entry.generation == generation && !entry.studyStep; });
   if (kept || std::size_t(index) >= states.size())
     return;
-  const QString wanted = states[std::size_t(index)];
-  if (state() == wanted)
+  const QByteArray& wanted = states[std::size_t(index)];
+  if (packedState() == wanted)
     return;
   restoring = true;
-  restore(wanted);
+  restore(stateAt(index));
   restoring = false;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QObject>
 #include <QString>
 
@@ -48,12 +49,14 @@ private:
   };
 
   void indexChanged(int index);
+  QByteArray packedState() const;
 
   std::function<QString()> state;
   std::function<void(const QString&)> restore;
   std::vector<Entry> entries;
-  // states[i] is the document after entries [0, i): one more than the entries.
-  std::vector<QString> states;
+  // states[i] is the document after entries [0, i): one more than the entries. Kept compressed:
+  // a document is a few kilobytes, a long session thousands of steps.
+  std::vector<QByteArray> states;
   int lastIndex = 0;
   int generation = 0;
   bool restoring = false;
