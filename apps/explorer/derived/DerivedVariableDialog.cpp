@@ -23,6 +23,7 @@ DerivedVariableDialog::DerivedVariableDialog(QWidget* parent,
   , make(std::move(make))
 {
   setWindowTitle(title);
+  setMinimumWidth(520);
   name = new QLineEdit(QString::fromStdString(initial.name));
   expression = new QLineEdit(QString::fromStdString(initial.expression));
   expression->setPlaceholderText("range / speed ^ 2");
