@@ -23,6 +23,7 @@
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "dataviews/DataViewVisitorAbstract.h"
+#include "dataviews/PxWaitCursor.h"
 #include "derived/Expression.h"
 #include "images/ImageCache.h"
 #include "signals/SignalConnectionCollection.h"
@@ -98,6 +99,8 @@ struct ExplorerWindow::Impl
   // The owner of the steps that change the study (derived variables), which outlive the views.
   DeleteSignaler undoOwner;
   DerivedVariables derived;
+  // The figures of the runs' series that derived variables used, kept while the study is shown.
+  SeriesFeatureColumns seriesFeatures;
   std::unique_ptr<StudyHistory> history;
   std::vector<PathRebase> rebases;
   // What the window keeps between runs; null when it keeps nothing (screenshots, tests).
@@ -240,6 +243,7 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   UndoStack().clear();
   d->selection->setSelection({});
   d->derived.clear();
+  d->seriesFeatures.clear();
   makeViews(project ? std::move(project) : Project::project());
   d->history->restart();
 }
@@ -441,7 +445,13 @@ void ExplorerWindow::applyStudyState(const QString& xml, const std::string& sour
   std::shared_ptr<const Project> changed;
   try
   {
-    changed = withDerivedVariables(*d->project, d->derived, wanted);
+    const PxWaitCursor waiting;
+    changed = withDerivedVariables(
+      *d->project,
+      d->derived,
+      wanted,
+      [this](const std::vector<SeriesFeature>& features)
+      { return d->seriesFeatures.columns(*d->project, d->files.get(), features); });
   }
   catch (const ExpressionError& e)
   {

@@ -3,11 +3,13 @@
 #include "ExplorerView.h"
 #include "ExplorerWindow.h"
 #include "FileLocator.h"
+#include "StudyFiles.h"
 #include "StudySessions.h"
 #include "derived/DerivedVariableDialog.h"
 
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
+#include "datamanagement/SeriesReader.h"
 #include "properties/PropertyAbstract.h"
 
 #include <QActionGroup>
@@ -178,6 +180,32 @@ Expression::NameLookup kindsIn(std::shared_ptr<const Project> study)
   };
 }
 
+// The runs' series: the columns of a tag are those of the first run's file that can be read.
+DerivedVariableDialog::Series seriesOf(const ExplorerWindow& window)
+{
+  const auto study = window.project();
+  const FileLocator* files = &window.files();
+  return { studyfiles::seriesTags(*study),
+           [study, files](const std::string& tag)
+           {
+             for (const auto& handle : study->auxFiles())
+             {
+               const AuxFile file = handle.lock();
+               if (!file.hasTag(tag) || !studyfiles::isSeries(file.filePath()))
+                 continue;
+               try
+               {
+                 return readSeriesTable(files->locate(file.filePath())).names;
+               }
+               catch (const std::exception&)
+               {
+                 continue;
+               }
+             }
+             return std::vector<std::string>{};
+           } };
+}
+
 } // namespace
 
 void WindowMenus::newDerivedVariable()
@@ -186,6 +214,7 @@ void WindowMenus::newDerivedVariable()
                                "New Derived Variable",
                                variableNames(*window.project()),
                                kindsIn(window.project()),
+                               seriesOf(window),
                                {},
                                [this](const DerivedVariable& variable)
                                {
@@ -221,6 +250,7 @@ void WindowMenus::editDerivedVariable()
                                "Edit Derived Variable",
                                variableNames(*window.project()),
                                kindsIn(window.project()),
+                               seriesOf(window),
                                *found,
                                [this, name](const DerivedVariable& variable)
                                {

@@ -7,10 +7,12 @@
 
 #include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
+#include "datamanagement/SeriesReader.h"
 #include "properties/PropertyAbstract.h"
 
 #include <QUndoStack>
 
+#include <algorithm>
 #include <cmath>
 
 using explorer::DerivedVariable;
@@ -176,4 +178,34 @@ TEST_F(DerivedVariablesInWindow, SettingsFilesCarryThemOrAreRefusedWhole)
     EXPECT_EQ(shown(), start) << message;
     EXPECT_EQ(UndoStack().count(), 0) << message;
   }
+}
+
+TEST_F(DerivedVariablesInWindow, FiguresOfEachRunsSeriesAreVariablesOfTheCase)
+{
+  QString error;
+  ASSERT_TRUE(window->addDerivedVariable(
+    { "top speed", "series_max(`series:flight`, speed) - series_final(`series:flight`, speed)" },
+    error))
+    << error.toStdString();
+  const auto project = window->project();
+  const auto& values = *project->numericValues(project->variable("top speed").lock());
+  const auto records = project->records();
+  int checked = 0;
+  for (std::size_t row = 0; row < records.size(); ++row)
+  {
+    for (const auto& handle : records[row].lock().auxFiles())
+    {
+      const AuxFile file = handle.lock();
+      if (!file.hasTag("series:flight"))
+        continue;
+      const SeriesTable table = readSeriesTable(file.filePath());
+      const auto& speed = *table.column("speed");
+      EXPECT_DOUBLE_EQ(values[row], *std::max_element(speed.begin(), speed.end()) - speed.back())
+        << file.filePath();
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 0);
+  EXPECT_FALSE(window->addDerivedVariable({ "bad", "series_max(`series:flight`, spd)" }, error));
+  EXPECT_EQ(error.toStdString(), "bad: no series tagged \"series:flight\" has the column \"spd\"");
 }

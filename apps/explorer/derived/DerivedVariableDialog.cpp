@@ -1,12 +1,13 @@
 #include "derived/DerivedVariableDialog.h"
 
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QVBoxLayout>
 
 namespace explorer
@@ -16,6 +17,7 @@ DerivedVariableDialog::DerivedVariableDialog(QWidget* parent,
                                              const QString& title,
                                              const std::vector<std::string>& variables,
                                              Expression::NameLookup kindOf,
+                                             const Series& series,
                                              const DerivedVariable& initial,
                                              std::function<QString(const DerivedVariable&)> make)
   : QDialog(parent)
@@ -46,6 +48,8 @@ DerivedVariableDialog::DerivedVariableDialog(QWidget* parent,
   layout->addWidget(help);
   layout->addWidget(new QLabel("Variables (double-click to insert):"));
   layout->addWidget(list);
+  if (!series.tags.empty())
+    layout->addWidget(seriesChooser(series));
   layout->addWidget(problem);
   layout->addWidget(buttons);
 
@@ -58,17 +62,86 @@ DerivedVariableDialog::DerivedVariableDialog(QWidget* parent,
           this,
           [this](QListWidgetItem* item)
           {
-            expression->insert(quoted(item->text().toStdString()));
+            expression->insert(
+              QString::fromStdString(Expression::quoted(item->text().toStdString())));
             expression->setFocus();
           });
   check();
 }
 
-QString DerivedVariableDialog::quoted(const std::string& name)
+QWidget* DerivedVariableDialog::seriesChooser(const Series& series)
 {
-  static const QRegularExpression plain("^[A-Za-z_][A-Za-z0-9_]*$");
-  const QString text = QString::fromStdString(name);
-  return plain.match(text).hasMatch() ? text : "`" + text + "`";
+  auto* box = new QGroupBox("From each run's series");
+  auto* tag = new QComboBox();
+  for (const auto& name : series.tags)
+    tag->addItem(QString::fromStdString(name));
+  auto* figure = new QComboBox();
+  const std::pair<const char*, SeriesFeature::Kind> figures[] = {
+    { "final value of Y", SeriesFeature::Final },
+    { "minimum of Y", SeriesFeature::Minimum },
+    { "maximum of Y", SeriesFeature::Maximum },
+    { "mean of Y", SeriesFeature::Mean },
+    { "X at the maximum of Y", SeriesFeature::XAtMaximum },
+    { "integral of Y over X", SeriesFeature::Integral },
+    { "first X where Y crosses the value", SeriesFeature::FirstCrossing },
+  };
+  for (const auto& [label, kind] : figures)
+    figure->addItem(label, int(kind));
+  auto* x = new QComboBox();
+  auto* y = new QComboBox();
+  auto* value = new QLineEdit("0");
+  auto* insert = new QPushButton("Insert");
+  auto* form = new QFormLayout(box);
+  form->addRow("Series:", tag);
+  form->addRow("Figure:", figure);
+  form->addRow("X:", x);
+  form->addRow("Y:", y);
+  form->addRow("Value:", value);
+  form->addRow(insert);
+
+  const auto fillColumns = [series, tag, x, y]
+  {
+    x->clear();
+    y->clear();
+    for (const auto& column : series.columnsOf(tag->currentText().toStdString()))
+    {
+      x->addItem(QString::fromStdString(column));
+      y->addItem(QString::fromStdString(column));
+    }
+    // The first column is most often time or position, the second what changes along it.
+    y->setCurrentIndex(y->count() > 1 ? 1 : 0);
+  };
+  const auto enableFields = [figure, x, value]
+  {
+    const auto kind = SeriesFeature::Kind(figure->currentData().toInt());
+    x->setEnabled(SeriesFeature::takesX(kind));
+    value->setEnabled(kind == SeriesFeature::FirstCrossing);
+  };
+  connect(tag, &QComboBox::currentTextChanged, this, fillColumns);
+  connect(figure, qOverload<int>(&QComboBox::currentIndexChanged), this, enableFields);
+  connect(insert,
+          &QPushButton::clicked,
+          this,
+          [this, tag, figure, x, y, value]
+          {
+            SeriesFeature feature;
+            feature.kind = SeriesFeature::Kind(figure->currentData().toInt());
+            feature.tag = tag->currentText().toStdString();
+            feature.x = x->currentText().toStdString();
+            feature.y = y->currentText().toStdString();
+            bool ok = false;
+            feature.value = value->text().toDouble(&ok);
+            if (feature.kind == SeriesFeature::FirstCrossing && !ok)
+            {
+              problem->setText("The value Y crosses must be a number.");
+              return;
+            }
+            expression->insert(QString::fromStdString(feature.text()));
+            expression->setFocus();
+          });
+  fillColumns();
+  enableFields();
+  return box;
 }
 
 void DerivedVariableDialog::check()

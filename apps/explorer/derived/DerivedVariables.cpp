@@ -34,7 +34,8 @@ std::string trimmed(const std::string& text)
 
 std::shared_ptr<const Project> withDerivedVariables(const Project& shown,
                                                     const DerivedVariables& present,
-                                                    const DerivedVariables& wanted)
+                                                    const DerivedVariables& wanted,
+                                                    const SeriesColumns& series)
 {
   std::vector<std::string> removed;
   for (const auto& variable : present)
@@ -75,9 +76,25 @@ std::shared_ptr<const Project> withDerivedVariables(const Project& shown,
     try
     {
       const Expression expression = Expression::parse(variable.expression, kindOf);
+      const auto& features = expression.seriesFeatures();
+      std::vector<std::vector<double>> featureColumns;
+      if (!features.empty())
+      {
+        if (!series)
+          throw ExpressionError("the runs' series are not read here");
+        featureColumns = series(features);
+      }
       std::vector<const double*> values;
       for (const auto& name : expression.variables())
-        values.push_back(columnOf(name)->data());
+      {
+        const auto feature =
+          std::find_if(features.begin(),
+                       features.end(),
+                       [&name](const SeriesFeature& f) { return f.text() == name; });
+        values.push_back(feature == features.end()
+                           ? columnOf(name)->data()
+                           : featureColumns[std::size_t(feature - features.begin())].data());
+      }
       std::vector<double> result(shown.numberOfRecords());
       expression.evaluate(values, result.size(), result.data());
       computed.emplace_back(variable.name, std::move(result));

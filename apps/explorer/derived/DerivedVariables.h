@@ -1,5 +1,8 @@
 #pragma once
 
+#include "derived/SeriesFeatures.h"
+
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,13 +27,19 @@ struct DerivedVariable
 };
 using DerivedVariables = std::vector<DerivedVariable>;
 
+/// The columns of series features, one per feature, in record order (see SeriesFeatureColumns).
+using SeriesColumns =
+  std::function<std::vector<std::vector<double>>(const std::vector<SeriesFeature>&)>;
+
 /// The study `shown`, which holds the derived variables `present`, holding `wanted` instead.
-/// They are computed in order, so that each can use the ones before it. Throws ExpressionError
-/// naming the variable and the reason ("ratio: there is no variable named \"spd\" (column 1)")
-/// when one cannot be computed; `shown` is left as it is.
+/// They are computed in order, so that each can use the ones before it; `series` gives the
+/// figures of the runs' series they use. Throws ExpressionError naming the variable and the
+/// reason ("ratio: there is no variable named \"spd\" (column 1)") when one cannot be
+/// computed; `shown` is left as it is.
 std::shared_ptr<const Project> withDerivedVariables(const Project& shown,
                                                     const DerivedVariables& present,
-                                                    const DerivedVariables& wanted);
+                                                    const DerivedVariables& wanted,
+                                                    const SeriesColumns& series = {});
 
 /// Parses a "NAME=EXPRESSION" definition, as given on the command line. Throws ExpressionError
 /// when there is no '=' or no name.

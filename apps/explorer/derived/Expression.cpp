@@ -169,6 +169,7 @@ public:
   }
 
   void parse(std::vector<std::string>& names,
+             std::vector<SeriesFeature>& features,
              std::vector<double>& constants,
              std::vector<Expression::Instruction>& program,
              std::size_t& depth)
@@ -183,6 +184,7 @@ public:
       refuse("an operator is expected before " + shown(peek()), peek().column);
     }
     names = std::move(variables);
+    features = std::move(seriesFeatures);
     constants = std::move(values);
     program = std::move(code);
     depth = maxDepth;
@@ -403,6 +405,16 @@ private:
         call(token, *function);
         return;
       }
+      for (int kind = SeriesFeature::Final; kind <= SeriesFeature::FirstCrossing; ++kind)
+      {
+        if (token.text != SeriesFeature::functionName(SeriesFeature::Kind(kind)))
+          continue;
+        if (!called)
+          refuse(token.text + " needs its arguments in parentheses: " + token.text + "(...)",
+                 token.column);
+        seriesCall(token, SeriesFeature::Kind(kind));
+        return;
+      }
       if (isKeyword(token))
         missingValue(next - 1);
       if (called)
@@ -430,10 +442,68 @@ private:
       case Expression::NameKind::Numbers:
         break;
     }
-    auto known = std::find(variables.begin(), variables.end(), token.text);
+    pushVariable(token.text);
+  }
+
+  void pushVariable(const std::string& name)
+  {
+    auto known = std::find(variables.begin(), variables.end(), name);
     if (known == variables.end())
-      known = variables.insert(variables.end(), token.text);
+      known = variables.insert(variables.end(), name);
     emit(Code::PushVariable, std::size_t(known - variables.begin()));
+  }
+
+  // series_max(TAG, Y) and the like: names of the run's file and its columns, not variables.
+  void seriesCall(const Token& token, SeriesFeature::Kind kind)
+  {
+    take(); // '('
+    SeriesFeature feature;
+    feature.kind = kind;
+    const auto nameHere = [&](const char* what)
+    {
+      if (peek().kind != Token::Name)
+        refuse(token.text + " expects " + what + " here", peek().column);
+      return take().text;
+    };
+    const auto comma = [&]
+    {
+      if (!isSymbol(","))
+      {
+        if (peek().kind == Token::End)
+          refuse("the '(' of " + token.text + " is not closed", token.column);
+        refuse("',' is expected before " + shown(peek()), peek().column);
+      }
+      take();
+    };
+    feature.tag = nameHere("the tag of the runs' series files");
+    if (SeriesFeature::takesX(kind))
+    {
+      comma();
+      feature.x = nameHere("the name of the series' X column");
+    }
+    comma();
+    feature.y = nameHere("the name of the series' Y column");
+    if (kind == SeriesFeature::FirstCrossing)
+    {
+      comma();
+      const bool negative = isSymbol("-");
+      if (negative)
+        take();
+      if (peek().kind != Token::Number)
+        refuse(token.text + " expects the value Y crosses here", peek().column);
+      feature.value = negative ? -take().number : take().number;
+    }
+    if (!isSymbol(")"))
+    {
+      if (peek().kind == Token::End)
+        refuse("the '(' of " + token.text + " is not closed", token.column);
+      refuse("')' is expected before " + shown(peek()), peek().column);
+    }
+    take();
+    const std::string name = feature.text();
+    if (std::find(variables.begin(), variables.end(), name) == variables.end())
+      seriesFeatures.push_back(feature);
+    pushVariable(name);
   }
 
   void call(const Token& token, const Function& function)
@@ -476,6 +546,7 @@ private:
   const Expression::NameLookup& kindOf;
   std::size_t next = 0;
   std::vector<std::string> variables;
+  std::vector<SeriesFeature> seriesFeatures;
   std::vector<double> values;
   std::vector<Expression::Instruction> code;
   std::size_t stack = 0;
@@ -627,8 +698,23 @@ Expression Expression::parse(const std::string& text, const NameLookup& kindOf)
 {
   Expression expression;
   Parser(tokensOf(text), kindOf)
-    .parse(expression.names, expression.constants, expression.program, expression.depth);
+    .parse(expression.names,
+           expression.features,
+           expression.constants,
+           expression.program,
+           expression.depth);
   return expression;
+}
+
+std::string Expression::quoted(const std::string& name)
+{
+  // Words of the language stand for themselves unless quoted.
+  static const std::array<const char*, 5> words{ "and", "or", "not", "pi", "e" };
+  const bool plain = !name.empty() && startsName(name.front()) &&
+                     std::all_of(name.begin(), name.end(), continuesName) &&
+                     std::find(words.begin(), words.end(), name) == words.end() &&
+                     !functionNamed(name);
+  return plain ? name : "`" + name + "`";
 }
 
 void Expression::evaluate(const std::vector<const double*>& values,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "derived/SeriesFeatures.h"
+
 #include <cstddef>
 #include <functional>
 #include <stdexcept>
@@ -23,7 +25,8 @@ public:
 /// The language: numbers, variables (names with spaces or symbols in backquotes: `in:Depth [ft]`),
 /// `+ - * / ^` (`^` binds tighter than a sign: -2^2 is -4), parentheses, comparisons
 /// `< <= > >= == !=` (1 or 0), `and or not`, `if(c, a, b)`, the functions
-/// `abs sqrt exp log log10 sin cos tan floor ceil pow min max` and the constants `pi` and `e`.
+/// `abs sqrt exp log log10 sin cos tan floor ceil pow min max`, the constants `pi` and `e`, and
+/// figures of each run's series (see SeriesFeature): series_max(`series:flight`, speed).
 /// Arithmetic follows IEEE (1/0 is inf, 0/0 NaN); a missing value (NaN) anywhere in a
 /// comparison, a logical operator, min, max or the condition of `if` gives NaN, not a guess.
 class Expression
@@ -41,8 +44,14 @@ public:
   /// Parses `text`; names are looked up with `kindOf`. Throws ExpressionError.
   static Expression parse(const std::string& text, const NameLookup& kindOf);
 
-  /// The variables the expression reads, each once, in the order they first appear.
+  /// The variables the expression reads, each once, in the order they first appear. A series
+  /// feature is among them under its text().
   const std::vector<std::string>& variables() const { return names; }
+  /// The series features the expression reads.
+  const std::vector<SeriesFeature>& seriesFeatures() const { return features; }
+
+  /// How an expression writes a name: as it is when it is a plain name, else in backquotes.
+  static std::string quoted(const std::string& name);
 
   /// Computes the expression for `rows` cases into `out`; `values[i]` holds the `rows` values of
   /// variables()[i].
@@ -54,6 +63,7 @@ private:
   Expression() = default;
 
   std::vector<std::string> names;
+  std::vector<SeriesFeature> features;
   std::vector<double> constants;
   std::vector<Instruction> program;
   std::size_t depth = 0;
