@@ -329,12 +329,14 @@ std::shared_ptr<const Project> ProjectBuilder::withColumns(
     variables.push_back(std::move(variable));
   }
   const std::size_t rows = data->caseIds.size();
-  for (auto& [name, values] : added)
+  for (auto& addition : added)
   {
+    const std::string& name = addition.first;
+    std::vector<double>& values = addition.second;
     if (name.empty() || name == caseIdName ||
         std::any_of(variables.begin(),
                     variables.end(),
-                    [&name = name](const VariableData& v) { return v.name == name; }))
+                    [&name](const VariableData& v) { return v.name == name; }))
       throw std::invalid_argument("the name \"" + name + "\" is taken");
     if (values.size() != rows)
       throw std::invalid_argument("variable \"" + name + "\" has " + std::to_string(values.size()) +

@@ -54,7 +54,7 @@ protected:
 
   std::string saved(const std::string& name) const
   {
-    const std::string path = files.filePath(name + ".xml");
+    std::string path = files.filePath(name + ".xml");
     QString error;
     EXPECT_TRUE(window->saveSettings(QString::fromStdString(path), error)) << error.toStdString();
     return path;

@@ -217,6 +217,7 @@ std::vector<std::vector<double>> SeriesFeatureColumns::columns(
     }
   }
   std::vector<std::vector<double>> result;
+  result.reserve(features.size());
   for (const auto& feature : features)
     result.push_back(computed.at(feature.text()));
   return result;

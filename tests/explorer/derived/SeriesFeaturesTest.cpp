@@ -149,8 +149,7 @@ TEST(SeriesFeatures, ColumnsAreReadFromEachRunsFileOnce)
   otherColumn.y = "spd";
   for (const auto& [asked, message] : std::vector<std::pair<SeriesFeature, std::string>>{
          { otherTag, "no run has a series tagged \"series:other\"" },
-         { otherColumn,
-           "no series tagged \"series:flight\" has the columns \"time\" and \"spd\"" } })
+         { otherColumn, R"(no series tagged "series:flight" has the columns "time" and "spd")" } })
   {
     try
     {
