@@ -40,6 +40,7 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTabWidget>
 #include <QTextStream>
 #include <QTimer>
 #include <boost/make_shared.hpp>
@@ -253,6 +254,9 @@ void ExplorerWindow::remakeViews(std::shared_ptr<const Project> project, Derived
   const QByteArray mainPanes = d->splitter->saveState();
   auto* side = qobject_cast<QSplitter*>(d->splitter->widget(d->splitter->count() - 1));
   const QByteArray sidePanes = side ? side->saveState() : QByteArray();
+  std::vector<int> tabs;
+  for (const auto* tabWidget : d->splitter->findChildren<QTabWidget*>())
+    tabs.push_back(tabWidget->currentIndex());
   const std::set<unsigned long long> selected = d->selection->getSelections();
   // Cleared while no view listens, and given back to the new views.
   d->clearViews();
@@ -262,6 +266,10 @@ void ExplorerWindow::remakeViews(std::shared_ptr<const Project> project, Derived
   d->splitter->restoreState(mainPanes);
   if (auto* newSide = qobject_cast<QSplitter*>(d->splitter->widget(d->splitter->count() - 1)))
     newSide->restoreState(sidePanes);
+  // The same views in the same places: the tabs brought forward stay forward.
+  const auto tabWidgets = d->splitter->findChildren<QTabWidget*>();
+  for (int i = 0; i < tabWidgets.size() && std::size_t(i) < tabs.size(); ++i)
+    tabWidgets[i]->setCurrentIndex(tabs[std::size_t(i)]);
   d->selection->setSelection(selected);
   d->history->viewsRemade();
 }
@@ -424,6 +432,8 @@ bool ExplorerWindow::loadSettings(const QString& path, QString& error)
 
 QString ExplorerWindow::settingsDocument() const
 {
+  if (!d->pipeline)
+    return {};
   return SettingsFile::write(
     { d->files->serializer(), d->roles->serializer() }, views(), *d->pipeline, d->derived);
 }

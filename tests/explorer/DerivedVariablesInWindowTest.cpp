@@ -3,6 +3,7 @@
 // renamed variable, and settings files that carry them (or are refused whole).
 
 #include "SampleWindow.h"
+#include "views/line/LinePlotView.h"
 #include "views/scatter/ScatterPlotView.h"
 
 #include "analyzer_common/SelectionModel.h"
@@ -182,6 +183,8 @@ TEST_F(DerivedVariablesInWindow, SettingsFilesCarryThemOrAreRefusedWhole)
 
 TEST_F(DerivedVariablesInWindow, FiguresOfEachRunsSeriesAreVariablesOfTheCase)
 {
+  auto* tabs = window->findChild<QTabWidget*>("viewTabs");
+  tabs->setCurrentWidget(window->view<explorer::LinePlotView>()->widget());
   QString error;
   ASSERT_TRUE(window->addDerivedVariable(
     { "top speed", "series_max(`series:flight`, speed) - series_final(`series:flight`, speed)" },
@@ -206,6 +209,9 @@ TEST_F(DerivedVariablesInWindow, FiguresOfEachRunsSeriesAreVariablesOfTheCase)
     }
   }
   EXPECT_GT(checked, 0);
+  EXPECT_EQ(window->findChild<QTabWidget*>("viewTabs")->currentWidget(),
+            window->view<explorer::LinePlotView>()->widget())
+    << "the views made again keep the tab brought forward";
   EXPECT_FALSE(window->addDerivedVariable({ "bad", "series_max(`series:flight`, spd)" }, error));
   EXPECT_EQ(error.toStdString(), "bad: no series tagged \"series:flight\" has the column \"spd\"");
 }
