@@ -560,30 +560,63 @@ double truth(bool value)
   return value ? 1.0 : 0.0;
 }
 
-template<typename F>
-void unary(const double* a, double* out, std::size_t n, F f)
+// A value on the stack: a block of values, or one constant for every case, which is read as it
+// is instead of from a block filled with it.
+struct Operand
 {
+  const double* values = nullptr;
+  bool constant = false;
+};
+
+template<typename F>
+void unary(Operand a, double* out, std::size_t n, F f)
+{
+  if (a.constant)
+  {
+    std::fill_n(out, n, f(*a.values));
+    return;
+  }
   for (std::size_t i = 0; i < n; ++i)
-    out[i] = f(a[i]);
+    out[i] = f(a.values[i]);
 }
 
 template<typename F>
-void binary(const double* a, const double* b, double* out, std::size_t n, F f)
+void binary(Operand a, Operand b, double* out, std::size_t n, F f)
 {
-  for (std::size_t i = 0; i < n; ++i)
-    out[i] = f(a[i], b[i]);
+  if (a.constant && b.constant)
+    std::fill_n(out, n, f(*a.values, *b.values));
+  else if (a.constant)
+  {
+    const double x = *a.values;
+    for (std::size_t i = 0; i < n; ++i)
+      out[i] = f(x, b.values[i]);
+  }
+  else if (b.constant)
+  {
+    const double y = *b.values;
+    for (std::size_t i = 0; i < n; ++i)
+      out[i] = f(a.values[i], y);
+  }
+  else
+  {
+    for (std::size_t i = 0; i < n; ++i)
+      out[i] = f(a.values[i], b.values[i]);
+  }
 }
 
 // Comparisons and logic answer NaN for a missing operand: a case without a value is neither
 // above nor below a threshold.
 template<typename F>
-void logical(const double* a, const double* b, double* out, std::size_t n, F f)
+void logical(Operand a, Operand b, double* out, std::size_t n, F f)
 {
-  for (std::size_t i = 0; i < n; ++i)
-    out[i] = std::isnan(a[i]) || std::isnan(b[i]) ? nan : truth(f(a[i], b[i]));
+  binary(a,
+         b,
+         out,
+         n,
+         [f](double x, double y) { return std::isnan(x) || std::isnan(y) ? nan : truth(f(x, y)); });
 }
 
-void runBinary(Code code, const double* a, const double* b, double* out, std::size_t n)
+void runBinary(Code code, Operand a, Operand b, double* out, std::size_t n)
 {
   switch (code)
   {
@@ -647,7 +680,7 @@ void runBinary(Code code, const double* a, const double* b, double* out, std::si
   }
 }
 
-void runUnary(Code code, const double* a, double* out, std::size_t n)
+void runUnary(Code code, Operand a, double* out, std::size_t n)
 {
   switch (code)
   {
@@ -724,11 +757,8 @@ void Expression::evaluate(const std::vector<const double*>& values,
   // A block of cases at a time: each step runs over a block that stays in the cache, so that an
   // expression costs a few passes over memory the size of a block, not of the study.
   constexpr std::size_t block = 512;
-  std::vector<double> constantBlocks(constants.size() * block);
-  for (std::size_t c = 0; c < constants.size(); ++c)
-    std::fill_n(constantBlocks.begin() + std::ptrdiff_t(c * block), block, constants[c]);
   std::vector<double> scratch(depth * block);
-  std::vector<const double*> stack(depth);
+  std::vector<Operand> stack(depth);
 
   for (std::size_t start = 0; start < rows; start += block)
   {
@@ -742,21 +772,26 @@ void Expression::evaluate(const std::vector<const double*>& values,
       switch (step.code)
       {
         case Code::PushVariable:
-          stack[top++] = values[step.operand] + start;
+          stack[top++] = { values[step.operand] + start, false };
           break;
         case Code::PushConstant:
-          stack[top++] = constantBlocks.data() + step.operand * block;
+          stack[top++] = { &constants[step.operand], true };
           break;
         case Code::If:
         {
           double* result = slot(top - 3);
-          const double* condition = stack[top - 3];
-          const double* yes = stack[top - 2];
-          const double* no = stack[top - 1];
+          const Operand condition = stack[top - 3];
+          const Operand yes = stack[top - 2];
+          const Operand no = stack[top - 1];
+          const auto at = [](const Operand& o, std::size_t i)
+          { return o.constant ? *o.values : o.values[i]; };
           for (std::size_t i = 0; i < n; ++i)
-            result[i] = std::isnan(condition[i]) ? nan : condition[i] != 0.0 ? yes[i] : no[i];
+          {
+            const double c = at(condition, i);
+            result[i] = std::isnan(c) ? nan : c != 0.0 ? at(yes, i) : at(no, i);
+          }
           top -= 2;
-          stack[top - 1] = result;
+          stack[top - 1] = { result, false };
           break;
         }
         default:
@@ -765,19 +800,21 @@ void Expression::evaluate(const std::vector<const double*>& values,
             double* result = slot(top - 2);
             runBinary(step.code, stack[top - 2], stack[top - 1], result, n);
             --top;
-            stack[top - 1] = result;
+            stack[top - 1] = { result, false };
           }
           else
           {
             double* result = slot(top - 1);
             runUnary(step.code, stack[top - 1], result, n);
-            stack[top - 1] = result;
+            stack[top - 1] = { result, false };
           }
           break;
       }
     }
-    if (stack[0] != out + start)
-      std::copy_n(stack[0], n, out + start);
+    if (stack[0].constant)
+      std::fill_n(out + start, n, *stack[0].values);
+    else if (stack[0].values != out + start)
+      std::copy_n(stack[0].values, n, out + start);
   }
 }
 
