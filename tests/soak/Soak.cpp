@@ -1,0 +1,393 @@
+#include "soak/Soak.h"
+
+#include "ExplorerView.h"
+#include "ExplorerWindow.h"
+#include "SampleStudy.h"
+
+#include "analyzer_common/SelectionModel.h"
+#include "analyzer_common/UndoStack.h"
+#include "datamanagement/Project.h"
+
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QDockWidget>
+#include <QFile>
+#include <QLineEdit>
+#include <QTabWidget>
+#include <QTest>
+#include <QTimer>
+#include <QUndoStack>
+#include <QWheelEvent>
+
+#include <fstream>
+#include <functional>
+#include <random>
+#include <sstream>
+#include <unistd.h>
+#include <vector>
+
+namespace soak
+{
+
+void writeStudy(const std::string& folder, int runs)
+{
+  // The images: those of a small sample study, shared by every run of the large one.
+  constexpr int imageRuns = 200;
+  const std::string images = folder + "/image-source";
+  explorer::SampleStudyOptions small;
+  small.folder = images;
+  small.runs = imageRuns;
+  explorer::writeSampleStudy(small);
+  explorer::SampleStudyOptions large;
+  large.folder = folder;
+  large.runs = runs;
+  large.images = false;
+  explorer::writeSampleStudy(large);
+
+  // The sample's case ids start at 1000 and follow one another.
+  std::ofstream files(folder + "/auxfiles.csv");
+  files << "case_id,path,tags\n";
+  for (int run = 0; run < runs; ++run)
+  {
+    const int image = 1000 + run % imageRuns;
+    files << 1000 + run << ",image-source/images/" << image << "_trajectory.png,plot:trajectory\n";
+    files << 1000 + run << ",image-source/images/" << image << "_speed.png,plot:speed\n";
+  }
+}
+
+std::size_t residentMemory()
+{
+  std::ifstream statm("/proc/self/statm");
+  std::size_t pages = 0;
+  std::size_t resident = 0;
+  statm >> pages >> resident;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+namespace
+{
+
+class Monkey
+{
+public:
+  Monkey(explorer::ExplorerWindow& window, unsigned seed, std::string scratch)
+    : window(window)
+    , random(seed)
+    , scratch(std::move(scratch))
+  {
+  }
+
+  std::string act()
+  {
+    using Action = std::pair<const char*, std::function<void()>>;
+    const std::vector<std::pair<int, Action>> actions{
+      { 20, { "click", [this] { click(); } } },
+      { 12, { "drag", [this] { drag(); } } },
+      { 16, { "edit a setting", [this] { editSetting(); } } },
+      { 6, { "change tab", [this] { changeTab(); } } },
+      { 12, { "undo", [] { UndoStack().qUndoStack().undo(); } } },
+      { 6, { "redo", [] { UndoStack().qUndoStack().redo(); } } },
+      { 2, { "save settings", [this] { saveSettings(); } } },
+      { 2, { "load settings", [this] { loadSettings(); } } },
+      { 3, { "fit to data", [this] { fitToData(); } } },
+      { 4, { "zoom", [this] { zoom(); } } },
+      { 2, { "add a derived variable", [this] { addDerived(); } } },
+      { 1, { "remove a derived variable", [this] { removeDerived(); } } },
+    };
+    int total = 0;
+    for (const auto& entry : actions)
+      total += entry.first;
+    int pick = std::uniform_int_distribution<int>(0, total - 1)(random);
+    for (const auto& [weight, action] : actions)
+    {
+      if (pick < weight)
+      {
+        action.second();
+        return action.first;
+      }
+      pick -= weight;
+    }
+    return {};
+  }
+
+private:
+  int uniform(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random); }
+  bool chance(double p) { return std::uniform_real_distribution<double>(0, 1)(random) < p; }
+
+  // Where a pointer can go: the shown views' widgets, an item view's viewport rather than its
+  // frame.
+  QWidget* someShownView()
+  {
+    std::vector<QWidget*> shown;
+    for (explorer::ExplorerView* view : window.views())
+    {
+      if (view->widget() && view->widget()->isVisible())
+        shown.push_back(view->widget());
+    }
+    if (shown.empty())
+      return nullptr;
+    QWidget* widget = shown[std::size_t(uniform(0, int(shown.size()) - 1))];
+    const auto items = widget->findChildren<QAbstractItemView*>();
+    if (!items.isEmpty() && chance(0.7))
+    {
+      QAbstractItemView* item = items[uniform(0, items.size() - 1)];
+      if (item->isVisible())
+        return item->viewport();
+    }
+    return widget;
+  }
+
+  QPoint somePoint(const QWidget& widget)
+  {
+    return { uniform(0, std::max(0, widget.width() - 1)),
+             uniform(0, std::max(0, widget.height() - 1)) };
+  }
+
+  Qt::KeyboardModifiers someModifiers()
+  {
+    return chance(0.3) ? Qt::ControlModifier : Qt::NoModifier;
+  }
+
+  void click()
+  {
+    if (QWidget* widget = someShownView())
+      QTest::mouseClick(widget, Qt::LeftButton, someModifiers(), somePoint(*widget));
+  }
+
+  void drag()
+  {
+    QWidget* widget = someShownView();
+    if (!widget)
+      return;
+    const Qt::KeyboardModifiers modifiers = someModifiers();
+    const QPoint from = somePoint(*widget);
+    const QPoint to = somePoint(*widget);
+    QTest::mousePress(widget, Qt::LeftButton, modifiers, from);
+    for (int step = 1; step <= 3; ++step)
+    {
+      QMouseEvent move(QEvent::MouseMove,
+                       from + (to - from) * step / 3,
+                       widget->mapToGlobal(from + (to - from) * step / 3),
+                       Qt::NoButton,
+                       Qt::LeftButton,
+                       modifiers);
+      QApplication::sendEvent(widget, &move);
+    }
+    QTest::mouseRelease(widget, Qt::LeftButton, modifiers, to);
+  }
+
+  void editSetting()
+  {
+    auto* dock = window.findChild<QDockWidget*>();
+    if (!dock)
+      return;
+    std::vector<QWidget*> editors;
+    for (QWidget* editor : dock->findChildren<QWidget*>())
+    {
+      if (editor->isEnabled() &&
+          (qobject_cast<QComboBox*>(editor) || qobject_cast<QCheckBox*>(editor) ||
+           qobject_cast<QAbstractSpinBox*>(editor) ||
+           (qobject_cast<QLineEdit*>(editor) &&
+            !qobject_cast<QAbstractSpinBox*>(editor->parent()) &&
+            !qobject_cast<QComboBox*>(editor->parent()))))
+        editors.push_back(editor);
+    }
+    if (editors.empty())
+      return;
+    QWidget* editor = editors[std::size_t(uniform(0, int(editors.size()) - 1))];
+    if (auto* combo = qobject_cast<QComboBox*>(editor))
+    {
+      if (combo->count() > 0)
+        combo->setCurrentIndex(uniform(0, combo->count() - 1));
+    }
+    else if (auto* check = qobject_cast<QCheckBox*>(editor))
+      check->click();
+    else if (auto* spin = qobject_cast<QAbstractSpinBox*>(editor))
+    {
+      spin->stepBy(uniform(-3, 3));
+      spin->editingFinished();
+    }
+    else if (auto* line = qobject_cast<QLineEdit*>(editor))
+    {
+      // Numbers mostly, in the ranges a user types, and now and then something else.
+      const std::vector<QString> texts{ QString::number(uniform(-50, 400)),
+                                        QString::number(uniform(0, 100) / 7.0),
+                                        "",
+                                        "abc",
+                                        "1e308" };
+      line->setText(texts[std::size_t(chance(0.8) ? uniform(0, 1) : uniform(2, 4))]);
+      line->editingFinished();
+    }
+  }
+
+  void changeTab()
+  {
+    const auto tabs = window.findChildren<QTabWidget*>();
+    if (tabs.isEmpty())
+      return;
+    QTabWidget* tab = tabs[uniform(0, tabs.size() - 1)];
+    if (tab->count() > 0)
+      tab->setCurrentIndex(uniform(0, tab->count() - 1));
+  }
+
+  void saveSettings()
+  {
+    QString error;
+    window.saveSettings(QString::fromStdString(scratch + "/soak-settings.xml"), error);
+  }
+
+  void loadSettings()
+  {
+    const QString path = QString::fromStdString(scratch + "/soak-settings.xml");
+    QString error;
+    if (QFile::exists(path))
+      window.loadSettings(path, error);
+  }
+
+  void fitToData()
+  {
+    if (explorer::ExplorerView* view = window.currentView())
+      view->fitToData();
+  }
+
+  void zoom()
+  {
+    QWidget* widget = someShownView();
+    if (!widget)
+      return;
+    const QPoint at = somePoint(*widget);
+    QWheelEvent wheel(at,
+                      widget->mapToGlobal(at),
+                      QPoint(),
+                      QPoint(0, chance(0.5) ? 120 : -120),
+                      Qt::NoButton,
+                      Qt::NoModifier,
+                      Qt::NoScrollPhase,
+                      false);
+    QApplication::sendEvent(widget, &wheel);
+  }
+
+  void addDerived()
+  {
+    std::vector<std::string> numbers;
+    const auto study = window.project();
+    for (const auto& handle : study->variables())
+    {
+      const Variable variable = handle.lock();
+      if (study->numericValues(variable))
+        numbers.push_back(variable.name());
+    }
+    if (numbers.empty())
+      return;
+    const auto any = [&]
+    { return "`" + numbers[std::size_t(uniform(0, int(numbers.size()) - 1))] + "`"; };
+    const std::vector<std::string> forms{ any() + " / " + any(),
+                                          "if(" + any() + " > 1, sqrt(" + any() + "), -1)",
+                                          "log(" + any() + ") * 2 ^ " + any() };
+    QString error;
+    window.addDerivedVariable(
+      { "derived " + std::to_string(++derivedMade), forms[std::size_t(uniform(0, 2))] }, error);
+  }
+
+  void removeDerived()
+  {
+    const auto& derived = window.derivedVariables();
+    if (derived.empty())
+      return;
+    // A variable still shown somewhere is refused, as for the user.
+    QString error;
+    window.removeDerivedVariable(derived[std::size_t(uniform(0, int(derived.size()) - 1))].name,
+                                 error);
+  }
+
+  explorer::ExplorerWindow& window;
+  std::mt19937 random;
+  std::string scratch;
+  int derivedMade = 0;
+};
+
+// Lets the views take in what changed and draw.
+void settle()
+{
+  for (int i = 0; i < 3; ++i)
+    QApplication::processEvents();
+}
+
+std::string firstDifference(const QString& expected, const QString& actual)
+{
+  const QStringList a = expected.split('\n');
+  const QStringList b = actual.split('\n');
+  for (int i = 0; i < std::max(a.size(), b.size()); ++i)
+  {
+    if (a.value(i) != b.value(i))
+      return "line " + std::to_string(i + 1) + ": expected \"" +
+             a.value(i).trimmed().toStdString() + "\", got \"" +
+             b.value(i).trimmed().toStdString() + "\"";
+  }
+  return {};
+}
+
+} // namespace
+
+Report run(explorer::ExplorerWindow& window,
+           int steps,
+           unsigned seed,
+           const std::string& scratch,
+           std::ostream* log)
+{
+  // A dialog or a menu a click opens would wait for a user: it is closed at once.
+  QTimer closer;
+  QObject::connect(&closer,
+                   &QTimer::timeout,
+                   []
+                   {
+                     if (QWidget* modal = QApplication::activeModalWidget())
+                       modal->close();
+                     if (QWidget* popup = QApplication::activePopupWidget())
+                       popup->close();
+                   });
+  closer.start(20);
+
+  settle();
+  UndoStack().clear();
+  const QString start = window.settingsDocument();
+  Report report;
+  Monkey monkey(window, seed, scratch);
+  const int warmUp = std::min(1000, std::max(1, steps / 10));
+  auto lastSelection = window.selection().getSelections();
+  for (int step = 0; step < steps; ++step)
+  {
+    const std::string action = monkey.act();
+    ++report.actions[action];
+    if (log)
+      *log << step << ' ' << action << std::endl;
+    settle();
+    report.mostDerivedVariables =
+      std::max(report.mostDerivedVariables, window.derivedVariables().size());
+    if (window.selection().getSelections() != lastSelection)
+    {
+      ++report.selectionChanges;
+      lastSelection = window.selection().getSelections();
+    }
+    if (step + 1 == warmUp)
+      report.residentAfterWarmUp = residentMemory();
+  }
+  report.steps = steps;
+  report.residentAtEnd = residentMemory();
+  report.undoSteps = UndoStack().index();
+
+  while (UndoStack().canUndo())
+    UndoStack().qUndoStack().undo();
+  settle();
+  const QString end = window.settingsDocument();
+  report.undoneToStart = end == start;
+  if (!report.undoneToStart)
+    report.firstDifference = firstDifference(start, end);
+  return report;
+}
+
+} // namespace soak

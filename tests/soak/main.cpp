@@ -1,0 +1,70 @@
+// ./dev soak [STEPS] [SEED]: random use of the explorer over a study of 100,000 runs with images,
+// in a real window; exits 1 when undoing every step does not give back the first settings or
+// resident memory grew by more than 5% after the first 1,000 steps. Built with the sanitizers,
+// any fault ends it with their report.
+
+#include "soak/Soak.h"
+
+#include "ExplorerWindow.h"
+
+#include "datamanagement/StudyReader.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+  QApplication application(argc, argv);
+  const int steps = argc > 1 ? std::atoi(argv[1]) : 10000;
+  const unsigned seed = argc > 2 ? unsigned(std::strtoul(argv[2], nullptr, 10)) : 1U;
+  const int runs = argc > 3 ? std::atoi(argv[3]) : 100000;
+  if (steps <= 0 || runs <= 0)
+  {
+    std::cerr << "usage: soak [STEPS] [SEED] [RUNS]\n";
+    return 2;
+  }
+  QTemporaryDir scratch;
+  const std::string study = scratch.path().toStdString() + "/study";
+  QDir().mkpath(QString::fromStdString(study));
+  std::cout << "writing a study of " << runs << " runs" << std::endl;
+  soak::writeStudy(study, runs);
+
+  explorer::ExplorerWindow window;
+  window.showStudy(readStudy(study));
+  window.resize(1400, 900);
+  window.show();
+  std::cout << steps << " random actions, seed " << seed << std::endl;
+  std::ofstream log(scratch.path().toStdString() + "/actions.log");
+  const soak::Report report = soak::run(window, steps, seed, scratch.path().toStdString(), &log);
+
+  for (const auto& [action, count] : report.actions)
+    std::cout << "  " << count << " x " << action << '\n';
+  std::cout << report.undoSteps << " steps to undo at the end, " << report.selectionChanges
+            << " selection changes, at most " << report.mostDerivedVariables << " derived variables"
+            << std::endl;
+  const double growth = report.residentAfterWarmUp == 0
+                          ? 0.0
+                          : double(report.residentAtEnd) / double(report.residentAfterWarmUp) - 1;
+  std::cout << "resident memory: " << report.residentAfterWarmUp / (1 << 20) << " MB after the "
+            << "warm-up, " << report.residentAtEnd / (1 << 20) << " MB at the end ("
+            << (growth * 100) << "%)" << std::endl;
+  bool ok = true;
+  if (!report.undoneToStart)
+  {
+    std::cout << "undoing every step did not give back the first settings: "
+              << report.firstDifference << std::endl;
+    ok = false;
+  }
+  if (steps >= 2000 && growth > 0.05)
+  {
+    std::cout << "resident memory grew by more than 5%" << std::endl;
+    ok = false;
+  }
+  std::cout << (ok ? "soak passed" : "soak FAILED") << std::endl;
+  return ok ? 0 : 1;
+}
