@@ -247,6 +247,15 @@ void ExplorerWindow::showStudy(std::shared_ptr<const Project> project)
   d->seriesFeatures.clear();
   makeViews(project ? std::move(project) : Project::project());
   d->history->restart();
+  // The views fit themselves once on screen (queued by makeViews, so first): the history starts
+  // from what they then show, unless a step was taken meanwhile.
+  QTimer::singleShot(0,
+                     this,
+                     [this]
+                     {
+                       if (UndoStack().count() == 0)
+                         d->history->restart();
+                     });
 }
 
 void ExplorerWindow::remakeViews(std::shared_ptr<const Project> project, DerivedVariables derived)
