@@ -14,13 +14,17 @@
 
 #include <QVTKOpenGLNativeWidget.h>
 #include <vtkAxis.h>
+#include <vtkCallbackCommand.h>
 #include <vtkCommand.h>
+#include <vtkContextInteractorStyle.h>
 #include <vtkContextScene.h>
 #include <vtkContextView.h>
 #include <vtkDoubleArray.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkIdTypeArray.h>
 #include <vtkLookupTable.h>
+#include <vtkNew.h>
+#include <vtkObjectFactory.h>
 #include <vtkPen.h>
 #include <vtkRenderWindowInteractor.h>
 #include <vtkRenderer.h>
@@ -51,6 +55,51 @@ vtkSmartPointer<vtkDensityPlotPoints> pointsPlot(float size, unsigned char grey)
   plot->SetColor(grey, grey, grey, 255);
   return plot;
 }
+
+// VTK's context style renders once control returns to the event loop after anything in the
+// scene changed, even when the view drew the change itself meanwhile (as it does after each
+// change it makes): a second, identical render of the whole plot. This style skips a render
+// when one has been made since the last change of the scene.
+class RenderOnceInteractorStyle : public vtkContextInteractorStyle
+{
+public:
+  static RenderOnceInteractorStyle* New();
+  vtkTypeMacro(RenderOnceInteractorStyle, vtkContextInteractorStyle);
+
+  /// Counts the renders of `window` from now on.
+  void watch(vtkRenderWindow* window)
+  {
+    vtkNew<vtkCallbackCommand> counted;
+    counted->SetClientData(&renders);
+    counted->SetCallback([](vtkObject*, unsigned long, void* count, void*)
+                         { ++*static_cast<unsigned long long*>(count); });
+    window->AddObserver(vtkCommand::EndEvent, counted);
+  }
+
+  void OnSceneModified() override
+  {
+    rendersAtChange = renders;
+    vtkContextInteractorStyle::OnSceneModified();
+  }
+
+protected:
+  void RenderNow() override
+  {
+    if (renders > rendersAtChange)
+    {
+      // Drawn since the scene last changed: what the render would show is on screen.
+      SceneTimerId = 0;
+      return;
+    }
+    vtkContextInteractorStyle::RenderNow();
+  }
+
+private:
+  unsigned long long renders = 0;
+  unsigned long long rendersAtChange = 0;
+};
+
+vtkStandardNewMacro(RenderOnceInteractorStyle);
 
 } // namespace
 
@@ -136,6 +185,13 @@ ScatterPlotScene::ScatterPlotScene(QVTKOpenGLNativeWidget& widget)
   d->draws.attach(widget, [window] { window->Render(); });
   d->view->SetRenderWindow(d->window);
   d->view->SetInteractor(widget.interactor());
+  if (auto* style =
+        vtkContextInteractorStyle::SafeDownCast(widget.interactor()->GetInteractorStyle()))
+    style->SetScene(nullptr);
+  vtkNew<RenderOnceInteractorStyle> renderOnce;
+  renderOnce->SetScene(d->view->GetScene());
+  renderOnce->watch(d->window);
+  widget.interactor()->SetInteractorStyle(renderOnce);
   d->view->GetRenderer()->SetBackground(1, 1, 1);
   d->chart->SetLayoutStrategy(vtkChart::FILL_RECT);
   d->view->GetScene()->AddItem(d->chart);

@@ -182,8 +182,13 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   // A new variable on one axis fits that axis; the other keeps the range it has.
   const auto refit = [this](int axis)
   {
-    return [this, axis](const WeakPtr<Variable>&)
+    return
+      [this, axis, last = std::make_shared<WeakPtr<Variable>>()](const WeakPtr<Variable>& variable)
     {
+      // An undoable setting reports one change twice: the points are read once.
+      if (variable == *last)
+        return;
+      *last = variable;
       d->updatePoints();
       fitAxis(axis);
     };
@@ -375,7 +380,8 @@ void ScatterPlotView::fitAxis(int which)
     d->scene->widenToPoints(
       which, d->model->halfGap((which == vtkAxis::BOTTOM ? d->x : d->y)->value().lock()));
   }
-  d->scene->render();
+  // Drawn once control returns to the event loop, however many changes asked for it meanwhile.
+  d->scene->scheduleRender();
 }
 
 vtkPlotPoints& ScatterPlotView::points() const
