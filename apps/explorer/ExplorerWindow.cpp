@@ -66,6 +66,18 @@ public:
   bool chart = false;
 };
 
+// The derived variable of that name in `derived`, or the end with `error` saying there is none.
+DerivedVariables::iterator derivedNamed(DerivedVariables& derived,
+                                        const std::string& name,
+                                        QString& error)
+{
+  const auto found = std::find_if(
+    derived.begin(), derived.end(), [&name](const DerivedVariable& v) { return v.name == name; });
+  if (found == derived.end())
+    error = QString::fromStdString("there is no derived variable named \"" + name + "\"");
+  return found;
+}
+
 bool isChart(ExplorerView& view)
 {
   ChartActionsVisitor visitor;
@@ -536,13 +548,9 @@ bool ExplorerWindow::editDerivedVariable(const std::string& name,
                                          QString& error)
 {
   DerivedVariables wanted = d->derived;
-  const auto edited = std::find_if(
-    wanted.begin(), wanted.end(), [&name](const DerivedVariable& v) { return v.name == name; });
+  const auto edited = derivedNamed(wanted, name, error);
   if (edited == wanted.end())
-  {
-    error = QString::fromStdString("there is no derived variable named \"" + name + "\"");
     return false;
-  }
   if (*edited == variable)
     return true;
   *edited = variable;
@@ -558,13 +566,9 @@ bool ExplorerWindow::editDerivedVariable(const std::string& name,
 bool ExplorerWindow::removeDerivedVariable(const std::string& name, QString& error)
 {
   DerivedVariables wanted = d->derived;
-  const auto removed = std::find_if(
-    wanted.begin(), wanted.end(), [&name](const DerivedVariable& v) { return v.name == name; });
+  const auto removed = derivedNamed(wanted, name, error);
   if (removed == wanted.end())
-  {
-    error = QString::fromStdString("there is no derived variable named \"" + name + "\"");
     return false;
-  }
   wanted.erase(removed);
   const QString xml = settingsDocument();
   const std::vector<std::string> uses = SettingsFile::usesOf(xml, views(), name);
