@@ -197,8 +197,12 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   connections().add(d->x->connectSignalValueChanged(refit(vtkAxis::BOTTOM)));
   connections().add(d->y->connectSignalValueChanged(refit(vtkAxis::LEFT)));
   connections().add(d->color->connectSignalValueChanged(
-    [impl, replot](const WeakPtr<Variable>& colour)
+    [impl, replot, last = std::make_shared<WeakPtr<Variable>>()](const WeakPtr<Variable>& colour)
     {
+      // Reported twice, as the axes' variables are: coloured once.
+      if (colour == *last)
+        return;
+      *last = colour;
       impl->coloured->setValue(!colour.lock().isNull());
       impl->scene->setLegendShown(impl->coloured->value());
       replot();
@@ -315,7 +319,7 @@ void ScatterPlotView::refresh()
   }
   d->scene->chart()->Update();
   if (!d->fitting)
-    d->scene->render();
+    d->scene->scheduleRender();
 }
 
 std::vector<SettingsSection> ScatterPlotView::settingsSections(PropertyEditors& editors)
@@ -364,7 +368,7 @@ void ScatterPlotView::fitToData()
                                           std::make_pair(int(vtkAxis::LEFT), d->y.get()) })
       d->scene->widenToPoints(axis, d->model->halfGap(variable->value().lock()));
   }
-  d->scene->render();
+  d->scene->scheduleRender();
 }
 
 void ScatterPlotView::fitAxis(int which)
