@@ -357,7 +357,9 @@ Report run(explorer::ExplorerWindow& window,
   const QString start = window.settingsDocument();
   Report report;
   Monkey monkey(window, seed, scratch);
-  const int warmUp = std::min(1000, std::max(1, steps / 10));
+  // Memory is compared from the 1,000th step on, once caches have filled; a short run takes its
+  // first tenth.
+  const int warmUp = steps >= 2000 ? 1000 : std::max(1, steps / 10);
   auto lastSelection = window.selection().getSelections();
   for (int step = 0; step < steps; ++step)
   {

@@ -26,7 +26,8 @@ struct Report
   int steps = 0;
   /// How many times each kind of action ran.
   std::map<std::string, int> actions;
-  /// Resident memory after the first 1,000 steps (or the first tenth, when fewer) and at the end.
+  /// Resident memory after the first 1,000 steps (the first tenth of a run under 2,000) and at
+  /// the end.
   std::size_t residentAfterWarmUp = 0;
   std::size_t residentAtEnd = 0;
   /// Steps on the undo stack at the end, derived variables the study held at most, and selection
