@@ -10,6 +10,7 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <unordered_set>
@@ -60,6 +61,10 @@ public:
     if (!stream)
       throw StudyFormatError(this->name, 0, 0, "cannot open the file");
     stream.seekg(static_cast<std::streamoff>(offset));
+    std::error_code unknown;
+    const std::uintmax_t size = fs::file_size(file, unknown);
+    if (!unknown)
+      fileSize = size;
   }
 
   /// The next record; its fields are valid until the next call.
@@ -94,8 +99,15 @@ private:
       if (!atEnd)
       {
         const std::size_t kept = block.size();
-        block.resize(kept + blockSize);
-        stream.read(block.data() + kept, static_cast<std::streamsize>(blockSize));
+        // A small file takes a small block: fresh memory is costly, and a block is zero-filled.
+        // One byte more than what is left finds the end of the file in the same read; a file
+        // that grew meanwhile is read on in whole blocks.
+        const std::uint64_t read = blockOffset + kept;
+        const std::size_t wanted =
+          fileSize > read ? std::size_t(std::min<std::uint64_t>(blockSize, fileSize - read + 1))
+                          : blockSize;
+        block.resize(kept + wanted);
+        stream.read(block.data() + kept, static_cast<std::streamsize>(wanted));
         block.resize(kept + static_cast<std::size_t>(stream.gcount()));
         atEnd = !stream;
         if (blockOffset == 0 && block.compare(0, 3, "\xEF\xBB\xBF") == 0)
@@ -126,6 +138,8 @@ private:
   std::uint64_t blockOffset;
   std::size_t blockLine;
   bool atEnd = false;
+  // The file's size when opened; unknown for a pipe or a device.
+  std::uint64_t fileSize = std::numeric_limits<std::uint64_t>::max();
   std::optional<CsvTokenizer> csv;
 };
 
