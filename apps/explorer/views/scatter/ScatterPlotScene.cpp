@@ -1,6 +1,7 @@
 #include "views/scatter/ScatterPlotScene.h"
 
 #include "ExplorerView.h"
+#include "VtkAxisGuard.h"
 #include "VtkFonts.h"
 #include "views/scatter/LegendPlace.h"
 #include "views/scatter/ScatterPlotModel.h"
@@ -180,6 +181,7 @@ struct ScatterPlotScene::Impl
 ScatterPlotScene::ScatterPlotScene(QVTKOpenGLNativeWidget& widget)
   : d(std::make_unique<Impl>(widget))
 {
+  guardAxisTicks(*d->chart);
   widget.setRenderWindow(d->window);
   vtkGenericOpenGLRenderWindow* window = d->window;
   d->draws.attach(widget, [window] { window->Render(); });
