@@ -121,6 +121,12 @@ struct ExplorerWindow::Impl
   // The path the study shown was opened from, empty for one shown as it was read elsewhere.
   QString studyPath;
 
+  // The settings of the study every view shares, as the settings file holds them.
+  SettingsFile::StudySettings studySettings() const
+  {
+    return { files->serializer(), roles->serializer() };
+  }
+
   void clearViews()
   {
     studyConnections.clear();
@@ -437,7 +443,7 @@ bool ExplorerWindow::loadSettings(const QString& path, QString& error)
       return changeStudy(xml, path.toStdString(), "Load Settings", error);
     SettingsFile::load(xml,
                        path.toStdString(),
-                       { d->files->serializer(), d->roles->serializer() },
+                       d->studySettings(),
                        views(),
                        *d->pipeline,
                        *d->project,
@@ -455,8 +461,7 @@ QString ExplorerWindow::settingsDocument() const
 {
   if (!d->pipeline)
     return {};
-  return SettingsFile::write(
-    { d->files->serializer(), d->roles->serializer() }, views(), *d->pipeline, d->derived);
+  return SettingsFile::write(d->studySettings(), views(), *d->pipeline, d->derived);
 }
 
 const DerivedVariables& ExplorerWindow::derivedVariables() const
@@ -467,10 +472,9 @@ const DerivedVariables& ExplorerWindow::derivedVariables() const
 void ExplorerWindow::applyStudyState(const QString& xml, const std::string& source)
 {
   const DerivedVariables wanted = SettingsFile::derivedVariablesOf(xml, source);
-  const SettingsFile::StudySettings study{ d->files->serializer(), d->roles->serializer() };
   if (wanted == d->derived)
   {
-    SettingsFile::apply(xml, source, study, views(), *d->pipeline, *d->project);
+    SettingsFile::apply(xml, source, d->studySettings(), views(), *d->pipeline, *d->project);
     return;
   }
   std::shared_ptr<const Project> changed;
@@ -494,23 +498,14 @@ void ExplorerWindow::applyStudyState(const QString& xml, const std::string& sour
   remakeViews(std::move(changed), wanted);
   try
   {
-    SettingsFile::apply(xml,
-                        source,
-                        { d->files->serializer(), d->roles->serializer() },
-                        views(),
-                        *d->pipeline,
-                        *d->project);
+    SettingsFile::apply(xml, source, d->studySettings(), views(), *d->pipeline, *d->project);
   }
   catch (const std::exception&)
   {
     // Back to the study as it was: the same project, and its settings.
     remakeViews(previous, std::move(present));
-    SettingsFile::apply(before,
-                        "the settings before",
-                        { d->files->serializer(), d->roles->serializer() },
-                        views(),
-                        *d->pipeline,
-                        *d->project);
+    SettingsFile::apply(
+      before, "the settings before", d->studySettings(), views(), *d->pipeline, *d->project);
     throw;
   }
 }
