@@ -4,6 +4,7 @@
 // ./dev bench reports each interaction at each size and the ratio t(1e6) / t(1e4).
 
 #include "BenchSupport.h"
+#include "MasterSelection.h"
 
 #include "ExplorerWindow.h"
 #include "SampleStudy.h"
@@ -13,7 +14,6 @@
 #include "views/scatter3d/ScatterPlot3DView.h"
 #include "views/table/CasesTableView.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "charts/ChartXY.h"
 #include "datamanagement/Project.h"

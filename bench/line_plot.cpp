@@ -4,12 +4,12 @@
 // waiting while those series are read in the background.
 
 #include "BenchSupport.h"
+#include "MasterSelection.h"
 
 #include "ExplorerWindow.h"
 #include "SampleStudy.h"
 #include "views/line/LinePlotView.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/StudyReader.h"
 #include "properties/PropertyAbstract.h"

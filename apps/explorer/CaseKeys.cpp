@@ -3,12 +3,13 @@
 #include "datamanagement/Project.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace explorer
 {
 
-CaseKeys::CaseKeys(const std::vector<unsigned long long>& caseIds)
-  : ids(caseIds)
+CaseKeys::CaseKeys(std::vector<unsigned long long> caseIds)
+  : ids(std::move(caseIds))
 {
   for (std::size_t i = 1; i < ids.size(); ++i)
   {
@@ -62,38 +63,38 @@ bool CaseKeys::keyOf(unsigned long long caseId, unsigned long long& key) const
   return true;
 }
 
-CaseKeys::Set CaseKeys::keysOf(const Set& caseIds) const
+CaseKeys::Set CaseKeys::keysOf(const std::vector<unsigned long long>& caseIds) const
 {
   Set keys;
-  if (sorted)
+  if (!sorted)
   {
-    // Sorted ids have keys in the same order: the keys are appended at the end, and a large
-    // selection is found by one walk along both lists.
-    const bool many = caseIds.size() * 16 > ids.size();
-    auto position = ids.begin();
     for (unsigned long long id : caseIds)
     {
       unsigned long long key = 0;
-      if (sequential || !many)
-      {
-        if (keyOf(id, key))
-          keys.emplace_hint(keys.end(), key);
-        continue;
-      }
-      while (position != ids.end() && *position < id)
-        ++position;
-      if (position == ids.end())
-        break;
-      if (*position == id)
-        keys.emplace_hint(keys.end(), static_cast<unsigned long long>(position - ids.begin()));
+      if (keyOf(id, key))
+        keys.insert(key);
     }
     return keys;
   }
+  // Sorted ids have keys in the same order: the keys are appended at the end, and a large
+  // selection is found by one walk along both lists.
+  const bool many = caseIds.size() * 16 > ids.size();
+  auto position = ids.begin();
   for (unsigned long long id : caseIds)
   {
     unsigned long long key = 0;
-    if (keyOf(id, key))
-      keys.insert(key);
+    if (sequential || !many)
+    {
+      if (keyOf(id, key))
+        keys.emplace_hint(keys.end(), key);
+      continue;
+    }
+    while (position != ids.end() && *position < id)
+      ++position;
+    if (position == ids.end())
+      break;
+    if (*position == id)
+      keys.emplace_hint(keys.end(), static_cast<unsigned long long>(position - ids.begin()));
   }
   return keys;
 }

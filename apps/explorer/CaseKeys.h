@@ -23,16 +23,19 @@ public:
   using Set = std::set<unsigned long long>;
 
   CaseKeys() = default;
-  explicit CaseKeys(const std::vector<unsigned long long>& caseIds);
+  explicit CaseKeys(std::vector<unsigned long long> caseIds);
   explicit CaseKeys(const Project& project);
 
   std::size_t size() const { return ids.size(); }
+  /// Whether each case's key is its id (ids 0, 1, 2...): a selection then needs no conversion.
+  bool keysAreIds() const { return sequential && (ids.empty() || ids.front() == 0); }
   /// The case of a key; a key beyond the study gives false.
   bool caseIdOf(unsigned long long key, unsigned long long& caseId) const;
   /// The key of a case; a case the study lacks gives false.
   bool keyOf(unsigned long long caseId, unsigned long long& key) const;
-  /// The keys of the cases the study has, and the cases of the keys it has; others are left out.
-  Set keysOf(const Set& caseIds) const;
+  /// The keys of the cases the study has (given in increasing order), and the cases of the keys
+  /// it has; others are left out.
+  Set keysOf(const std::vector<unsigned long long>& sortedCaseIds) const;
   Set caseIdsOf(const Set& keys) const;
 
 private:

@@ -35,7 +35,8 @@ void CaseOrder::setOrder(const std::vector<unsigned long long>& caseIds)
   changed();
 }
 
-std::vector<unsigned long long> CaseOrder::sorted(const std::set<unsigned long long>& caseIds) const
+std::vector<unsigned long long> CaseOrder::sorted(
+  const std::vector<unsigned long long>& caseIds) const
 {
   std::vector<std::pair<unsigned long long, unsigned long long>> ranked;
   ranked.reserve(caseIds.size());

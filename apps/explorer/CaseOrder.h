@@ -24,7 +24,7 @@ public:
   /// empty list is the study's order.
   void setOrder(const std::vector<unsigned long long>& caseIds);
   /// The cases in this order; ids the study lacks come last.
-  std::vector<unsigned long long> sorted(const std::set<unsigned long long>& caseIds) const;
+  std::vector<unsigned long long> sorted(const std::vector<unsigned long long>& caseIds) const;
 
   boost::signals2::connection connectChanged(const std::function<void()>& slot) const;
 

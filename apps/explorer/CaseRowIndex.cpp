@@ -35,7 +35,7 @@ void CaseRowIndex::assign(const std::vector<unsigned long long>& caseIds)
     std::sort(rowOfCase.begin(), rowOfCase.end());
 }
 
-std::vector<int> CaseRowIndex::rowsOf(const std::set<unsigned long long>& selection) const
+std::vector<int> CaseRowIndex::rowsOf(const std::vector<unsigned long long>& selection) const
 {
   std::vector<int> rows;
   if (selection.size() < rowOfCase.size() / 64)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -21,8 +20,8 @@ class CaseRowIndex
 public:
   /// Indexes the case ids of the rows, in row order.
   void assign(const std::vector<unsigned long long>& caseIds);
-  /// The rows whose case is selected, in case id order.
-  std::vector<int> rowsOf(const std::set<unsigned long long>& selection) const;
+  /// The rows whose case is selected (case ids in increasing order), in case id order.
+  std::vector<int> rowsOf(const std::vector<unsigned long long>& selection) const;
 
 private:
   std::vector<std::pair<unsigned long long, int>> rowOfCase;

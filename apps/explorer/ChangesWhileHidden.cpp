@@ -1,6 +1,6 @@
 #include "ChangesWhileHidden.h"
 
-#include "analyzer_common/SelectionModelInterface.h"
+#include "MasterSelection.h"
 
 #include <QEvent>
 
@@ -34,7 +34,7 @@ private:
 } // namespace
 
 ChangesWhileHidden::ChangesWhileHidden(QWidget& widget,
-                                       const SelectionModelInterface& selection,
+                                       const MasterSelection& selection,
                                        Steps steps)
   : widget(&widget)
   , selection(selection)
@@ -94,9 +94,49 @@ void ChangesWhileHidden::catchUp()
   if (dataStale)
     steps.reload();
   else if (selectionStale)
-    steps.reselect(selection.getSelections());
+    steps.reselect(*selection.cases());
   dataStale = false;
   selectionStale = false;
+}
+
+ShownViewSelection::ShownViewSelection(boost::shared_ptr<MasterSelection> master, QWidget& widget)
+  : master(std::move(master))
+  , widget(&widget)
+{
+  watcher = new ShowWatcher(widget,
+                            [this]
+                            {
+                              if (stale)
+                                tell();
+                            });
+  connections.add(this->master->connectCasesChanged(
+    [this](const MasterSelection::SharedCases&)
+    {
+      stale = true;
+      if (this->widget && this->widget->isVisible())
+        tell();
+    }));
+}
+
+ShownViewSelection::~ShownViewSelection()
+{
+  delete watcher;
+}
+
+SelectionModelInterface::Selection ShownViewSelection::getSelections() const
+{
+  return master->getSelections();
+}
+
+void ShownViewSelection::setSelection(const Selection& selection)
+{
+  master->setSelection(selection);
+}
+
+void ShownViewSelection::tell()
+{
+  stale = false;
+  emitSignalSelectionChanged(master->selectedSet());
 }
 
 } // namespace explorer

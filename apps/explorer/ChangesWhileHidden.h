@@ -1,23 +1,30 @@
 #pragma once
 
+#include "analyzer_common/SelectionModelInterface.h"
+#include "signals/SignalConnectionCollection.h"
+
 #include <QPointer>
 #include <QWidget>
 
+#include <boost/shared_ptr.hpp>
+
 #include <functional>
-#include <set>
+#include <vector>
 
 class QWidget;
-class SelectionModelInterface;
 
 namespace explorer
 {
+
+class MasterSelection;
 
 /// What changed while a view was hidden, taken in when it is shown or asked: a view in a tab
 /// behind another then costs nothing while the study, the filters or the selection change.
 class ChangesWhileHidden
 {
 public:
-  using Selection = std::set<unsigned long long>;
+  /// Selected case ids in increasing order (see MasterSelection).
+  using Selection = std::vector<unsigned long long>;
 
   struct Steps
   {
@@ -31,7 +38,7 @@ public:
   };
 
   /// Watches `widget` being shown; reads `selection` when a selection change was left pending.
-  ChangesWhileHidden(QWidget& widget, const SelectionModelInterface& selection, Steps steps);
+  ChangesWhileHidden(QWidget& widget, const MasterSelection& selection, Steps steps);
   ChangesWhileHidden(const ChangesWhileHidden&) = delete;
   ChangesWhileHidden& operator=(const ChangesWhileHidden&) = delete;
   ~ChangesWhileHidden();
@@ -48,11 +55,33 @@ public:
 
 private:
   QPointer<QWidget> widget;
-  const SelectionModelInterface& selection;
+  const MasterSelection& selection;
   Steps steps;
   QPointer<QObject> watcher;
   bool dataStale;
   bool selectionStale = true;
+};
+
+/// The master selection as a library class inside a view sees it: as a set, and only while the
+/// view's widget is shown. A change made while it is hidden reaches the class once, when the widget
+/// is shown, so that no set is made for views nobody sees.
+class ShownViewSelection : public virtual SelectionModelInterface
+{
+public:
+  ShownViewSelection(boost::shared_ptr<MasterSelection> master, QWidget& widget);
+  ~ShownViewSelection() override;
+
+  Selection getSelections() const override;
+  void setSelection(const Selection& selection) override;
+
+private:
+  void tell();
+
+  boost::shared_ptr<MasterSelection> master;
+  QPointer<QWidget> widget;
+  QPointer<QObject> watcher;
+  bool stale = false;
+  SignalConnectionCollection connections;
 };
 
 } // namespace explorer

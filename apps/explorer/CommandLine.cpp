@@ -1,8 +1,8 @@
 #include "CommandLine.h"
 
 #include "ExplorerWindow.h"
+#include "MasterSelection.h"
 #include "Screenshots.h"
-#include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
 #include "formats/StudyFormats.h"
 

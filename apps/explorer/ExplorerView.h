@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MasterSelection.h"
+
 // The interface every view of the explorer implements, and what a view is built from.
 
 #include "views/ViewKinds.h"
@@ -43,7 +45,7 @@ struct ViewContext
 {
   std::shared_ptr<const Project> project;
   std::shared_ptr<DataPipelineManager> pipeline;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   ImageCache* images = nullptr;
   /// The study's case keys, for plots that carry keys instead of case ids.
   std::shared_ptr<const CaseKeys> keys;

@@ -6,6 +6,7 @@
 #include "ExplorerView.h"
 #include "FileLocator.h"
 #include "ImagePreloader.h"
+#include "MasterSelection.h"
 #include "SettingsFile.h"
 #include "SettingsPanel.h"
 #include "StudyFiles.h"
@@ -18,7 +19,6 @@
 #include "WindowMenus.h"
 #include "WindowStatus.h"
 #include "analyzer_common/DeleteSignaler.h"
-#include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
@@ -94,7 +94,7 @@ struct ExplorerWindow::Impl
   std::shared_ptr<DataPipelineManager> pipeline;
   std::shared_ptr<FileLocator> files;
   std::shared_ptr<VariableRoles> roles;
-  boost::shared_ptr<SelectionModel> selection = boost::make_shared<SelectionModel>();
+  boost::shared_ptr<MasterSelection> selection = boost::make_shared<MasterSelection>();
   ImageCache cache;
   std::vector<boost::shared_ptr<ExplorerView>> views;
   ExplorerView* current = nullptr;
@@ -150,8 +150,8 @@ ExplorerWindow::ExplorerWindow(QWidget* parent)
   d->splitter = new QSplitter(Qt::Horizontal, this);
   setCentralWidget(d->splitter);
   d->status = std::make_unique<WindowStatus>(*statusBar());
-  d->connections.add(d->selection->connectSignalSelectionChanged(
-    [this](const std::set<unsigned long long>& ids) { showSelectionCount(ids.size()); }));
+  d->connections.add(d->selection->connectCasesChanged(
+    [this](const MasterSelection::SharedCases& ids) { showSelectionCount(ids->size()); }));
   d->menus = new WindowMenus(*this);
   d->history = std::make_unique<StudyHistory>([this] { return settingsDocument(); },
                                               [this](const QString& xml)
@@ -284,10 +284,10 @@ void ExplorerWindow::remakeViews(std::shared_ptr<const Project> project, Derived
   std::vector<int> tabs;
   for (const auto* tabWidget : d->splitter->findChildren<QTabWidget*>())
     tabs.push_back(tabWidget->currentIndex());
-  const std::set<unsigned long long> selected = d->selection->getSelections();
+  const MasterSelection::SharedCases selected = d->selection->cases();
   // Cleared while no view listens, and given back to the new views.
   d->clearViews();
-  d->selection->setSelection({});
+  d->selection->setCases({});
   d->derived = std::move(derived);
   makeViews(std::move(project));
   d->splitter->restoreState(mainPanes);
@@ -297,7 +297,7 @@ void ExplorerWindow::remakeViews(std::shared_ptr<const Project> project, Derived
   const auto tabWidgets = d->splitter->findChildren<QTabWidget*>();
   for (int i = 0; i < tabWidgets.size() && std::size_t(i) < tabs.size(); ++i)
     tabWidgets[i]->setCurrentIndex(tabs[std::size_t(i)]);
-  d->selection->setSelection(selected);
+  d->selection->setCases(*selected);
   d->history->viewsRemade();
 }
 
@@ -353,7 +353,7 @@ void ExplorerWindow::makeViews(std::shared_ptr<const Project> project)
   statusBar()->showMessage(QString("%1 cases, %2 variables")
                              .arg(d->project->numberOfRecords())
                              .arg(d->project->variables().size()));
-  showSelectionCount(d->selection->getSelections().size());
+  showSelectionCount(d->selection->size());
   showShownCount();
   showMissingFiles();
   d->studyConnections.add(d->pipeline->connectSignalPipelineChanged([this] { showShownCount(); }));
@@ -607,7 +607,7 @@ bool ExplorerWindow::exportCases(const QString& path, bool fullPrecision, QStrin
   return exportShownCases(*d->pipeline, d->project, d->roles, path, fullPrecision, error);
 }
 
-SelectionModel& ExplorerWindow::selection() const
+MasterSelection& ExplorerWindow::selection() const
 {
   return *d->selection;
 }

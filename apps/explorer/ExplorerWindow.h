@@ -13,7 +13,6 @@
 class DataPipelineManager;
 class Project;
 struct PathRebase;
-class SelectionModel;
 class QAction;
 
 namespace explorer
@@ -21,6 +20,7 @@ namespace explorer
 
 class ExplorerView;
 class FileLocator;
+class MasterSelection;
 class VariableRoles;
 
 /// The explorer's main window: one view of each registered kind over one study, linked by one
@@ -65,7 +65,7 @@ public:
   /// Exports the shown cases: in full precision, or with six significant digits through VTK.
   bool exportCases(const QString& path, bool fullPrecision, QString& error) const;
 
-  SelectionModel& selection() const;
+  MasterSelection& selection() const;
   /// The cases of the study and the range filters on them.
   DataPipelineManager& pipeline() const;
   /// The views, in registry order.

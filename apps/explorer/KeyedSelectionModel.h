@@ -12,13 +12,15 @@
 namespace explorer
 {
 
+class MasterSelection;
+
 /// The master selection seen in case keys: what a plot whose rows carry keys (see CaseKeys)
 /// reads and sets. Setting keys sets their cases in the master; every change of the master is
 /// relayed as the keys of its cases. The master stays the one selection of the program.
 class KeyedSelectionModel : public virtual SelectionModelInterface
 {
 public:
-  KeyedSelectionModel(boost::shared_ptr<SelectionModelInterface> master,
+  KeyedSelectionModel(boost::shared_ptr<MasterSelection> master,
                       std::shared_ptr<const CaseKeys> keys);
   ~KeyedSelectionModel() override;
 
@@ -28,7 +30,7 @@ public:
   void setSelection(const Selection& keys) override;
 
 private:
-  boost::shared_ptr<SelectionModelInterface> master;
+  boost::shared_ptr<MasterSelection> master;
   std::shared_ptr<const CaseKeys> keys;
   SignalConnectionCollection connections;
 };

@@ -2,7 +2,7 @@
 
 #include "ExplorerView.h"
 #include "ExplorerWindow.h"
-#include "analyzer_common/SelectionModel.h"
+#include "MasterSelection.h"
 #include "datamanagement/Project.h"
 
 #include <QApplication>

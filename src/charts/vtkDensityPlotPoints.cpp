@@ -2,12 +2,14 @@
 
 #include <vtkAxis.h>
 #include <vtkContext2D.h>
+#include <vtkContextMapper2D.h>
 #include <vtkFloatArray.h>
 #include <vtkIdTypeArray.h>
 #include <vtkImageData.h>
 #include <vtkObjectFactory.h>
 #include <vtkPen.h>
 #include <vtkPoints2D.h>
+#include <vtkScalarsToColors.h>
 #include <vtkTable.h>
 #include <vtkUnsignedCharArray.h>
 
@@ -46,6 +48,41 @@ void vtkDensityPlotPoints::ApplyPointOpacity()
   colors->Modified();
   this->OpacityColorsTime = colors->GetMTime();
   this->OpacityAlpha = alpha;
+}
+
+void vtkDensityPlotPoints::SetSelection(vtkIdTypeArray* selection)
+{
+  // The cache is current when nothing vtkPlotPoints::Update() watches changed since it was built.
+  vtkTable* table = this->Data->GetInput();
+  const bool cacheCurrent =
+    table && this->GetMTime() <= this->BuildTime && this->Data->GetMTime() <= this->BuildTime &&
+    table->GetMTime() <= this->BuildTime &&
+    (!this->LookupTable || this->LookupTable->GetMTime() <= this->BuildTime);
+  this->Superclass::SetSelection(selection);
+  if (cacheCurrent)
+    this->BuildTime.Modified();
+}
+
+bool vtkDensityPlotPoints::SelectPoints(const vtkVector2f& min, const vtkVector2f& max)
+{
+  auto* floats = this->Points ? vtkFloatArray::SafeDownCast(this->Points->GetData()) : nullptr;
+  if (!floats || floats->GetNumberOfComponents() != 2)
+    return this->Superclass::SelectPoints(min, max);
+  if (!this->Selection)
+    this->Selection = vtkIdTypeArray::New();
+  this->Selection->SetNumberOfTuples(0);
+  // Points that are not numbers fail every comparison, infinite ones fall outside.
+  const vtkIdType count = this->Points->GetNumberOfPoints();
+  const float* xy = floats->GetPointer(0);
+  for (vtkIdType point = 0; point < count; ++point)
+  {
+    const float x = xy[2 * point];
+    const float y = xy[2 * point + 1];
+    if (x >= min.GetX() && x <= max.GetX() && y >= min.GetY() && y <= max.GetY())
+      this->Selection->InsertNextValue(point);
+  }
+  this->Selection->Modified();
+  return this->Selection->GetNumberOfTuples() > 0;
 }
 
 bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)

@@ -44,6 +44,15 @@ public:
 
   bool Paint(vtkContext2D* painter) override;
 
+  /// A new selection keeps the points' cache: the points did not change, and rebuilding the
+  /// cache would also drop the sorted points a rubber band searches (a million points sorted
+  /// again on each selection).
+  void SetSelection(vtkIdTypeArray* selection) override;
+
+  /// The points within the rectangle, found by one pass over them: vtkPlotPoints sorts every
+  /// point again for each rectangle.
+  bool SelectPoints(const vtkVector2f& min, const vtkVector2f& max) override;
+
   /// Column 0 of the input holds case ids, or with this function keys that it turns into case
   /// ids (false for a key without a case), for tool tips.
   using CaseIdOfKey = std::function<bool(long long key, unsigned long long& caseId)>;

@@ -105,3 +105,79 @@ TEST(DensityPlotPoints, ADensityShowsThePointsAndTheSelectionDarkerOverThem)
     1)
     << "the selected point drawn dark";
 }
+
+// The points within a rectangle, its edges included; points that are not numbers or infinite
+// are never within.
+TEST(DensityPlotPoints, ARectangleSelectsThePointsWithinIt)
+{
+  auto table = points();
+  auto* keys = vtkIntArray::SafeDownCast(table->GetColumnByName("key"));
+  auto* x = vtkDoubleArray::SafeDownCast(table->GetColumnByName("x"));
+  auto* y = vtkDoubleArray::SafeDownCast(table->GetColumnByName("y"));
+  const double more[][2] = { { NAN, 2 }, { 3, NAN }, { 2, 2 }, { 4, 3 }, { INFINITY, 2 } };
+  for (int i = 0; i < 5; ++i)
+  {
+    keys->InsertNextValue(5 + i);
+    x->InsertNextValue(more[i][0]);
+    y->InsertNextValue(more[i][1]);
+  }
+  // Rows: 0 (1,1) 1 (2,3) 2 (1,1) 3 (4,2) 4 (1,1) 5 (NaN,2) 6 (3,NaN) 7 (2,2) 8 (4,3) 9 (inf,2)
+  const struct
+  {
+    vtkVector2f min, max;
+    std::vector<vtkIdType> rows;
+  } rectangles[] = {
+    { { 0, 0 }, { 5, 5 }, { 0, 1, 2, 3, 4, 7, 8 } },
+    { { 1, 1 }, { 1, 1 }, { 0, 2, 4 } },
+    { { 1.5, 1.5 }, { 4, 3 }, { 1, 3, 7, 8 } },
+    { { 2, 2 }, { 3.9f, 2.9f }, { 7 } },
+    { { 6, 6 }, { 7, 7 }, {} },
+    { { -5, 1 }, { 1e30f, 2 }, { 0, 2, 3, 4, 7 } },
+  };
+  auto plot = vtkSmartPointer<vtkDensityPlotPoints>::New();
+  plot->SetInputData(table, "x", "y");
+  plot->Update();
+  for (const auto& rectangle : rectangles)
+  {
+    const bool any = plot->SelectPoints(rectangle.min, rectangle.max);
+    std::vector<vtkIdType> rows;
+    for (vtkIdType i = 0; i < plot->GetSelection()->GetNumberOfTuples(); ++i)
+      rows.push_back(plot->GetSelection()->GetValue(i));
+    EXPECT_EQ(rows, rectangle.rows) << rectangle.min.GetX() << "," << rectangle.min.GetY() << " to "
+                                    << rectangle.max.GetX() << "," << rectangle.max.GetY();
+    EXPECT_EQ(any, !rows.empty());
+  }
+}
+
+// A selection set from outside leaves the points' cache as it is (a million points read and
+// sorted again for every selection otherwise); new data is read again.
+TEST(DensityPlotPoints, ANewSelectionKeepsThePointsCache)
+{
+  auto plot = vtkSmartPointer<vtkDensityPlotPoints>::New();
+  auto chart = vtkSmartPointer<vtkChartXY>::New();
+  chart->AddPlot(plot);
+  auto table = points();
+  plot->SetInputData(table, "x", "y");
+  plot->Update();
+  const vtkVector2f near(0.01f, 0.01f);
+  vtkVector2f at;
+  vtkIdType segment = 0;
+  ASSERT_EQ(plot->GetNearestPoint({ 4, 2 }, near, &at, &segment), 3);
+
+  // A point moved behind the table's back: found where it was while the cache is kept.
+  vtkDoubleArray::SafeDownCast(table->GetColumnByName("y"))->GetPointer(0)[3] = 9;
+  auto selection = vtkSmartPointer<vtkIdTypeArray>::New();
+  selection->InsertNextValue(3);
+  plot->SetSelection(selection);
+  plot->Update();
+  EXPECT_EQ(plot->GetNearestPoint({ 4, 2 }, near, &at, &segment), 3)
+    << "a new selection reads no points";
+  EXPECT_EQ(plot->GetSelection(), selection.Get());
+
+  table->Modified();
+  plot->SetSelection(nullptr);
+  plot->Update();
+  EXPECT_EQ(plot->GetNearestPoint({ 4, 2 }, near, &at, &segment), -1) << "changed data is read";
+  EXPECT_EQ(plot->GetNearestPoint({ 4, 9 }, near, &at, &segment), 3);
+  EXPECT_EQ(plot->GetSelection(), nullptr);
+}

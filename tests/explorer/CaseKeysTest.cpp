@@ -4,8 +4,7 @@
 #include "CaseKeys.h"
 #include "CaseOrder.h"
 #include "KeyedSelectionModel.h"
-
-#include "analyzer_common/SelectionModel.h"
+#include "MasterSelection.h"
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
@@ -56,7 +55,8 @@ TEST(CaseKeys, TranslateEveryIdOfAnyShapeBothWays)
     const Set all(study.ids.begin(), study.ids.end());
     Set withStrangers = all;
     withStrangers.insert({ 3, 6, 999 });
-    const Set allKeys = keys.keysOf(withStrangers);
+    const Set allKeys =
+      keys.keysOf(std::vector<unsigned long long>(withStrangers.begin(), withStrangers.end()));
     EXPECT_EQ(allKeys.size(), study.ids.size()) << study.shape;
     Set keysWithStrangers = allKeys;
     keysWithStrangers.insert(study.ids.size() + 10);
@@ -79,13 +79,14 @@ TEST(CaseKeys, AManyCaseSelectionOfSortedIdsIsFoundInOneWalk)
     selected.insert(ids[i] + 1); // not a case
     expectedKeys.insert(i);
   }
-  EXPECT_EQ(keys.keysOf(selected), expectedKeys);
+  EXPECT_EQ(keys.keysOf(std::vector<unsigned long long>(selected.begin(), selected.end())),
+            expectedKeys);
 }
 
 TEST(KeyedSelectionModel, PlotsSelectInKeysWhileTheMasterHoldsCaseIds)
 {
   const std::vector<unsigned long long> ids = { top, 5, 4294967296, 2147483648 };
-  auto master = boost::make_shared<SelectionModel>();
+  auto master = boost::make_shared<explorer::MasterSelection>();
   explorer::KeyedSelectionModel keyed(master, std::make_shared<CaseKeys>(ids));
   std::vector<Set> heard;
   const auto connection =
@@ -106,7 +107,7 @@ TEST(CaseOrder, SelectedCasesFollowTheTablesOrder)
   explorer::CaseOrder order(std::make_shared<CaseKeys>(ids));
   int changes = 0;
   const auto connection = order.connectChanged([&] { ++changes; });
-  const Set selected = { 50, 20, 40, 77 };
+  const std::vector<unsigned long long> selected = { 20, 40, 50, 77 };
   EXPECT_EQ(order.sorted(selected), (std::vector<unsigned long long>{ 20, 40, 50, 77 }))
     << "the study's order; an unknown id last";
   // A table sorted and filtered: 40 and 10 shown, in that order; the others follow in the

@@ -2,11 +2,11 @@
 // steps that keep the history made before them, the selection kept, settings that follow a
 // renamed variable, and settings files that carry them (or are refused whole).
 
+#include "MasterSelection.h"
 #include "SampleWindow.h"
 #include "views/line/LinePlotView.h"
 #include "views/scatter/ScatterPlotView.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/SeriesReader.h"
 #include "properties/PropertyAbstract.h"

@@ -3,6 +3,7 @@
 
 #include "ExplorerWindow.h"
 #include "CommandLine.h"
+#include "MasterSelection.h"
 #include "SampleStudy.h"
 #include "StudyReading.h"
 #include "ViewRegistry.h"
@@ -15,7 +16,6 @@
 #include "views/scatter3d/ScatterPlot3DView.h"
 #include "views/table/CasesTableView.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "charts/AxisDetailsInterface.h"
 #include "charts/ChartXY.h"

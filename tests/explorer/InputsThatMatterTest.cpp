@@ -3,13 +3,13 @@
 // input plots the output against it in the scatter plot as one undo step.
 
 #include "FilterEdits.h"
+#include "MasterSelection.h"
 #include "SampleWindow.h"
 #include "VariableRoles.h"
 #include "views/importance/ImportanceView.h"
 #include "views/scatter/ScatterPlotView.h"
 
 #include "analyzer_common/DeleteSignaler.h"
-#include "analyzer_common/SelectionModel.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "properties/PropertyAbstract.h"

@@ -3,10 +3,10 @@
 // or a density), edits are undo steps saved with the settings, and each run's series is read
 // from its file, a broken file named with its case.
 
+#include "MasterSelection.h"
 #include "SampleWindow.h"
 #include "views/line/LinePlotView.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/StudyReader.h"

@@ -3,12 +3,12 @@
 // study.
 
 #include "ExplorerWindow.h"
+#include "MasterSelection.h"
 #include "StudySessions.h"
 #include "views/SelectedCasesView.h"
 #include "views/scatter/ScatterPlotView.h"
 #include "views/table/CasesTableView.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/AuxFile.h"
 #include "datamanagement/Project.h"

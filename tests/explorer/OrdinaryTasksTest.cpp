@@ -3,6 +3,7 @@
 // the window's layout, tool tips over crowded points and the order of the selected images.
 
 #include "ExplorerWindow.h"
+#include "MasterSelection.h"
 #include "SampleStudy.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
@@ -10,7 +11,6 @@
 #include "views/scatter/ScatterPlotView.h"
 #include "views/table/CasesTableView.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "charts/AxisDetailsInterface.h"
 #include "charts/ChartXY.h"

@@ -3,6 +3,7 @@
 
 #include "ExplorerWindow.h"
 #include "FileLocator.h"
+#include "MasterSelection.h"
 #include "views/ImageDiffView.h"
 #include "views/ImageMatrixView.h"
 #include "views/SelectedCasesView.h"
@@ -12,7 +13,6 @@
 #include "views/scatter3d/ScatterPlot3DView.h"
 #include "views/table/CasesTableView.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "charts/AxisDetailsInterface.h"
 #include "charts/ChartXY.h"
 #include "datamanagement/Project.h"

@@ -2,9 +2,9 @@
 
 #include "ExplorerView.h"
 #include "ExplorerWindow.h"
+#include "MasterSelection.h"
 #include "SampleStudy.h"
 
-#include "analyzer_common/SelectionModel.h"
 #include "analyzer_common/UndoStack.h"
 #include "datamanagement/Project.h"
 

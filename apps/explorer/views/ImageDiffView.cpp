@@ -4,9 +4,9 @@
 #include "ChangesWhileHidden.h"
 #include "FileLocator.h"
 #include "FittedImage.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "StudyFiles.h"
-#include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/AuxFile.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/Record.h"
@@ -90,7 +90,7 @@ QImage ImageDiffView::heatMap(const QImage& difference, int largest)
 struct ImageDiffView::Impl
 {
   std::shared_ptr<const Project> project;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   std::shared_ptr<ImageFileLoaderInterface> loader;
   QPointer<QWidget> container;
   // Each image as large as its pane allows: a large one never widens the window.
@@ -146,7 +146,7 @@ struct ImageDiffView::Impl
 
   std::unique_ptr<ChangesWhileHidden> changes;
 
-  void show(const std::set<unsigned long long>& ids)
+  void show(const std::vector<unsigned long long>& ids)
   {
     compared.clear();
     if (pinned->value() && project->record(reference->value()).lock().isNull() == false)
@@ -269,8 +269,8 @@ ImageDiffView::ImageDiffView(const ViewContext& context)
     connections().add(
       followed->connectSignalPropertyChanged([impl] { impl->changes->changed(false); }));
   connections().add(context.order->connectChanged([impl] { impl->changes->changed(false); }));
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases& ids) { impl->changes->selectionChanged(*ids); }));
   // The case first, then the pin: a pin read back refers to the case read just before.
   saveSetting(
     boost::make_shared<GenericSerializer<unsigned long long>>("ReferenceCase", d->reference),
@@ -312,9 +312,9 @@ void ImageDiffView::refresh()
 
 void ImageDiffView::pinReference(bool pinned)
 {
-  const auto ids = d->selection->getSelections();
+  const auto& ids = *d->selection->cases();
   if (pinned && !ids.empty() && !d->pinned->value())
-    d->reference->setValue(*ids.begin());
+    d->reference->setValue(ids.front());
   d->pinned->setValue(pinned && !ids.empty());
 }
 

@@ -1,10 +1,11 @@
 #include "views/ImageMatrixView.h"
 
+#include "ChangesWhileHidden.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
 #include "StudyFiles.h"
 
-#include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/UndoStack.h"
 #include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/Project.h"
@@ -165,11 +166,12 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
     d->properties->dimensionPagesBy()->setValue(ImageMatrixViewProperties::PageByTag);
     d->properties->pageValue()->setValue(Variant(imageTags.front()));
   }
-  d->table = new ImageTableView(*d->container,
-                                context.pipeline,
-                                context.selection,
-                                context.images->sharedLoader(),
-                                d->properties);
+  d->table =
+    new ImageTableView(*d->container,
+                       context.pipeline,
+                       boost::make_shared<ShownViewSelection>(context.selection, *d->container),
+                       context.images->sharedLoader(),
+                       d->properties);
   layout->addWidget(d->table);
   if (imageTags.empty())
   {
@@ -181,8 +183,8 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
     layout->setCurrentWidget(reason);
   }
   QTableView* cells = &d->table->tableView();
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [cells](const std::set<unsigned long long>&) { scrollToSelectionLater(*cells); }));
+  connections().add(context.selection->connectCasesChanged(
+    [cells](const MasterSelection::SharedCases&) { scrollToSelectionLater(*cells); }));
 
   NamedValueTranslator<Matrix::RowColumnDimensionBy> axes;
   axes.add("Variable", Matrix::ByVariable);

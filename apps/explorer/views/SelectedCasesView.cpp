@@ -1,11 +1,11 @@
 #include "views/SelectedCasesView.h"
 
 #include "ChangesWhileHidden.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "TableSorting.h"
 #include "VariableNames.h"
 #include "VariableRoles.h"
-#include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/Project.h"
 #include "datamanagement/Record.h"
@@ -59,7 +59,7 @@ public:
   {
   }
 
-  void show(const std::set<unsigned long long>& selected)
+  void show(const std::vector<unsigned long long>& selected)
   {
     beginResetModel();
     records.clear();
@@ -177,7 +177,7 @@ struct SelectedCasesView::Impl
 {
   std::shared_ptr<const Project> project;
   std::shared_ptr<const VariableRoles> roles;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   QPointer<QWidget> container;
   QTableView* table = nullptr;
   QLabel* count = nullptr;
@@ -187,7 +187,7 @@ struct SelectedCasesView::Impl
 
   std::unique_ptr<ChangesWhileHidden> changes;
 
-  void showSelection(const std::set<unsigned long long>& ids)
+  void showSelection(const std::vector<unsigned long long>& ids)
   {
     model->show(ids);
     count->setText(QString("%1 cases").arg(model->rowCount()));
@@ -249,8 +249,8 @@ SelectedCasesView::SelectedCasesView(const ViewContext& context)
     *d->container,
     *context.selection,
     ChangesWhileHidden::Steps{ {}, [impl](const auto& ids) { impl->showSelection(ids); }, {} });
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases& ids) { impl->changes->selectionChanged(*ids); }));
 
   QObject::connect(copy,
                    &QPushButton::clicked,

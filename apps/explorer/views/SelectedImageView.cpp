@@ -3,9 +3,9 @@
 #include "CaseOrder.h"
 #include "ChangesWhileHidden.h"
 #include "FileLocator.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "StudyFiles.h"
-#include "analyzer_common/SelectionModelInterface.h"
 #include "analyzer_common/VariantDisplayText.h"
 #include "datamanagement/AuxFile.h"
 #include "datamanagement/Project.h"
@@ -80,7 +80,7 @@ private:
 struct SelectedImageView::Impl
 {
   std::shared_ptr<const Project> project;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   std::shared_ptr<ImageFileLoaderInterface> loader;
   QPointer<QWidget> container;
   QLabel* position = nullptr;
@@ -175,7 +175,7 @@ struct SelectedImageView::Impl
 
   std::unique_ptr<ChangesWhileHidden> changes;
 
-  void follow(const std::set<unsigned long long>& ids)
+  void follow(const std::vector<unsigned long long>& ids)
   {
     selected = order->sorted(ids);
     firstCase = 0;
@@ -256,8 +256,8 @@ SelectedImageView::SelectedImageView(const ViewContext& context)
   connections().add(context.files->locations()->connectSignalPropertyChanged(
     [impl] { impl->changes->changed(false); }));
   connections().add(context.order->connectChanged([impl] { impl->changes->changed(false); }));
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases& ids) { impl->changes->selectionChanged(*ids); }));
   saveSetting(boost::make_shared<GenericSerializer<short>>("SideBySide", d->sideBySide), "1 to 4");
   saveSetting(boost::make_shared<GenericSerializer<short>>("Zoom", d->zoom), "a percentage");
   saveSetting(boost::make_shared<GenericSerializer<std::string>>("ImageTag", d->imageTag));

@@ -2,13 +2,13 @@
 
 #include "CaseRowIndex.h"
 #include "ChangesWhileHidden.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
 #include "VariableRoles.h"
 #include "views/Canvas.h"
 #include "views/UndoableSetting.h"
 
-#include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "properties/Property.h"
@@ -50,7 +50,7 @@ struct ImportanceView::Impl
 {
   std::shared_ptr<const Project> project;
   DataPipelineManager& pipeline;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   std::shared_ptr<VariableRoles> roles;
   std::function<void(const WeakPtr<Variable>&, const WeakPtr<Variable>&)> plotInScatter;
   QPointer<Canvas> canvas;
@@ -163,7 +163,7 @@ struct ImportanceView::Impl
     selectedCases = 0;
     if (!compare->value() || !outputValues)
       return;
-    const std::vector<int> rows = rowOfCase.rowsOf(selection->getSelections());
+    const std::vector<int> rows = rowOfCase.rowsOf(*selection->cases());
     selectedCases = rows.size();
     if (rows.empty())
       return;
@@ -325,8 +325,8 @@ ImportanceView::ImportanceView(const ViewContext& context)
   connections().add(d->compare->connectSignalPropertyChanged(reload));
   if (d->roles)
     connections().add(d->roles->said()->connectSignalPropertyChanged(reload));
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases& ids) { impl->changes->selectionChanged(*ids); }));
 
   saveVariableSetting("Output", d->output, *d->project);
   saveSetting(boost::make_shared<GenericSerializer<bool>>("CompareSelection", d->compare),

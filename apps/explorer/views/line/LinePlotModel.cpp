@@ -254,7 +254,7 @@ void LinePlotModel::takeInSeries()
   curveLook.y.title = seriesYName;
 }
 
-void LinePlotModel::select(const std::set<unsigned long long>& caseIds)
+void LinePlotModel::select(const std::vector<unsigned long long>& caseIds)
 {
   selected.assign(ids.size(), 0);
   const std::vector<int> rows = rowOfCase.rowsOf(caseIds);

@@ -67,7 +67,7 @@ public:
   /// those that cannot be drawn are named.
   void takeInSeries();
   /// The rows of the selected cases.
-  void select(const std::set<unsigned long long>& caseIds);
+  void select(const std::vector<unsigned long long>& caseIds);
 
   const CurveSet& curves() const { return shownCurves; }
   const std::vector<unsigned long long>& caseIds() const { return ids; }

@@ -1,6 +1,7 @@
 #include "views/line/LinePlotView.h"
 
 #include "ChangesWhileHidden.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
 #include "StudyFiles.h"
@@ -9,7 +10,6 @@
 #include "views/line/LinePlotModel.h"
 #include "views/line/LinePlotPainter.h"
 
-#include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "properties/Property.h"
@@ -73,7 +73,7 @@ struct LinePlotView::Impl
 {
   std::shared_ptr<const Project> project;
   DataPipelineManager& pipeline;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   QPointer<Canvas> canvas;
 
   boost::shared_ptr<plexa::UndoablePropertyProxy<LineMode>> mode;
@@ -150,7 +150,7 @@ struct LinePlotView::Impl
     model->reload(
       *pipeline.output()->GetOutput(), settings(), canvas, [impl] { impl->seriesArrived(); });
     painter.curvesChanged();
-    model->select(selection->getSelections());
+    model->select(*selection->cases());
   }
 
   // Series came in: their curves are added, and the plot is drawn again at once when the last
@@ -203,18 +203,26 @@ struct LinePlotView::Impl
   void selectRows(const std::vector<std::uint32_t>& rows, bool control)
   {
     const auto& caseIds = model->caseIds();
-    std::set<unsigned long long> ids =
-      control ? selection->getSelections() : std::set<unsigned long long>();
-    const bool allSelected =
-      control && std::all_of(rows.begin(),
-                             rows.end(),
-                             [&](std::uint32_t row) { return ids.count(caseIds[row]) > 0; });
+    MasterSelection::Cases picked;
+    picked.reserve(rows.size());
     for (std::uint32_t row : rows)
-      if (allSelected)
-        ids.erase(caseIds[row]);
-      else
-        ids.insert(caseIds[row]);
-    selection->setSelection(ids);
+      picked.push_back(caseIds[row]);
+    std::sort(picked.begin(), picked.end());
+    picked.erase(std::unique(picked.begin(), picked.end()), picked.end());
+    if (!control)
+    {
+      selection->setCases(std::move(picked));
+      return;
+    }
+    // With Control the curves picked are added, or taken away when all of them were selected.
+    const MasterSelection::Cases& was = *selection->cases();
+    MasterSelection::Cases ids;
+    if (std::includes(was.begin(), was.end(), picked.begin(), picked.end()))
+      std::set_difference(
+        was.begin(), was.end(), picked.begin(), picked.end(), std::back_inserter(ids));
+    else
+      std::set_union(was.begin(), was.end(), picked.begin(), picked.end(), std::back_inserter(ids));
+    selection->setCases(std::move(ids));
   }
 
   void hover(const QPoint& at)
@@ -379,8 +387,8 @@ LinePlotView::LinePlotView(const ViewContext& context)
       impl->painter.curvesChanged();
       impl->canvas->update();
     }));
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases& ids) { impl->changes->selectionChanged(*ids); }));
 
   saveSetting(boost::make_shared<EnumSerializer<LineMode>>("Mode", d->mode, modeNames()),
               "response or series");

@@ -121,7 +121,7 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
   selected.clear();
 }
 
-void ParallelCoordinatesModel::select(const std::set<unsigned long long>& caseIds)
+void ParallelCoordinatesModel::select(const std::vector<unsigned long long>& caseIds)
 {
   selected = rowOfCase.rowsOf(caseIds);
 }

@@ -55,7 +55,7 @@ public:
               const WeakPtr<Variable>& colour,
               const std::vector<WeakPtr<Variable>>& logAxes = {});
   /// The rows of the selected cases.
-  void select(const std::set<unsigned long long>& caseIds);
+  void select(const std::vector<unsigned long long>& caseIds);
 
   const std::vector<ParallelAxis>& axes() const { return axesShown; }
   const std::vector<unsigned long long>& caseIds() const { return ids; }

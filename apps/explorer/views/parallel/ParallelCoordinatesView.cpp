@@ -2,6 +2,7 @@
 
 #include "ChangesWhileHidden.h"
 #include "FilterEdits.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
 #include "views/Canvas.h"
@@ -10,7 +11,6 @@
 #include "views/parallel/ParallelCoordinatesPainter.h"
 
 #include "analyzer_common/DeleteSignaler.h"
-#include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "properties/Property.h"
@@ -46,7 +46,7 @@ struct ParallelCoordinatesView::Impl
 {
   std::shared_ptr<const Project> project;
   DataPipelineManager& pipeline;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   QPointer<Canvas> canvas;
   boost::shared_ptr<plexa::UndoablePropertyProxy<VariableList>> axesProperty;
   boost::shared_ptr<plexa::UndoablePropertyProxy<WeakPtr<Variable>>> color;
@@ -89,10 +89,10 @@ struct ParallelCoordinatesView::Impl
                  color->value(),
                  logAxes->value());
     painter.linesChanged();
-    select(selection->getSelections());
+    select(*selection->cases());
   }
 
-  void select(const std::set<unsigned long long>& ids)
+  void select(const std::vector<unsigned long long>& ids)
   {
     model.select(ids);
     painter.selectionChanged();
@@ -201,11 +201,7 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
       const int row = ParallelCoordinatesPainter::rowAt(impl->model, impl->layout(), event.pos());
       if (row < 0)
         return;
-      auto ids = impl->selection->getSelections();
-      const unsigned long long id = impl->model.caseIds()[static_cast<std::size_t>(row)];
-      if (!ids.erase(id))
-        ids.insert(id);
-      impl->selection->setSelection(ids);
+      impl->selection->toggle(impl->model.caseIds()[static_cast<std::size_t>(row)]);
       return;
     }
     adjustSelectionForMouseClickAtPoint();
@@ -228,8 +224,8 @@ ParallelCoordinatesView::ParallelCoordinatesView(const ViewContext& context)
       impl->painter.linesChanged();
       impl->canvas->update();
     }));
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases& ids) { impl->changes->selectionChanged(*ids); }));
 
   saveSetting(
     boost::make_shared<VariableListSerializer>("Axes", d->axesProperty, d->project->variables()));

@@ -57,7 +57,7 @@ void ScatterPlot3DModel::reload(vtkTable& shown,
   selectedPoints.clear();
 }
 
-void ScatterPlot3DModel::select(const std::set<unsigned long long>& caseIds)
+void ScatterPlot3DModel::select(const std::vector<unsigned long long>& caseIds)
 {
   selectedPoints = pointOfCase.rowsOf(caseIds);
 }

@@ -37,7 +37,7 @@ public:
               const std::array<WeakPtr<Variable>, 3>& axes,
               const WeakPtr<Variable>& colour);
   /// The points of the selected cases.
-  void select(const std::set<unsigned long long>& caseIds);
+  void select(const std::vector<unsigned long long>& caseIds);
 
   const std::vector<unsigned long long>& caseIds() const { return ids; }
   const std::vector<Point>& positions() const { return points; }

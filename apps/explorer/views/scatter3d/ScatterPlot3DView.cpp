@@ -1,12 +1,12 @@
 #include "views/scatter3d/ScatterPlot3DView.h"
 
 #include "ChangesWhileHidden.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "StudyDefaults.h"
 #include "views/scatter3d/ScatterPlot3DModel.h"
 #include "views/scatter3d/ScatterPlot3DScene.h"
 
-#include "analyzer_common/SelectionModelInterface.h"
 #include "common_vtk/vtkPxCommandProxy.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
@@ -44,7 +44,7 @@ struct ScatterPlot3DView::Impl
 {
   std::shared_ptr<const Project> project;
   DataPipelineManager& pipeline;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   boost::shared_ptr<PlotSelectionModel> plotSelection;
   QPointer<QVTKOpenGLNativeWidget> widget;
   std::unique_ptr<ScatterPlot3DScene> scene;
@@ -73,7 +73,7 @@ struct ScatterPlot3DView::Impl
     model.reload(*pipeline.output()->GetOutput(),
                  { axes[0]->value(), axes[1]->value(), axes[2]->value() },
                  color->value());
-    model.select(selection->getSelections());
+    model.select(*selection->cases());
     std::array<std::string, 3> titles;
     for (std::size_t a = 0; a < 3; ++a)
       titles[a] = axes[a]->value().lock().name();
@@ -81,7 +81,7 @@ struct ScatterPlot3DView::Impl
     scene->show(model, titles, colour.name(), colour.range());
   }
 
-  void select(const std::set<unsigned long long>& ids)
+  void select(const std::vector<unsigned long long>& ids)
   {
     model.select(ids);
     scene->showSelection(model);
@@ -109,7 +109,8 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
     "Color Variable", boost::make_shared<plexa::Property<WeakPtr<Variable>>>(first[3]));
 
   vtkRenderWindowInteractor* interactor = d->widget->interactor();
-  d->plotSelection = boost::make_shared<PlotSelectionModel>(interactor, context.selection);
+  d->plotSelection = boost::make_shared<PlotSelectionModel>(
+    interactor, boost::make_shared<ShownViewSelection>(context.selection, *d->widget));
   d->style = vtkSmartPointer<vtkInteractorStyleTrackballCamera>::New();
   interactor->SetInteractorStyle(d->style);
   Impl* impl = d.get();
@@ -167,8 +168,8 @@ ScatterPlot3DView::ScatterPlot3DView(const ViewContext& context)
   connections().add(context.pipeline->connectSignalPipelineChanged(reload));
   for (const auto& property : { d->axes[0], d->axes[1], d->axes[2], d->color })
     connections().add(property->connectSignalPropertyChanged(reload));
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>& ids) { impl->changes->selectionChanged(ids); }));
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases& ids) { impl->changes->selectionChanged(*ids); }));
 
   saveVariableSetting("XVariable", d->axes[0], *d->project);
   saveVariableSetting("YVariable", d->axes[1], *d->project);

@@ -126,9 +126,9 @@ unsigned long long CasesModel::largestCaseId() const
   return caseIds.empty() ? 0 : *std::max_element(caseIds.begin(), caseIds.end());
 }
 
-std::vector<int> CasesModel::rowsOf(const std::set<unsigned long long>& ids) const
+std::vector<int> CasesModel::rowsOf(const std::vector<unsigned long long>& sortedIds) const
 {
-  std::vector<int> rows = rowOfCase.rowsOf(ids);
+  std::vector<int> rows = rowOfCase.rowsOf(sortedIds);
   if (!order.empty())
     for (int& row : rows)
       row = shownRow[static_cast<std::size_t>(row)];

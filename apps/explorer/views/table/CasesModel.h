@@ -51,8 +51,8 @@ public:
   std::vector<unsigned long long> sortedCases() const;
   /// The largest case id shown, whose text is the widest of the case id column.
   unsigned long long largestCaseId() const;
-  /// The shown rows of the cases.
-  std::vector<int> rowsOf(const std::set<unsigned long long>& ids) const;
+  /// The shown rows of the cases, given in increasing order.
+  std::vector<int> rowsOf(const std::vector<unsigned long long>& sortedIds) const;
 
 private:
   vtkIdType tableRow(int row) const;

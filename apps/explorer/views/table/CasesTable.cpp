@@ -1,19 +1,19 @@
 #include "views/table/CasesTable.h"
 
+#include "MasterSelection.h"
 #include "views/table/CasesModel.h"
 
-#include "analyzer_common/SelectionModelInterface.h"
-#include "dataviews/SelectionConverterInterface.h"
-#include "dataviews/TableViewSelectionSynchronizer.h"
+#include "common/ScopedGuards.h"
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPalette>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
-#include <boost/make_shared.hpp>
+#include <boost/signals2/connection.hpp>
 
 #include <algorithm>
 
@@ -44,40 +44,6 @@ QItemSelection rowRanges(const QAbstractItemModel& model, std::vector<int>& rows
   }
   return selection;
 }
-
-// A row stands for its case.
-class RowConverter : public SelectionConverterInterface
-{
-public:
-  explicit RowConverter(const CasesModel& model)
-    : model(model)
-  {
-  }
-
-  // From the ranges themselves: QItemSelectionModel::selectedRows() asks, for each row, every
-  // range whether the whole row is in it, which is quadratic in scattered selections.
-  std::set<unsigned long long> caseIDsFromSelection(
-    const QItemSelectionModel& selection) const override
-  {
-    std::vector<unsigned long long> ids;
-    for (const QItemSelectionRange& range : selection.selection())
-      for (int row = range.top(); row <= range.bottom(); ++row)
-        ids.push_back(model.caseOfRow(row));
-    // Rows in the study's order hold their cases in order: nothing to sort then.
-    if (!std::is_sorted(ids.begin(), ids.end()))
-      std::sort(ids.begin(), ids.end());
-    return std::set<unsigned long long>(ids.begin(), std::unique(ids.begin(), ids.end()));
-  }
-
-  QItemSelection selectionFromCaseIDs(const std::set<unsigned long long>& ids) const override
-  {
-    std::vector<int> rows = model.rowsOf(ids);
-    return rowRanges(model, rows);
-  }
-
-private:
-  const CasesModel& model;
-};
 
 } // namespace
 
@@ -218,35 +184,83 @@ private:
 
 } // namespace
 
-// Shows the master selection through the selection model, which keeps many runs of rows as flags.
-class TableSelection : public TableViewSelectionSynchronizer
+// Keeps the table's selection and the master's list of cases in step, and never through a set: a
+// selection of every row is a million cases. Each direction is off while the other writes.
+class TableSelection
 {
 public:
-  TableSelection(boost::shared_ptr<SelectionModelInterface> master,
+  TableSelection(boost::shared_ptr<MasterSelection> master,
                  QTableView& view,
                  const CasesModel& model,
                  CasesSelectionModel& selection)
-    : TableViewSelectionSynchronizer(std::move(master),
-                                     view,
-                                     boost::make_shared<RowConverter>(model))
+    : master(std::move(master))
     , model(model)
     , selection(selection)
   {
+    // The selected rows keep their colour while the focus is elsewhere: they are the selection
+    // every view shows.
+    QPalette palette = view.palette();
+    palette.setColor(QPalette::Inactive,
+                     QPalette::Highlight,
+                     palette.color(QPalette::Active, QPalette::Highlight));
+    view.setPalette(palette);
+    showMaster();
+    fromMaster = this->master->connectCasesChanged(
+      [this](const MasterSelection::SharedCases&)
+      {
+        if (!suspended && !writing)
+          showMaster();
+      });
+    fromTable = QObject::connect(&selection,
+                                 &QItemSelectionModel::selectionChanged,
+                                 [this]
+                                 {
+                                   if (!writing)
+                                     toMaster();
+                                 });
   }
 
-private:
-  void setLocalSelectionsToMaster(const std::set<unsigned long long>& ids) override
+  ~TableSelection() { QObject::disconnect(fromTable); }
+
+  void suspend() { suspended = true; }
+
+  void resume()
   {
-    std::vector<int> rows = model.rowsOf(ids);
+    suspended = false;
+    showMaster();
+  }
+
+  void showMaster()
+  {
+    std::vector<int> rows = model.rowsOf(*master->cases());
     std::sort(rows.begin(), rows.end());
+    const ScopedValue<bool> quiet(writing, true);
     selection.show(std::move(rows));
   }
 
+private:
+  // The cases of the selected rows, from the ranges themselves: QItemSelectionModel's
+  // selectedRows() asks every range about every row, quadratic in scattered selections.
+  void toMaster()
+  {
+    MasterSelection::Cases ids;
+    for (const QItemSelectionRange& range : selection.selection())
+      for (int row = range.top(); row <= range.bottom(); ++row)
+        ids.push_back(model.caseOfRow(row));
+    const ScopedValue<bool> quiet(writing, true);
+    master->setCases(std::move(ids));
+  }
+
+  boost::shared_ptr<MasterSelection> master;
   const CasesModel& model;
   CasesSelectionModel& selection;
+  boost::signals2::scoped_connection fromMaster;
+  QMetaObject::Connection fromTable;
+  bool suspended = false;
+  bool writing = false;
 };
 
-CasesTable::CasesTable(CasesModel& model, boost::shared_ptr<SelectionModelInterface> master)
+CasesTable::CasesTable(CasesModel& model, boost::shared_ptr<MasterSelection> master)
 {
   setObjectName("casesTable");
   // The table owns its model: the table's selection refers to it until the table goes.
@@ -277,7 +291,7 @@ CasesTable::~CasesTable()
 
 void CasesTable::showMasterSelection()
 {
-  synchronizer->showMasterSelection();
+  synchronizer->showMaster();
 }
 
 void CasesTable::suspend()

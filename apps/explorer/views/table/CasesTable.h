@@ -5,12 +5,11 @@
 
 #include <memory>
 
-class SelectionModelInterface;
-
 namespace explorer
 {
 
 class CasesModel;
+class MasterSelection;
 class CasesSelectionModel;
 class TableSelection;
 
@@ -26,7 +25,7 @@ class CasesTable : public QTableView
 {
 public:
   /// A table of the model, which it takes over (as a Qt child), following `master`.
-  CasesTable(CasesModel& model, boost::shared_ptr<SelectionModelInterface> master);
+  CasesTable(CasesModel& model, boost::shared_ptr<MasterSelection> master);
   ~CasesTable() override;
 
   /// Shows the master selection again (after the model was reloaded or sorted).

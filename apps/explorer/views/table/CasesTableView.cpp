@@ -1,12 +1,12 @@
 #include "views/table/CasesTableView.h"
 
 #include "CaseOrder.h"
+#include "MasterSelection.h"
 #include "TableSorting.h"
 #include "VariableRoles.h"
 #include "views/table/CasesModel.h"
 #include "views/table/CasesTable.h"
 
-#include "analyzer_common/SelectionModelInterface.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "properties/BoundedValueValidator.h"
@@ -33,7 +33,7 @@ namespace explorer
 struct CasesTableView::Impl
 {
   std::shared_ptr<const Project> project;
-  boost::shared_ptr<SelectionModelInterface> selection;
+  boost::shared_ptr<MasterSelection> selection;
   QPointer<QWidget> container;
   // Both owned by the view's widget.
   CasesTable* table = nullptr;
@@ -162,8 +162,8 @@ CasesTableView::CasesTableView(const ViewContext& context)
                    d->container,
                    [impl](const QPoint& at) { impl->showRoleMenu(at); });
 
-  connections().add(context.selection->connectSignalSelectionChanged(
-    [impl](const std::set<unsigned long long>&)
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases&)
     { scrollToSelectionLater(*impl->table, [impl] { return impl->table->firstSelectedRow(); }); }));
   connections().add(pipeline.connectSignalPipelineChanged(
     [impl]
