@@ -4,7 +4,6 @@
 #include <vtkTypeUInt64Array.h>
 
 #include <algorithm>
-#include <limits>
 #include <numeric>
 
 namespace explorer
@@ -27,37 +26,49 @@ std::vector<unsigned long long> caseIdsOf(vtkTable& table)
 
 void CaseRowIndex::assign(const std::vector<unsigned long long>& caseIds)
 {
-  rowOfCase.resize(caseIds.size());
-  for (std::size_t row = 0; row < caseIds.size(); ++row)
-    rowOfCase[row] = { caseIds[row], static_cast<int>(row) };
-  // Rows usually come in case id order already.
-  if (!std::is_sorted(rowOfCase.begin(), rowOfCase.end()))
-    std::sort(rowOfCase.begin(), rowOfCase.end());
+  rowOfSorted.clear();
+  if (std::is_sorted(caseIds.begin(), caseIds.end()))
+  {
+    sortedIds = caseIds;
+    return;
+  }
+  rowOfSorted.resize(caseIds.size());
+  std::iota(rowOfSorted.begin(), rowOfSorted.end(), 0);
+  std::stable_sort(rowOfSorted.begin(),
+                   rowOfSorted.end(),
+                   [&](int a, int b) { return caseIds[std::size_t(a)] < caseIds[std::size_t(b)]; });
+  sortedIds.resize(caseIds.size());
+  for (std::size_t i = 0; i < caseIds.size(); ++i)
+    sortedIds[i] = caseIds[std::size_t(rowOfSorted[i])];
+}
+
+int CaseRowIndex::rowAt(std::size_t position) const
+{
+  return rowOfSorted.empty() ? static_cast<int>(position) : rowOfSorted[position];
 }
 
 std::vector<int> CaseRowIndex::rowsOf(const std::vector<unsigned long long>& selection) const
 {
   std::vector<int> rows;
-  if (selection.size() < rowOfCase.size() / 64)
+  if (selection.size() < sortedIds.size() / 64)
   {
     for (unsigned long long id : selection)
     {
-      auto found = std::lower_bound(
-        rowOfCase.begin(), rowOfCase.end(), std::make_pair(id, std::numeric_limits<int>::min()));
-      for (; found != rowOfCase.end() && found->first == id; ++found)
-        rows.push_back(found->second);
+      auto found = std::lower_bound(sortedIds.begin(), sortedIds.end(), id);
+      for (; found != sortedIds.end() && *found == id; ++found)
+        rows.push_back(rowAt(std::size_t(found - sortedIds.begin())));
     }
     return rows;
   }
   auto id = selection.begin();
-  for (const auto& [caseId, row] : rowOfCase)
+  for (std::size_t position = 0; position < sortedIds.size(); ++position)
   {
-    while (id != selection.end() && *id < caseId)
+    while (id != selection.end() && *id < sortedIds[position])
       ++id;
     if (id == selection.end())
       break;
-    if (*id == caseId)
-      rows.push_back(row);
+    if (*id == sortedIds[position])
+      rows.push_back(rowAt(position));
   }
   return rows;
 }

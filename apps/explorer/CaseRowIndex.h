@@ -1,6 +1,5 @@
 #pragma once
 
-#include <utility>
 #include <vector>
 
 class vtkTable;
@@ -24,7 +23,12 @@ public:
   std::vector<int> rowsOf(const std::vector<unsigned long long>& selection) const;
 
 private:
-  std::vector<std::pair<unsigned long long, int>> rowOfCase;
+  int rowAt(std::size_t position) const;
+
+  // The case ids in increasing order, and their rows when the rows are in another order: rows
+  // usually come in case id order, and then the ids are all the index holds.
+  std::vector<unsigned long long> sortedIds;
+  std::vector<int> rowOfSorted;
 };
 
 } // namespace explorer

@@ -3,6 +3,7 @@
 
 #include "CaseKeys.h"
 #include "CaseOrder.h"
+#include "CaseRowIndex.h"
 #include "KeyedSelectionModel.h"
 #include "MasterSelection.h"
 
@@ -118,4 +119,48 @@ TEST(CaseOrder, SelectedCasesFollowTheTablesOrder)
   EXPECT_EQ(order.sorted(selected), (std::vector<unsigned long long>{ 20, 40, 50, 77 }));
   EXPECT_EQ(changes, 2);
   connection.disconnect();
+}
+
+// Rows of selected cases for rows in any order, by search for a few cases and by one walk for
+// many: both ways must give the same rows.
+TEST(CaseRowIndex, FindsTheRowsOfSelectedCasesInAnyRowOrder)
+{
+  const struct
+  {
+    std::vector<unsigned long long> rowIds;
+    std::vector<unsigned long long> selected;
+    std::vector<int> rows;
+  } cases[] = {
+    { { 10, 20, 30, 40 }, { 20, 40, 99 }, { 1, 3 } },
+    { { 40, 10, 30, 20 }, { 20, 40, 99 }, { 3, 0 } },
+    { { 5, top, 5, 0 }, { 0, 5, top }, { 3, 0, 2, 1 } },
+    { { 7, 8 }, {}, {} },
+    { {}, { 1 }, {} },
+  };
+  for (const auto& c : cases)
+  {
+    explorer::CaseRowIndex index;
+    index.assign(c.rowIds);
+    EXPECT_EQ(index.rowsOf(c.selected), c.rows) << c.rowIds.size();
+  }
+  // A few cases among many rows are searched for, many are walked to: the same answers.
+  std::vector<unsigned long long> ids;
+  for (unsigned long long i = 0; i < 1000; ++i)
+    ids.push_back((i * 7919) % 1000 * 3);
+  explorer::CaseRowIndex index;
+  index.assign(ids);
+  const std::vector<unsigned long long> few = { 0, 3, 4, 2997 };
+  std::vector<unsigned long long> many;
+  for (unsigned long long id = 0; id < 3000; id += 2)
+    many.push_back(id);
+  const std::vector<unsigned long long>* selections[] = { &few, &many };
+  for (const auto* selected : selections)
+  {
+    std::vector<int> expected;
+    for (unsigned long long id : *selected)
+      for (std::size_t row = 0; row < ids.size(); ++row)
+        if (ids[row] == id)
+          expected.push_back(static_cast<int>(row));
+    EXPECT_EQ(index.rowsOf(*selected), expected) << selected->size();
+  }
 }
