@@ -364,7 +364,7 @@ Report run(explorer::ExplorerWindow& window,
   // Memory is compared from the 1,000th step on, once caches have filled; a short run takes its
   // first tenth.
   const int warmUp = steps >= 2000 ? 1000 : std::max(1, steps / 10);
-  auto lastSelection = window.selection().getSelections();
+  auto lastSelection = window.selection().cases();
   for (int step = 0; step < steps; ++step)
   {
     const std::string action = monkey.act();
@@ -374,10 +374,10 @@ Report run(explorer::ExplorerWindow& window,
     settle();
     report.mostDerivedVariables =
       std::max(report.mostDerivedVariables, window.derivedVariables().size());
-    if (window.selection().getSelections() != lastSelection)
+    if (*window.selection().cases() != *lastSelection)
     {
       ++report.selectionChanges;
-      lastSelection = window.selection().getSelections();
+      lastSelection = window.selection().cases();
     }
     if (step + 1 == warmUp)
       report.residentAfterWarmUp = residentMemory();
