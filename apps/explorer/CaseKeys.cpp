@@ -99,18 +99,19 @@ CaseKeys::Set CaseKeys::keysOf(const std::vector<unsigned long long>& caseIds) c
   return keys;
 }
 
-CaseKeys::Set CaseKeys::caseIdsOf(const Set& keys) const
+std::vector<unsigned long long> CaseKeys::caseIdsOf(const Set& keys) const
 {
-  Set caseIds;
+  std::vector<unsigned long long> caseIds;
+  caseIds.reserve(keys.size());
   for (unsigned long long key : keys)
   {
     if (key >= ids.size())
       break;
-    if (sorted)
-      caseIds.emplace_hint(caseIds.end(), ids[key]);
-    else
-      caseIds.insert(ids[key]);
+    caseIds.push_back(ids[key]);
   }
+  // Sorted ids have keys in the same order; others are sorted here.
+  if (!sorted)
+    std::sort(caseIds.begin(), caseIds.end());
   return caseIds;
 }
 

@@ -34,9 +34,9 @@ public:
   /// The key of a case; a case the study lacks gives false.
   bool keyOf(unsigned long long caseId, unsigned long long& key) const;
   /// The keys of the cases the study has (given in increasing order), and the cases of the keys
-  /// it has; others are left out.
+  /// it has, in increasing order; others are left out.
   Set keysOf(const std::vector<unsigned long long>& sortedCaseIds) const;
-  Set caseIdsOf(const Set& keys) const;
+  std::vector<unsigned long long> caseIdsOf(const Set& keys) const;
 
 private:
   std::vector<unsigned long long> ids;

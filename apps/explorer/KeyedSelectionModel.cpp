@@ -10,14 +10,6 @@ KeyedSelectionModel::KeyedSelectionModel(boost::shared_ptr<MasterSelection> mast
   : master(std::move(master))
   , keys(std::move(keys))
 {
-  // Where keys are the case ids, the master's set is passed on as it is, not copied.
-  if (this->keys->keysAreIds())
-    connections.add(this->master->connectSignalSelectionChanged(
-      [this](const Selection& ids) { emitSignalSelectionChanged(ids); }));
-  else
-    connections.add(
-      this->master->connectCasesChanged([this](const MasterSelection::SharedCases& ids)
-                                        { emitSignalSelectionChanged(this->keys->keysOf(*ids)); }));
 }
 
 KeyedSelectionModel::~KeyedSelectionModel() = default;
@@ -31,10 +23,11 @@ SelectionModelInterface::Selection KeyedSelectionModel::getSelections() const
 
 void KeyedSelectionModel::setSelection(const Selection& selected)
 {
+  // Where keys are the case ids, the set is passed on as it is, not copied.
   if (keys->keysAreIds() && (selected.empty() || *selected.rbegin() < keys->size()))
     master->setSelection(selected);
   else
-    master->setSelection(keys->caseIdsOf(selected));
+    master->setCases(keys->caseIdsOf(selected));
 }
 
 } // namespace explorer

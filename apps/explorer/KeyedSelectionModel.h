@@ -3,7 +3,6 @@
 #include "CaseKeys.h"
 
 #include "analyzer_common/SelectionModelInterface.h"
-#include "signals/SignalConnectionCollection.h"
 
 #include <boost/shared_ptr.hpp>
 
@@ -15,8 +14,11 @@ namespace explorer
 class MasterSelection;
 
 /// The master selection seen in case keys: what a plot whose rows carry keys (see CaseKeys)
-/// reads and sets. Setting keys sets their cases in the master; every change of the master is
-/// relayed as the keys of its cases. The master stays the one selection of the program.
+/// reads and sets. Setting keys sets their cases in the master, which stays the one selection of
+/// the program.
+///
+/// Changes of the master are not relayed as keys: a view shows the master's list over its rows
+/// itself (a set of a million keys, made at every change, cost more than drawing them).
 class KeyedSelectionModel : public virtual SelectionModelInterface
 {
 public:
@@ -32,7 +34,6 @@ public:
 private:
   boost::shared_ptr<MasterSelection> master;
   std::shared_ptr<const CaseKeys> keys;
-  SignalConnectionCollection connections;
 };
 
 } // namespace explorer

@@ -50,17 +50,39 @@ void vtkDensityPlotPoints::ApplyPointOpacity()
   this->OpacityAlpha = alpha;
 }
 
-void vtkDensityPlotPoints::SetSelection(vtkIdTypeArray* selection)
+bool vtkDensityPlotPoints::CacheCurrent()
 {
   // The cache is current when nothing vtkPlotPoints::Update() watches changed since it was built.
   vtkTable* table = this->Data->GetInput();
-  const bool cacheCurrent =
-    table && this->GetMTime() <= this->BuildTime && this->Data->GetMTime() <= this->BuildTime &&
-    table->GetMTime() <= this->BuildTime &&
-    (!this->LookupTable || this->LookupTable->GetMTime() <= this->BuildTime);
-  this->Superclass::SetSelection(selection);
-  if (cacheCurrent)
+  return table && this->GetMTime() <= this->BuildTime &&
+         this->Data->GetMTime() <= this->BuildTime && table->GetMTime() <= this->BuildTime &&
+         (!this->LookupTable || this->LookupTable->GetMTime() <= this->BuildTime);
+}
+
+template<typename Change>
+void vtkDensityPlotPoints::KeepingCache(Change change)
+{
+  const bool current = this->CacheCurrent();
+  change();
+  if (current)
     this->BuildTime.Modified();
+}
+
+void vtkDensityPlotPoints::SetSelection(vtkIdTypeArray* selection)
+{
+  this->KeepingCache([&] { this->Superclass::SetSelection(selection); });
+}
+
+void vtkDensityPlotPoints::SetDrawSelectionDensity(bool draw)
+{
+  if (draw == this->DrawSelectionDensity)
+    return;
+  this->KeepingCache(
+    [&]
+    {
+      this->DrawSelectionDensity = draw;
+      this->Modified();
+    });
 }
 
 bool vtkDensityPlotPoints::SelectPoints(const vtkVector2f& min, const vtkVector2f& max)

@@ -37,8 +37,9 @@ public:
   vtkGetMacro(PointOpacity, double);
 
   /// In density mode, the selected points as a density of their own in `SelectionDensityColor`
-  /// over the others; off by default.
-  vtkSetMacro(DrawSelectionDensity, bool);
+  /// over the others; off by default. Turning it on or off keeps the points' cache, as a new
+  /// selection does.
+  void SetDrawSelectionDensity(bool draw);
   vtkGetMacro(DrawSelectionDensity, bool);
   vtkSetVector4Macro(SelectionDensityColor, unsigned char);
 
@@ -72,6 +73,12 @@ protected:
 private:
   vtkDensityPlotPoints(const vtkDensityPlotPoints&) = delete;
   void operator=(const vtkDensityPlotPoints&) = delete;
+
+  // Whether the points' cache is as current as vtkPlotPoints::Update() wants it; and a change that
+  // does not touch the points, made without making the cache stale.
+  bool CacheCurrent();
+  template<typename Change>
+  void KeepingCache(Change change);
 
   // Gives the markers' colours (or the pen, without colours) the point opacity.
   void ApplyPointOpacity();

@@ -151,7 +151,7 @@ TEST(DensityPlotPoints, ARectangleSelectsThePointsWithinIt)
 
 // A selection set from outside leaves the points' cache as it is (a million points read and
 // sorted again for every selection otherwise); new data is read again.
-TEST(DensityPlotPoints, ANewSelectionKeepsThePointsCache)
+TEST(DensityPlotPoints, ANewSelectionOrItsDensityKeepsThePointsCache)
 {
   auto plot = vtkSmartPointer<vtkDensityPlotPoints>::New();
   auto chart = vtkSmartPointer<vtkChartXY>::New();
@@ -169,9 +169,10 @@ TEST(DensityPlotPoints, ANewSelectionKeepsThePointsCache)
   auto selection = vtkSmartPointer<vtkIdTypeArray>::New();
   selection->InsertNextValue(3);
   plot->SetSelection(selection);
+  plot->SetDrawSelectionDensity(true);
   plot->Update();
   EXPECT_EQ(plot->GetNearestPoint({ 4, 2 }, near, &at, &segment), 3)
-    << "a new selection reads no points";
+    << "a new selection, drawn as a density, reads no points";
   EXPECT_EQ(plot->GetSelection(), selection.Get());
 
   table->Modified();

@@ -61,7 +61,9 @@ TEST(CaseKeys, TranslateEveryIdOfAnyShapeBothWays)
     EXPECT_EQ(allKeys.size(), study.ids.size()) << study.shape;
     Set keysWithStrangers = allKeys;
     keysWithStrangers.insert(study.ids.size() + 10);
-    EXPECT_EQ(keys.caseIdsOf(keysWithStrangers), all) << study.shape;
+    EXPECT_EQ(keys.caseIdsOf(keysWithStrangers),
+              std::vector<unsigned long long>(all.begin(), all.end()))
+      << study.shape << ": in increasing order";
   }
 }
 
@@ -89,17 +91,10 @@ TEST(KeyedSelectionModel, PlotsSelectInKeysWhileTheMasterHoldsCaseIds)
   const std::vector<unsigned long long> ids = { top, 5, 4294967296, 2147483648 };
   auto master = boost::make_shared<explorer::MasterSelection>();
   explorer::KeyedSelectionModel keyed(master, std::make_shared<CaseKeys>(ids));
-  std::vector<Set> heard;
-  const auto connection =
-    keyed.connectSignalSelectionChanged([&](const Set& keys) { heard.push_back(keys); });
-
   keyed.setSelection({ 0, 3 });
-  EXPECT_EQ(master->getSelections(), (Set{ top, 2147483648 }));
+  EXPECT_EQ(*master->cases(), (std::vector<unsigned long long>{ 2147483648, top }));
   master->setSelection({ 5, 4294967296 });
   EXPECT_EQ(keyed.getSelections(), (Set{ 1, 2 }));
-  ASSERT_EQ(heard.size(), 2u);
-  EXPECT_EQ(heard.back(), (Set{ 1, 2 })) << "a master change is heard in keys";
-  connection.disconnect();
 }
 
 TEST(CaseOrder, SelectedCasesFollowTheTablesOrder)

@@ -69,6 +69,9 @@ TEST(ScatterPlotModel, PlotsTheCasesWithXAndYAndSaysWhatItLeavesOut)
   EXPECT_EQ(plot.model->withoutColour(), 1u) << "case 2^32 is drawn grey";
   EXPECT_EQ(plot.model->rowOfCase(4294967296ULL), 1);
   EXPECT_EQ(plot.model->rowOfCase(18446744073709551615ULL), -1) << "it has no b";
+  EXPECT_EQ(plot.model->rowsOfCases({ 7, 12, 13, 4294967296ULL, 18446744073709551615ULL }),
+            (std::vector<int>{ 0, 2, 1 }))
+    << "the rows of the plotted cases, in case id order";
   unsigned long long id = 0;
   ASSERT_TRUE(plot.model->caseOfKey(table->GetValue(2, 0).ToLongLong(), id));
   EXPECT_EQ(id, 13u) << "column 0 holds keys that name the cases";
@@ -80,6 +83,8 @@ TEST(ScatterPlotModel, PlotsTheCasesWithXAndYAndSaysWhatItLeavesOut)
   ASSERT_EQ(table->GetNumberOfRows(), 4);
   EXPECT_EQ(table->GetValueByName(3, ScatterPlotModel::caseOrder).ToDouble(), 5.0);
   EXPECT_EQ(plot.model->leftOutNote(), "1 of 5 cases have no value of b and are not shown.");
+  EXPECT_EQ(plot.model->rowsOfCases({ 12, 13 }), (std::vector<int>{ 2, 3 }))
+    << "the rows of the new table";
 
   // Rows of a selection, copied with the named columns only.
   auto rows = vtkSmartPointer<vtkIdTypeArray>::New();

@@ -1,6 +1,7 @@
 #include "views/scatter/ScatterPlotModel.h"
 
 #include "CaseKeys.h"
+#include "CaseRowIndex.h"
 #include "views/scatter/vtkCaseKeysFilter.h"
 
 #include "analyzer_common/NiceNumber.h"
@@ -46,6 +47,9 @@ struct ScatterPlotModel::Impl
   vtkSmartPointer<vtkCaseKeysFilter> keyed = vtkSmartPointer<vtkCaseKeysFilter>::New();
   vtkSmartPointer<InvalidPointsFilter> plottable;
   vtkSmartPointer<vtkTable> table;
+  // The rows of the table by case id, made when a selection first asks after an update.
+  mutable CaseRowIndex rowOfCase;
+  mutable bool rowIndexStale = true;
   bool logX = false;
   bool logY = false;
   // Cases with a value at or below zero on a logarithmic axis, at the last update.
@@ -112,6 +116,7 @@ void ScatterPlotModel::setLogAxes(bool x, bool y)
 vtkSmartPointer<vtkTable> ScatterPlotModel::update()
 {
   d->table = nullptr;
+  d->rowIndexStale = true;
   if (d->y->value().lock().isNull())
     return nullptr;
   d->keyed->SetColumns({ xColumn(), yColumn(), d->colour->value().lock().name() });
@@ -176,16 +181,28 @@ std::size_t ScatterPlotModel::withoutColour() const
 
 long long ScatterPlotModel::rowOfCase(unsigned long long caseId) const
 {
-  unsigned long long key = 0;
+  const std::vector<int> rows = rowsOfCases({ caseId });
+  return rows.empty() ? -1 : rows.front();
+}
+
+std::vector<int> ScatterPlotModel::rowsOfCases(
+  const std::vector<unsigned long long>& sortedCaseIds) const
+{
   auto* keys = d->table && d->table->GetNumberOfColumns() > 0
                  ? vtkIntArray::SafeDownCast(d->table->GetColumn(0))
                  : nullptr;
-  if (!keys || !d->keys->keyOf(caseId, key))
-    return -1;
-  for (vtkIdType row = 0; row < keys->GetNumberOfTuples(); ++row)
-    if (static_cast<unsigned long long>(keys->GetValue(row)) == key)
-      return row;
-  return -1;
+  if (!keys)
+    return {};
+  if (d->rowIndexStale)
+  {
+    std::vector<unsigned long long> caseIds(static_cast<std::size_t>(keys->GetNumberOfTuples()));
+    for (std::size_t row = 0; row < caseIds.size(); ++row)
+      d->keys->caseIdOf(static_cast<unsigned long long>(keys->GetValue(vtkIdType(row))),
+                        caseIds[row]);
+    d->rowOfCase.assign(caseIds);
+    d->rowIndexStale = false;
+  }
+  return d->rowOfCase.rowsOf(sortedCaseIds);
 }
 
 bool ScatterPlotModel::caseOfKey(long long key, unsigned long long& caseId) const

@@ -70,6 +70,8 @@ public:
 
   /// The row of the plotted table that shows a case, or -1; and the case of a row.
   long long rowOfCase(unsigned long long caseId) const;
+  /// The rows that show the cases (ids in increasing order), in case id order.
+  std::vector<int> rowsOfCases(const std::vector<unsigned long long>& sortedCaseIds) const;
   bool caseOfKey(long long key, unsigned long long& caseId) const;
 
   /// Half the mean gap between the values of a discrete variable, 0 for others: the first and

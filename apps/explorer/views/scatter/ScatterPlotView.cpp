@@ -2,6 +2,7 @@
 
 #include "CaseKeys.h"
 #include "KeyedSelectionModel.h"
+#include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "views/scatter/ChartClicks.h"
 #include "views/scatter/ScatterPlotModel.h"
@@ -58,6 +59,7 @@ struct ScatterPlotView::Impl
   boost::shared_ptr<plexa::Property<bool>> coloured;
   std::unique_ptr<ColorLegend> legend;
   std::unique_ptr<VTKChartsMouseModeProperty> chartMouseMode;
+  boost::shared_ptr<MasterSelection> master;
   // The plot's rows carry case keys; the plot selects through them (see CaseKeys).
   boost::shared_ptr<KeyedSelectionModel> keyedSelection;
   boost::shared_ptr<PlotSelectionModel> plotSelection;
@@ -80,9 +82,20 @@ struct ScatterPlotView::Impl
       scene->chart()->GetAxis(vtkAxis::BOTTOM)->SetTitle(ScatterPlotModel::caseOrder);
     if (table)
       scene->points()->SelectColorArray(color->value().lock().name());
-    synchronizer->updateChartSelections();
+    selectCases(*master->cases());
     showSelection();
     updateNotes();
+  }
+
+  // The rows of the selected cases become the plot's selection, read from the master's list:
+  // the chart's synchroniser would want them as a set of keys.
+  void selectCases(const MasterSelection::Cases& ids) const
+  {
+    const std::vector<int> rows = model->rowsOfCases(ids);
+    auto selection = vtkSmartPointer<vtkIdTypeArray>::New();
+    selection->SetNumberOfValues(static_cast<vtkIdType>(rows.size()));
+    std::copy(rows.begin(), rows.end(), selection->GetPointer(0));
+    scene->points()->SetSelection(selection);
   }
 
   void showSelection()
@@ -148,15 +161,19 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   connections().add(mouseMode()->connectSignalValueChanged(
     [impl](const MouseMode& mode) { impl->chartMouseMode->setValue(mode); }));
 
+  d->master = context.selection;
   d->keyedSelection = boost::make_shared<KeyedSelectionModel>(context.selection, d->keys);
   d->plotSelection =
     boost::make_shared<PlotSelectionModel>(d->widget->interactor(), d->keyedSelection);
   d->synchronizer = std::make_unique<DataView2DSelectionSynchronizer>(
     d->scene->chart(), d->widget->interactor(), d->plotSelection);
   d->synchronizer->setPlotsToSynchronize({ d->scene->points() });
-  connections().add(d->synchronizer->connectSignalSelectionsUpdated(
-    [impl]
+  // The synchroniser takes the chart's picks to the master; what the master selects, the view
+  // shows (and so the cases a pick toggled or added).
+  connections().add(context.selection->connectCasesChanged(
+    [impl](const MasterSelection::SharedCases& ids)
     {
+      impl->selectCases(*ids);
       impl->showSelection();
       impl->scene->render();
     }));
