@@ -1,6 +1,7 @@
 #include "MasterSelection.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace explorer
 {
@@ -12,13 +13,23 @@ MasterSelection::MasterSelection()
 
 MasterSelection::~MasterSelection() = default;
 
-void MasterSelection::setCases(Cases ids)
+namespace
+{
+
+void sortUnique(MasterSelection::Cases& ids)
 {
   if (std::adjacent_find(ids.begin(), ids.end(), std::greater_equal<>()) != ids.end())
   {
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
   }
+}
+
+} // namespace
+
+void MasterSelection::setCases(Cases ids)
+{
+  sortUnique(ids);
   if (ids == *current)
     return;
   change(std::make_shared<const Cases>(std::move(ids)), nullptr);
@@ -33,6 +44,31 @@ void MasterSelection::toggle(unsigned long long id)
   else
     ids.insert(at, id);
   change(std::make_shared<const Cases>(std::move(ids)), nullptr);
+}
+
+bool MasterSelection::pick(Cases ids, bool control)
+{
+  sortUnique(ids);
+  const Cases& was = *current;
+  if (!control)
+  {
+    if (ids == was)
+      return false;
+    change(std::make_shared<const Cases>(std::move(ids)), nullptr);
+    return true;
+  }
+  if (ids.size() == 1)
+  {
+    toggle(ids.front());
+    return true;
+  }
+  if (std::includes(was.begin(), was.end(), ids.begin(), ids.end()))
+    return false;
+  Cases added;
+  added.reserve(was.size() + ids.size());
+  std::set_union(was.begin(), was.end(), ids.begin(), ids.end(), std::back_inserter(added));
+  change(std::make_shared<const Cases>(std::move(added)), nullptr);
+  return true;
 }
 
 void MasterSelection::setSelection(const Selection& selection)

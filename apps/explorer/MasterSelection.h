@@ -35,6 +35,10 @@ public:
   void setCases(Cases ids);
   /// Selects the case if it was not selected, else leaves it out.
   void toggle(unsigned long long id);
+  /// What picking cases in a chart does (a click on a point, a rubber band): without Control
+  /// they become the selection; with Control one case is toggled and several are added. False
+  /// when the selection stays as it was (Control and nothing new), so the chart shows it again.
+  bool pick(Cases ids, bool control);
 
   /// The selection as a set, made once per change when first asked for.
   const Selection& selectedSet() const;

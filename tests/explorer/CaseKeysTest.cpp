@@ -4,7 +4,6 @@
 #include "CaseKeys.h"
 #include "CaseOrder.h"
 #include "CaseRowIndex.h"
-#include "KeyedSelectionModel.h"
 #include "MasterSelection.h"
 
 #include <boost/make_shared.hpp>
@@ -51,50 +50,7 @@ TEST(CaseKeys, TranslateEveryIdOfAnyShapeBothWays)
     EXPECT_FALSE(keys.keyOf(3, unused)) << study.shape << ": an id the study lacks";
     EXPECT_FALSE(keys.caseIdOf(study.ids.size(), unused)) << study.shape << ": a key too far";
     EXPECT_EQ(unused, 7u) << study.shape << ": a refusal leaves the answer alone";
-
-    // Whole selections, with ids and keys the study lacks left out.
-    const Set all(study.ids.begin(), study.ids.end());
-    Set withStrangers = all;
-    withStrangers.insert({ 3, 6, 999 });
-    const Set allKeys =
-      keys.keysOf(std::vector<unsigned long long>(withStrangers.begin(), withStrangers.end()));
-    EXPECT_EQ(allKeys.size(), study.ids.size()) << study.shape;
-    Set keysWithStrangers = allKeys;
-    keysWithStrangers.insert(study.ids.size() + 10);
-    EXPECT_EQ(keys.caseIdsOf(keysWithStrangers),
-              std::vector<unsigned long long>(all.begin(), all.end()))
-      << study.shape << ": in increasing order";
   }
-}
-
-TEST(CaseKeys, AManyCaseSelectionOfSortedIdsIsFoundInOneWalk)
-{
-  // Sorted, not sequential: the walk along both lists must find exactly the even ids.
-  std::vector<unsigned long long> ids;
-  for (unsigned long long i = 0; i < 1000; ++i)
-    ids.push_back(3 * i + (i > 500 ? 4000000000ULL : 0));
-  const CaseKeys keys(ids);
-  Set selected;
-  Set expectedKeys;
-  for (std::size_t i = 0; i < ids.size(); i += 2)
-  {
-    selected.insert(ids[i]);
-    selected.insert(ids[i] + 1); // not a case
-    expectedKeys.insert(i);
-  }
-  EXPECT_EQ(keys.keysOf(std::vector<unsigned long long>(selected.begin(), selected.end())),
-            expectedKeys);
-}
-
-TEST(KeyedSelectionModel, PlotsSelectInKeysWhileTheMasterHoldsCaseIds)
-{
-  const std::vector<unsigned long long> ids = { top, 5, 4294967296, 2147483648 };
-  auto master = boost::make_shared<explorer::MasterSelection>();
-  explorer::KeyedSelectionModel keyed(master, std::make_shared<CaseKeys>(ids));
-  keyed.setSelection({ 0, 3 });
-  EXPECT_EQ(*master->cases(), (std::vector<unsigned long long>{ 2147483648, top }));
-  master->setSelection({ 5, 4294967296 });
-  EXPECT_EQ(keyed.getSelections(), (Set{ 1, 2 }));
 }
 
 TEST(CaseOrder, SelectedCasesFollowTheTablesOrder)

@@ -545,6 +545,48 @@ TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
   EXPECT_GT(coloured, 50);
 }
 
+// Picks in the scatter plot go to the master, with Control adding or toggling; the plot always
+// shows the master's selection, also after a pick that added nothing.
+TEST_F(ExplorerWindowTest, ScatterPicksWithControlAddAndToggle)
+{
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  auto* scatter = window->view<explorer::ScatterPlotView>();
+  ChartXY& chart = scatter->chart();
+  auto* widget = qobject_cast<QVTKOpenGLNativeWidget*>(scatter->widget());
+  scatter->fitToData();
+  widget->renderWindow()->Render();
+  vtkAbstractContextItem& item = chart;
+  const auto band = [&](double x0, double y0, double x1, double y1, bool control)
+  {
+    widget->interactor()->SetControlKey(control ? 1 : 0);
+    item.MouseButtonPressEvent(testsupport::mouseAt(chart, widget->interactor(), x0, y0));
+    item.MouseMoveEvent(testsupport::mouseAt(chart, widget->interactor(), x1, y1));
+    item.MouseButtonReleaseEvent(testsupport::mouseAt(chart, widget->interactor(), x1, y1));
+    widget->interactor()->SetControlKey(0);
+    return window->selection().getSelections();
+  };
+  const std::set<unsigned long long> low = band(20, 0, 40, 100, false);
+  ASSERT_GE(low.size(), 2u);
+  const std::set<unsigned long long> high = band(50, 100, 90, 10000, false);
+  ASSERT_FALSE(high.empty());
+  std::set<unsigned long long> both = low;
+  both.insert(high.begin(), high.end());
+  band(20, 0, 40, 100, false);
+  EXPECT_EQ(band(50, 100, 90, 10000, true), both) << "Control adds";
+  EXPECT_EQ(band(20, 0, 40, 100, true), both) << "nothing new: unchanged";
+  EXPECT_EQ(scatter->highlightedPoints(), int(both.size())) << "the plot shows the master's";
+
+  // Control and a click on one selected point: it goes; again: it comes back.
+  const unsigned long long one = *low.begin();
+  const auto [x, y] = testsupport::valuesAtRow(scatter->points(), scatter->rowOfCase(one));
+  std::set<unsigned long long> withoutOne = both;
+  withoutOne.erase(one);
+  EXPECT_EQ(band(x, y, x, y, true), withoutOne);
+  EXPECT_EQ(band(x, y, x, y, true), both);
+  EXPECT_EQ(band(x, y, x, y, false), std::set<unsigned long long>{ one });
+  EXPECT_EQ(scatter->highlightedPoints(), 1);
+}
+
 TEST_F(ExplorerWindowTest, ManySelectedCasesInADensityAreADarkDensityOverTheOthers)
 {
   showGeneratedStudy(12000); // more selected cases than are ringed one by one

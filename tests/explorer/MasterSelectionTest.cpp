@@ -4,7 +4,6 @@
 #include "MasterSelection.h"
 #include "CaseKeys.h"
 #include "ChangesWhileHidden.h"
-#include "KeyedSelectionModel.h"
 
 #include <QApplication>
 #include <QWidget>
@@ -79,6 +78,43 @@ TEST(MasterSelection, AListHeldStaysAsItWasAndToggleFlipsOneCase)
   EXPECT_EQ(master.size(), 4u);
 }
 
+// A pick in a chart: replaces without Control; with it toggles one case or adds several, and
+// adding nothing new leaves the selection (and says so, for the chart to show it again).
+TEST(MasterSelection, PicksReplaceOrWithControlToggleOneAndAddSeveral)
+{
+  const struct
+  {
+    Cases was;
+    Cases picked;
+    bool control;
+    Cases now;
+    bool changed;
+  } picks[] = {
+    { { 1, 2 }, { 9, 3, 9 }, false, { 3, 9 }, true },
+    { { 1, 2 }, {}, false, {}, true },
+    { { 3, 9 }, { 9, 3 }, false, { 3, 9 }, false },
+    { { 1, 2 }, { 2 }, true, { 1 }, true },
+    { { 1, 2 }, { top }, true, { 1, 2, top }, true },
+    { {}, { 5 }, true, { 5 }, true },
+    { { 1, 2 }, { 4, 0, 2 }, true, { 0, 1, 2, 4 }, true },
+    { { 1, 2, 3 }, { 3, 1 }, true, { 1, 2, 3 }, false },
+    { { 1, 2 }, {}, true, { 1, 2 }, false },
+  };
+  for (const auto& pick : picks)
+  {
+    MasterSelection master;
+    master.setCases(pick.was);
+    int heard = 0;
+    const auto connection =
+      master.connectCasesChanged([&](const MasterSelection::SharedCases&) { ++heard; });
+    EXPECT_EQ(master.pick(pick.picked, pick.control), pick.changed)
+      << pick.picked.size() << (pick.control ? " with Control" : "");
+    EXPECT_EQ(*master.cases(), pick.now) << pick.picked.size();
+    EXPECT_EQ(heard, pick.changed ? 1 : 0);
+    connection.disconnect();
+  }
+}
+
 // Listeners of the list hear first; a set handed in reaches the set's listeners as it is; and a
 // listener that selects something else while being told stops the older selection from
 // reaching anyone after it.
@@ -112,26 +148,6 @@ TEST(MasterSelection, ListenersHearTheListFirstAndOnlyTheLatestSelection)
   EXPECT_EQ(*master.cases(), (Cases{ 42 }));
   first.disconnect();
   second.disconnect();
-}
-
-// Keys that are the case ids themselves need no conversion: plots hear the master's own set.
-TEST(KeyedSelectionModel, KeysThatAreTheIdsPassTheSetOn)
-{
-  auto master = boost::make_shared<MasterSelection>();
-  explorer::KeyedSelectionModel keyed(master,
-                                      std::make_shared<explorer::CaseKeys>(Cases{ 0, 1, 2, 3 }));
-  const Set* heard = nullptr;
-  const auto connection =
-    master->connectSignalSelectionChanged([&](const Set& ids) { heard = &ids; });
-  const Set picked = { 1, 3 };
-  keyed.setSelection(picked);
-  EXPECT_EQ(heard, &picked) << "the keys are the ids: not copied";
-  keyed.setSelection({ 0, 2, 7 });
-  EXPECT_EQ(*master->cases(), (Cases{ 0, 2 })) << "a key beyond the study is left out";
-  keyed.setSelection({ 3 });
-  EXPECT_EQ(*master->cases(), (Cases{ 3 }));
-  EXPECT_EQ(keyed.getSelections(), (Set{ 3 }));
-  connection.disconnect();
 }
 
 // A library class in a hidden view hears nothing until the view is shown, then the latest

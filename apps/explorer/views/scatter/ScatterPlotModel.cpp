@@ -79,6 +79,13 @@ struct ScatterPlotModel::Impl
     table = rowsOf(*table, *rows, names);
   }
 
+  // Column 0 of the plotted table: the case keys; null without a table.
+  vtkIntArray* keyColumn() const
+  {
+    return table && table->GetNumberOfColumns() > 0 ? vtkIntArray::SafeDownCast(table->GetColumn(0))
+                                                    : nullptr;
+  }
+
   explicit Impl(const DataPipelineManagerInterface& pipeline)
     : pipeline(pipeline)
   {
@@ -188,9 +195,7 @@ long long ScatterPlotModel::rowOfCase(unsigned long long caseId) const
 std::vector<int> ScatterPlotModel::rowsOfCases(
   const std::vector<unsigned long long>& sortedCaseIds) const
 {
-  auto* keys = d->table && d->table->GetNumberOfColumns() > 0
-                 ? vtkIntArray::SafeDownCast(d->table->GetColumn(0))
-                 : nullptr;
+  vtkIntArray* keys = d->keyColumn();
   if (!keys)
     return {};
   if (d->rowIndexStale)
@@ -203,6 +208,24 @@ std::vector<int> ScatterPlotModel::rowsOfCases(
     d->rowIndexStale = false;
   }
   return d->rowOfCase.rowsOf(sortedCaseIds);
+}
+
+std::vector<unsigned long long> ScatterPlotModel::caseIdsOfRows(const vtkIdTypeArray& rows) const
+{
+  vtkIntArray* keys = d->keyColumn();
+  std::vector<unsigned long long> caseIds;
+  if (!keys)
+    return caseIds;
+  caseIds.reserve(static_cast<std::size_t>(rows.GetNumberOfValues()));
+  for (vtkIdType i = 0; i < rows.GetNumberOfValues(); ++i)
+  {
+    const vtkIdType row = rows.GetValue(i);
+    unsigned long long caseId = 0;
+    if (row >= 0 && row < keys->GetNumberOfTuples() &&
+        d->keys->caseIdOf(static_cast<unsigned long long>(keys->GetValue(row)), caseId))
+      caseIds.push_back(caseId);
+  }
+  return caseIds;
 }
 
 bool ScatterPlotModel::caseOfKey(long long key, unsigned long long& caseId) const

@@ -1,7 +1,6 @@
 #include "views/scatter/ScatterPlotView.h"
 
 #include "CaseKeys.h"
-#include "KeyedSelectionModel.h"
 #include "MasterSelection.h"
 #include "PropertyEditors.h"
 #include "views/scatter/ChartClicks.h"
@@ -17,9 +16,9 @@
 #include "colorlegend/ColorLegend.h"
 #include "colorlegend/NiceLabelsColorBarWidget.h"
 #include "common/ScopedGuards.h"
+#include "common_vtk/vtkPxCommandProxy.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/DataPipelineManager.h"
-#include "dataviews/DataView2DSelectionSynchronizer.h"
 #include "dataviews/PlotSelectionModel.h"
 #include "properties/Property.h"
 #include "properties/UndoablePropertyProxy.h"
@@ -29,6 +28,7 @@
 #include <QVTKOpenGLNativeWidget.h>
 #include <boost/make_shared.hpp>
 #include <vtkAxis.h>
+#include <vtkCommand.h>
 #include <vtkDoubleArray.h>
 #include <vtkIdTypeArray.h>
 #include <vtkTable.h>
@@ -60,10 +60,8 @@ struct ScatterPlotView::Impl
   std::unique_ptr<ColorLegend> legend;
   std::unique_ptr<VTKChartsMouseModeProperty> chartMouseMode;
   boost::shared_ptr<MasterSelection> master;
-  // The plot's rows carry case keys; the plot selects through them (see CaseKeys).
-  boost::shared_ptr<KeyedSelectionModel> keyedSelection;
-  boost::shared_ptr<PlotSelectionModel> plotSelection;
-  std::unique_ptr<DataView2DSelectionSynchronizer> synchronizer;
+  // Hears the chart's picks while the view is live.
+  vtkSmartPointer<vtkPxCommandProxy> picks;
   std::unique_ptr<ChartClicks> clicks;
   std::string notes;
   std::string legendNote;
@@ -87,8 +85,8 @@ struct ScatterPlotView::Impl
     updateNotes();
   }
 
-  // The rows of the selected cases become the plot's selection, read from the master's list:
-  // the chart's synchroniser would want them as a set of keys.
+  // The rows of the selected cases become the plot's selection. The plot's rows carry case keys
+  // (see CaseKeys); the model turns them into case ids and back.
   void selectCases(const MasterSelection::Cases& ids) const
   {
     const std::vector<int> rows = model->rowsOfCases(ids);
@@ -96,6 +94,20 @@ struct ScatterPlotView::Impl
     selection->SetNumberOfValues(static_cast<vtkIdType>(rows.size()));
     std::copy(rows.begin(), rows.end(), selection->GetPointer(0));
     scene->points()->SetSelection(selection);
+  }
+
+  // What the chart picked (a click on a point, a rubber band) goes to the master, whose change
+  // shows it; a pick the master does not take is undone by showing the master's again.
+  void picked()
+  {
+    vtkIdTypeArray* rows = scene->points()->GetSelection();
+    const bool control = PlotSelectionModel::modifierKeyIsDown(*widget->interactor());
+    if (!master->pick(rows ? model->caseIdsOfRows(*rows) : MasterSelection::Cases(), control))
+    {
+      selectCases(*master->cases());
+      showSelection();
+      scene->scheduleRender();
+    }
   }
 
   void showSelection()
@@ -162,14 +174,9 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
     [impl](const MouseMode& mode) { impl->chartMouseMode->setValue(mode); }));
 
   d->master = context.selection;
-  d->keyedSelection = boost::make_shared<KeyedSelectionModel>(context.selection, d->keys);
-  d->plotSelection =
-    boost::make_shared<PlotSelectionModel>(d->widget->interactor(), d->keyedSelection);
-  d->synchronizer = std::make_unique<DataView2DSelectionSynchronizer>(
-    d->scene->chart(), d->widget->interactor(), d->plotSelection);
-  d->synchronizer->setPlotsToSynchronize({ d->scene->points() });
-  // The synchroniser takes the chart's picks to the master; what the master selects, the view
-  // shows (and so the cases a pick toggled or added).
+  d->picks = vtkPxCommandProxy::New([impl] { impl->picked(); });
+  chart.AddObserver(vtkCommand::SelectionChangedEvent, d->picks);
+  // What the master selects, the view shows: so also the cases a pick toggled or added.
   connections().add(context.selection->connectCasesChanged(
     [impl](const MasterSelection::SharedCases& ids)
     {
@@ -304,7 +311,7 @@ ScatterPlotView::~ScatterPlotView()
   // The connections and the parts that observe the chart's interactor go before the scene.
   connections().clear();
   d->clicks.reset();
-  d->synchronizer.reset();
+  d->scene->chart()->RemoveObserver(d->picks);
   d->legend.reset();
 }
 
@@ -315,13 +322,13 @@ std::string ScatterPlotView::selectionSummary() const
 
 void ScatterPlotView::suspendParts()
 {
-  d->synchronizer->suspend();
+  d->scene->chart()->RemoveObserver(d->picks);
   d->legend->suspend();
 }
 
 void ScatterPlotView::resumeParts()
 {
-  d->synchronizer->resume();
+  d->scene->chart()->AddObserver(vtkCommand::SelectionChangedEvent, d->picks);
   d->legend->resume();
   d->updatePoints();
   refresh();
