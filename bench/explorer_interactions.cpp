@@ -5,6 +5,7 @@
 
 #include "BenchSupport.h"
 #include "MasterSelection.h"
+#include "MemoryPolicy.h"
 
 #include "ExplorerWindow.h"
 #include "SampleStudy.h"
@@ -54,7 +55,11 @@ ExplorerWindow& windowOver(long long runs, bool images)
 {
   static std::map<std::pair<long long, bool>, std::unique_ptr<ExplorerWindow>> windows;
   if (windows.empty())
+  {
+    // As the explorer runs.
+    explorer::keepLargeBlocksInHeap();
     bench::atEnd([] { windows.clear(); });
+  }
   auto& window = windows[{ runs, images }];
   // Only one window is on screen at a time: hidden ones would not be drawn at all, shown ones
   // would all be drawn.

@@ -60,6 +60,8 @@ std::vector<int> CaseRowIndex::rowsOf(const std::vector<unsigned long long>& sel
     }
     return rows;
   }
+  // Large selections take millions of rows: room for them at once, not grown by doubling.
+  rows.reserve(std::min(selection.size(), sortedIds.size()));
   auto id = selection.begin();
   for (std::size_t position = 0; position < sortedIds.size(); ++position)
   {

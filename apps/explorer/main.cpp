@@ -1,6 +1,7 @@
 // The explorer: opens a study of runs in linked views. See README.md for the command line.
 
 #include "CommandLine.h"
+#include "MemoryPolicy.h"
 
 #include <QApplication>
 #include <QSurfaceFormat>
@@ -34,6 +35,7 @@ int main(int argc, char** argv)
   {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
+  explorer::keepLargeBlocksInHeap();
   QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
   QApplication application(argc, argv);
   QApplication::setOrganizationName("quen");

@@ -6,6 +6,7 @@
 #include "soak/Soak.h"
 
 #include "ExplorerWindow.h"
+#include "MemoryPolicy.h"
 
 #include "datamanagement/StudyReader.h"
 
@@ -19,6 +20,7 @@
 
 int main(int argc, char** argv)
 {
+  explorer::keepLargeBlocksInHeap(); // as the explorer runs
   QApplication application(argc, argv);
   const int steps = argc > 1 ? std::atoi(argv[1]) : 10000;
   const unsigned seed = argc > 2 ? unsigned(std::strtoul(argv[2], nullptr, 10)) : 1U;
