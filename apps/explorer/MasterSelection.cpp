@@ -27,12 +27,13 @@ void sortUnique(MasterSelection::Cases& ids)
 
 } // namespace
 
-void MasterSelection::setCases(Cases ids)
+bool MasterSelection::setCases(Cases ids)
 {
   sortUnique(ids);
   if (ids == *current)
-    return;
+    return false;
   change(std::make_shared<const Cases>(std::move(ids)), nullptr);
+  return true;
 }
 
 void MasterSelection::toggle(unsigned long long id)
@@ -48,15 +49,10 @@ void MasterSelection::toggle(unsigned long long id)
 
 bool MasterSelection::pick(Cases ids, bool control)
 {
+  if (!control)
+    return setCases(std::move(ids));
   sortUnique(ids);
   const Cases& was = *current;
-  if (!control)
-  {
-    if (ids == was)
-      return false;
-    change(std::make_shared<const Cases>(std::move(ids)), nullptr);
-    return true;
-  }
   if (ids.size() == 1)
   {
     toggle(ids.front());

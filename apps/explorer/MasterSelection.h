@@ -31,8 +31,9 @@ public:
   /// The selected cases; the list is never changed in place, so holding it is safe.
   const SharedCases& cases() const { return current; }
   std::size_t size() const { return current->size(); }
-  /// Selects `ids` (any order, repeats allowed: they are sorted and made unique here).
-  void setCases(Cases ids);
+  /// Selects `ids` (any order, repeats allowed: they are sorted and made unique here); false
+  /// when they were the selection already.
+  bool setCases(Cases ids);
   /// Selects the case if it was not selected, else leaves it out.
   void toggle(unsigned long long id);
   /// What picking cases in a chart does (a click on a point, a rubber band): without Control
