@@ -3,6 +3,7 @@
 #include "datamanagement/ProjectBuilder.h"
 #include "datamanagement/ProjectData_p.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace
@@ -111,6 +112,49 @@ WeakPtr<Record> Project::record(unsigned long long caseId) const
 const std::vector<unsigned long long>& Project::caseIds() const
 {
   return d->caseIds;
+}
+
+WeakPtr<Record> Project::recordAt(std::size_t row) const
+{
+  if (row >= d->records.size())
+  {
+    return {};
+  }
+  return aliasHandle<Record>(shared_from_this(), d->records[row]);
+}
+
+std::vector<std::size_t> Project::rowsOf(const std::vector<unsigned long long>& ascendingIds) const
+{
+  std::vector<std::size_t> rows;
+  rows.reserve(ascendingIds.size());
+  if (!d->recordByCaseId.empty())
+  {
+    for (unsigned long long id : ascendingIds)
+      rows.push_back(d->rowOf(id));
+    return rows;
+  }
+  // Both ascend: each id is searched from where the previous one was found, first in growing
+  // steps, so that a dense list costs a step or two per id and a sparse one a short search.
+  const auto& ids = d->caseIds;
+  std::size_t from = 0;
+  for (unsigned long long id : ascendingIds)
+  {
+    std::size_t step = 1;
+    std::size_t to = from;
+    while (to < ids.size() && ids[to] < id)
+    {
+      from = to + 1;
+      to += step;
+      step *= 2;
+    }
+    const auto found =
+      std::lower_bound(ids.begin() + static_cast<std::ptrdiff_t>(from),
+                       ids.begin() + static_cast<std::ptrdiff_t>(std::min(to, ids.size())),
+                       id);
+    from = static_cast<std::size_t>(found - ids.begin());
+    rows.push_back(from < ids.size() && ids[from] == id ? from : npos);
+  }
+  return rows;
 }
 
 const std::vector<double>* Project::numericValues(const Variable& variable) const

@@ -47,6 +47,13 @@ public:
   WeakPtr<Record> record(unsigned long long caseId) const;
   /// The case ids in file order.
   const std::vector<unsigned long long>& caseIds() const;
+  /// The record of a row (an index into caseIds()), or an empty handle past the last row.
+  WeakPtr<Record> recordAt(std::size_t row) const;
+  /// The rows (indices into caseIds()) of ascending case ids, npos for an id the study does not
+  /// have. One walk along the study when its ids ascend, as most studies' do: a bulk reader's
+  /// way from a sorted list of cases to the columns.
+  std::vector<std::size_t> rowsOf(const std::vector<unsigned long long>& ascendingIds) const;
+  static constexpr std::size_t npos = std::size_t(-1);
 
   /// Column access for bulk readers (the data pipeline): the values of a numeric variable in
   /// record order, or null for a text variable or a variable of another project.

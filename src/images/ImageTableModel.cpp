@@ -14,10 +14,17 @@
 #include <vtkTableAlgorithm.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
 #include <map>
+#include <numeric>
 #include <optional>
 #include <set>
 #include <stdexcept>
+#include <string_view>
+#include <unordered_map>
 
 namespace
 {
@@ -30,8 +37,8 @@ struct Axis
   std::vector<Variant> values;
   bool byTag = false;
   Variable variable; // empty: no variable, a single entry holding every case
-  // For a variable axis, the entry of each record in the order the records were laid out.
-  std::vector<int> entryOfRecord;
+  // For a variable axis, the entry of each laid out case.
+  std::vector<int> entryOfCase;
 
   int size() const { return static_cast<int>(values.size()); }
 };
@@ -46,15 +53,140 @@ std::vector<unsigned long long> inputCaseIds(vtkTableAlgorithm& input)
   }
   std::vector<unsigned long long> ids = caseids::allCaseIds(*table->GetColumn(0));
   ids.resize(std::min<std::size_t>(ids.size(), static_cast<std::size_t>(table->GetNumberOfRows())));
-  std::sort(ids.begin(), ids.end());
+  if (!std::is_sorted(ids.begin(), ids.end()))
+    std::sort(ids.begin(), ids.end());
   ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
   return ids;
+}
+
+// The cases the grid lays out: the input's case ids the project has, ascending, and their rows
+// in the project, through which their values are read from the project's columns.
+struct Cases
+{
+  std::vector<unsigned long long> ids;
+  std::vector<std::size_t> rows;
+};
+
+Cases inputCases(vtkTableAlgorithm& input, const Project& project)
+{
+  Cases cases;
+  cases.ids = inputCaseIds(input);
+  cases.rows = project.rowsOf(cases.ids);
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < cases.ids.size(); ++i)
+  {
+    if (cases.rows[i] == Project::npos)
+      continue;
+    cases.ids[kept] = cases.ids[i];
+    cases.rows[kept] = cases.rows[i];
+    ++kept;
+  }
+  cases.ids.resize(kept);
+  cases.rows.resize(kept);
+  return cases;
+}
+
+// Numbers the distinct keys of the rows in the order they first appear; `firstRows` receives a
+// row holding each.
+template<typename Key, typename KeyOf>
+std::vector<int> numberFirstSeen(const std::vector<std::size_t>& rows,
+                                 KeyOf keyOf,
+                                 std::vector<std::size_t>& firstRows)
+{
+  std::unordered_map<Key, int> seen;
+  std::vector<int> numbers;
+  numbers.reserve(rows.size());
+  for (std::size_t row : rows)
+  {
+    const auto [entry, inserted] = seen.try_emplace(keyOf(row), static_cast<int>(seen.size()));
+    if (inserted)
+      firstRows.push_back(row);
+    numbers.push_back(entry->second);
+  }
+  return numbers;
+}
+
+// A number as a key that is equal exactly when the numbers are equal as Variants: one zero,
+// one NaN.
+std::uint64_t numberKey(double value)
+{
+  if (std::isnan(value))
+    value = std::numeric_limits<double>::quiet_NaN();
+  else if (value == 0.0)
+    value = 0.0;
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits;
+}
+
+// The distinct values of a variable over the cases, ascending by Variant's less-than, and the
+// entry of each case among them. Numbers and texts are read from the project's columns and
+// grouped by hashing (a study of ten million cases is grouped in one pass); any other variable
+// (the case ids) goes through Record::data. Equal values keep the first case's value.
+struct Distinct
+{
+  std::vector<Variant> values;
+  std::vector<int> entryOfCase;
+};
+
+Distinct distinctValues(const Project& project,
+                        const Variable& variable,
+                        const std::vector<std::size_t>& rows)
+{
+  Distinct distinct;
+  std::vector<std::size_t> firstRows;
+  if (const auto* numbers = project.numericValues(variable))
+  {
+    distinct.entryOfCase = numberFirstSeen<std::uint64_t>(
+      rows, [numbers](std::size_t row) { return numberKey((*numbers)[row]); }, firstRows);
+  }
+  else if (const auto* texts = project.textValues(variable))
+  {
+    distinct.entryOfCase = numberFirstSeen<std::string_view>(
+      rows, [texts](std::size_t row) { return std::string_view((*texts)[row]); }, firstRows);
+  }
+  else
+  {
+    std::map<Variant, int> seen;
+    distinct.entryOfCase.reserve(rows.size());
+    for (std::size_t row : rows)
+    {
+      const auto [entry, inserted] =
+        seen.emplace(project.recordAt(row).lock().data(variable), static_cast<int>(seen.size()));
+      if (inserted)
+        firstRows.push_back(row);
+      distinct.entryOfCase.push_back(entry->second);
+    }
+  }
+  std::vector<Variant> firstValues;
+  firstValues.reserve(firstRows.size());
+  for (std::size_t row : firstRows)
+    firstValues.push_back(project.recordAt(row).lock().data(variable));
+  std::vector<int> order(firstValues.size());
+  std::iota(order.begin(), order.end(), 0);
+  std::sort(order.begin(),
+            order.end(),
+            [&](int a, int b) {
+              return firstValues[static_cast<std::size_t>(a)] <
+                     firstValues[static_cast<std::size_t>(b)];
+            });
+  std::vector<int> entryOfFirst(order.size());
+  distinct.values.reserve(order.size());
+  for (int seen : order)
+  {
+    entryOfFirst[static_cast<std::size_t>(seen)] = static_cast<int>(distinct.values.size());
+    distinct.values.push_back(std::move(firstValues[static_cast<std::size_t>(seen)]));
+  }
+  for (int& entry : distinct.entryOfCase)
+    entry = entryOfFirst[static_cast<std::size_t>(entry)];
+  return distinct;
 }
 
 Axis layoutAxis(Dimension dimension,
                 const WeakPtr<Variable>& handle,
                 const std::vector<std::string>& tags,
-                const std::vector<Record>& records)
+                const Project& project,
+                const std::vector<std::size_t>& rows)
 {
   Axis axis;
   if (dimension == ImageMatrixViewProperties::ByTag)
@@ -70,30 +202,14 @@ Axis layoutAxis(Dimension dimension,
     axis.values.emplace_back(0.0);
     return axis;
   }
-  // One lookup per record: distinct values are numbered as they first appear, then the numbers
-  // are remapped to the sorted order of the values.
-  std::map<Variant, int> firstSeen;
-  axis.entryOfRecord.reserve(records.size());
-  for (const auto& record : records)
-  {
-    const auto inserted =
-      firstSeen.emplace(record.data(axis.variable), static_cast<int>(firstSeen.size()));
-    axis.entryOfRecord.push_back(inserted.first->second);
-  }
-  std::vector<int> sortedIndex(firstSeen.size());
-  axis.values.reserve(firstSeen.size());
-  for (const auto& [value, seen] : firstSeen)
-  {
-    sortedIndex[static_cast<std::size_t>(seen)] = static_cast<int>(axis.values.size());
-    axis.values.push_back(value);
-  }
-  for (int& entry : axis.entryOfRecord)
-    entry = sortedIndex[static_cast<std::size_t>(entry)];
+  Distinct distinct = distinctValues(project, axis.variable, rows);
+  axis.values = std::move(distinct.values);
+  axis.entryOfCase = std::move(distinct.entryOfCase);
   return axis;
 }
 
-// The entries of an axis the record at `index` belongs to: all of them for a tag axis, the only
-// one of an axis without a variable, or the entry of the record's value.
+// The entries of an axis the case at `index` belongs to: all of them for a tag axis, the only
+// one of an axis without a variable, or the entry of the case's value.
 void entriesOf(const Axis& axis, std::size_t index, std::vector<int>& entries)
 {
   entries.clear();
@@ -108,7 +224,7 @@ void entriesOf(const Axis& axis, std::size_t index, std::vector<int>& entries)
   }
   else
   {
-    entries.push_back(axis.entryOfRecord[index]);
+    entries.push_back(axis.entryOfCase[index]);
   }
 }
 
@@ -151,25 +267,30 @@ struct ImageTableModel::Impl
   void build()
   {
     const auto project = Project::project();
-    std::vector<Record> records;
-    for (unsigned long long id : inputCaseIds(*input))
-    {
-      Record record = project->record(id).lock();
-      if (record)
-        records.push_back(std::move(record));
-    }
+    const Cases cases = inputCases(*input, *project);
 
     const auto& p = *properties;
     const std::vector<std::string> tags = p.allTagsToShow()->value();
-    rows = layoutAxis(p.dimensionRowsBy()->value(), p.rowVar()->value(), tags, records);
-    columns = layoutAxis(p.dimensionColumnsBy()->value(), p.columnVar()->value(), tags, records);
+    rows =
+      layoutAxis(p.dimensionRowsBy()->value(), p.rowVar()->value(), tags, *project, cases.rows);
+    columns = layoutAxis(
+      p.dimensionColumnsBy()->value(), p.columnVar()->value(), tags, *project, cases.rows);
 
     const auto pages = p.dimensionPagesBy()->value();
     const Variant pageValue = p.pageValue()->value();
-    const Variable pageVariable = p.pageVar()->value().lock();
     pageTag.reset();
     if (pages == ImageMatrixViewProperties::PageByTag)
       pageTag = pageValue.toString();
+    // Paged by a variable, a case takes part when its value equals the page's: decided once per
+    // distinct value.
+    Distinct pageValues;
+    std::vector<bool> onPage;
+    if (pages == ImageMatrixViewProperties::PageByVariable)
+    {
+      pageValues = distinctValues(*project, p.pageVar()->value().lock(), cases.rows);
+      for (const Variant& value : pageValues.values)
+        onPage.push_back(value == pageValue);
+    }
 
     cells.assign(static_cast<std::size_t>(rows.size()) * static_cast<std::size_t>(columns.size()),
                  {});
@@ -179,13 +300,12 @@ struct ImageTableModel::Impl
     // without repeats, so every cell's list is sorted as it is filled.
     std::vector<int> rowEntries;
     std::vector<int> columnEntries;
-    for (std::size_t i = 0; i < records.size(); ++i)
+    for (std::size_t i = 0; i < cases.ids.size(); ++i)
     {
-      const Record& record = records[i];
       if (pages == ImageMatrixViewProperties::PageByVariable &&
-          record.data(pageVariable) != pageValue)
+          !onPage[static_cast<std::size_t>(pageValues.entryOfCase[i])])
         continue;
-      const unsigned long long id = record.caseId();
+      const unsigned long long id = cases.ids[i];
       if (rows.byTag && columns.byTag)
       {
         for (int i = 0; i < std::min(rows.size(), columns.size()); ++i)
@@ -214,9 +334,9 @@ struct ImageTableModel::Impl
       rowTagText = rows.values[static_cast<std::size_t>(row)].toString();
     if (columns.byTag)
       columnTagText = columns.values[static_cast<std::size_t>(column)].toString();
-    for (unsigned long long id : cells[cellIndex(row, column)])
+    for (std::size_t caseRow : project->rowsOf(cells[cellIndex(row, column)]))
     {
-      for (const auto& handle : project->record(id).lock().auxFiles())
+      for (const auto& handle : project->recordAt(caseRow).lock().auxFiles())
       {
         const AuxFile file = handle.lock();
         if ((rows.byTag && !file.hasTag(rowTagText)) ||
@@ -353,9 +473,9 @@ std::vector<std::string> ImageTableModel::availableTags() const
 {
   const auto project = Project::project();
   std::set<std::string> tags;
-  for (unsigned long long id : inputCaseIds(*d->input))
+  for (std::size_t row : inputCases(*d->input, *project).rows)
   {
-    for (const auto& handle : project->record(id).lock().auxFiles())
+    for (const auto& handle : project->recordAt(row).lock().auxFiles())
     {
       for (const auto& tag : handle.lock().tags())
         tags.insert(tag);

@@ -13,7 +13,11 @@
 #include <gtest/gtest.h>
 #include <vtkTableAlgorithm.h>
 
+#include <cmath>
+#include <map>
+#include <set>
 #include <stdexcept>
+#include <string>
 
 namespace
 {
@@ -217,4 +221,70 @@ TEST(ImageGridIndex, CellsOfASelectionAreTheCellsHoldingItsCases)
          std::set<unsigned long long>(ids.begin(), ids.end()) })
     EXPECT_EQ(grid.cellsOf(selection), scanned(selection)) << selection.size() << " cases";
   Project::setProject(nullptr);
+}
+
+TEST(ImageGridValues, AxesGroupValuesAsVariantsCompareWhateverTheOrderOfTheIds)
+{
+  const double nan = std::nan("");
+  using Ids = std::vector<unsigned long long>;
+  // The same cases listed in ascending and in mixed case-id order.
+  for (const Ids& ids : { Ids{ 1, 2, 3, 4, 5, 6, 7 }, Ids{ 7, 3, 5, 1, 6, 2, 4 } })
+  {
+    const std::map<unsigned long long, double> x{ { 1, nan }, { 2, 0.0 }, { 3, -0.0 }, { 4, 2.0 },
+                                                  { 5, nan }, { 6, 1.0 }, { 7, 2.0 } };
+    const std::map<unsigned long long, std::string> m{ { 1, "b" }, { 2, "a" }, { 3, "b" },
+                                                       { 4, "B" }, { 5, "a" }, { 6, "c" },
+                                                       { 7, "b" } };
+    std::vector<double> xs;
+    std::vector<std::string> ms;
+    for (unsigned long long id : ids)
+    {
+      xs.push_back(x.at(id));
+      ms.push_back(m.at(id));
+    }
+    ProjectBuilder builder;
+    builder.setCaseIds(ids);
+    builder.addNumericVariable("x", xs);
+    builder.addTextVariable("m", ms);
+    const auto project = builder.build();
+    Project::setProject(project);
+    DataPipelineManager pipeline(project);
+    auto properties = std::make_shared<ImageMatrixViewProperties>();
+    properties->columnVar()->setValue(project->variable("x"));
+    properties->rowVar()->setValue(project->variable("m"));
+    ImageTableModel grid(pipeline.output(), properties);
+
+    // Both zeros are one column, every NaN one column after the numbers; texts byte by byte.
+    ASSERT_EQ(grid.columnCount(), 4) << ids[1];
+    EXPECT_EQ(grid.columnValue(1), Variant(1.0));
+    EXPECT_TRUE(std::isnan(grid.columnValue(3).toDouble()));
+    ASSERT_EQ(grid.rowCount(), 4);
+    EXPECT_EQ(grid.rowTitle(0), "B");
+    EXPECT_EQ(grid.rowTitle(3), "c");
+    EXPECT_EQ(grid.casesAt(2, 0), (Cases{ 3 })) << "b and a zero";
+    EXPECT_EQ(grid.casesAt(1, 0), (Cases{ 2 }));
+    EXPECT_EQ(grid.casesAt(2, 2), (Cases{ 7 }));
+    EXPECT_EQ(grid.casesAt(2, 3), (Cases{ 1 }));
+    EXPECT_EQ(grid.casesAt(1, 3), (Cases{ 5 }));
+
+    // A page of one value: the zeros are equal to 0 as Variants; a NaN page holds the NaNs.
+    properties->pageVar()->setValue(project->variable("x"));
+    properties->dimensionPagesBy()->setValue(Matrix::PageByVariable);
+    properties->rowVar()->setValue(WeakPtr<Variable>());
+    properties->columnVar()->setValue(WeakPtr<Variable>());
+    properties->pageValue()->setValue(Variant(0));
+    EXPECT_EQ(grid.casesAt(0, 0), (Cases{ 2, 3 }));
+    properties->pageValue()->setValue(Variant(nan));
+    EXPECT_EQ(grid.casesAt(0, 0), (Cases{ 1, 5 }));
+    properties->pageValue()->setValue(Variant("2"));
+    EXPECT_EQ(grid.casesAt(0, 0), Cases{}) << "a text is no number";
+
+    // The case ids as an axis: one row per case, ascending.
+    properties->dimensionPagesBy()->setValue(Matrix::NoPages);
+    properties->rowVar()->setValue(project->caseIdVariable());
+    ASSERT_EQ(grid.rowCount(), 7);
+    EXPECT_EQ(grid.rowValue(6), Variant(7ull));
+    EXPECT_EQ(grid.casesAt(6, 0), (Cases{ 7 }));
+    Project::setProject(nullptr);
+  }
 }

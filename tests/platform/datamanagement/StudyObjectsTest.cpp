@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <set>
@@ -156,6 +157,44 @@ TEST(StudyObjects, CasesAndTheirFilesAreFoundWhateverTheOrderOfTheIds)
     EXPECT_EQ(project->record(ids[2]).lock().caseId(), ids[2]);
     EXPECT_TRUE(project->record(12345).lock().isNull());
     EXPECT_EQ(project->tags(), (std::vector<std::string>{ "x", "y" }));
+  }
+}
+
+TEST(StudyObjects, RowsOfAscendingIdsAndRecordsOfRows)
+{
+  using Ids = std::vector<unsigned long long>;
+  Ids everyThird;
+  for (unsigned long long id = 3; id <= 3000; id += 3)
+    everyThird.push_back(id);
+  Ids reversed(everyThird.rbegin(), everyThird.rend());
+  Ids extremes{ 0, 5, 1ull << 63, ~0ull - 1, ~0ull };
+
+  Ids dense; // every id from below the first to past the last, found or not
+  for (unsigned long long id = 0; id <= 3010; ++id)
+    dense.push_back(id);
+  Ids sparse{ 2, 3, 4, 300, 301, 1500, 2997, 3000, 3003, 1ull << 40 };
+  Ids wide{ 0, 1, 5, 6, 1ull << 63, ~0ull };
+
+  for (const Ids& study : { everyThird, reversed, extremes })
+  {
+    ProjectBuilder builder;
+    builder.setCaseIds(study);
+    const auto project = builder.build();
+    for (const Ids& asked : { dense, sparse, wide, Ids{} })
+    {
+      const std::vector<std::size_t> rows = project->rowsOf(asked);
+      ASSERT_EQ(rows.size(), asked.size());
+      for (std::size_t i = 0; i < asked.size(); ++i)
+      {
+        const auto at = std::find(study.begin(), study.end(), asked[i]);
+        const std::size_t expected =
+          at == study.end() ? Project::npos : static_cast<std::size_t>(at - study.begin());
+        ASSERT_EQ(rows[i], expected) << "id " << asked[i] << " in a study of " << study.size();
+      }
+    }
+    for (std::size_t row = 0; row < study.size(); ++row)
+      ASSERT_EQ(project->recordAt(row).lock().caseId(), study[row]);
+    EXPECT_TRUE(project->recordAt(study.size()).lock().isNull());
   }
 }
 
