@@ -111,8 +111,13 @@ std::vector<WeakPtr<AuxFile>> ImageMatrixTableModelAdapter::filesAt(const QModel
 
 QString ImageMatrixTableModelAdapter::caption(const QModelIndex& index) const
 {
+  // Without labels the cell's files are not looked for: every row's size asks for captions.
+  if (!properties->showLabels()->value())
+  {
+    return {};
+  }
   const auto files = filesAt(index);
-  if (files.empty() || !properties->showLabels()->value())
+  if (files.empty())
   {
     return {};
   }
