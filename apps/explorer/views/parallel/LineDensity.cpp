@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 namespace explorer
 {
@@ -25,10 +27,22 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
   if (axes.size() < 2 || w <= 0 || h <= 0)
     return image;
   const int bins = (h + binHeight - 1) / binHeight;
-  const auto binOf = [&](float position)
+  const std::size_t total = rows ? rows->size() : axes.front().position.size();
+  // The bin of every line on one axis, found once per axis rather than once per pair it is in.
+  // A height is linear in the position, from the layout's own ends.
+  const double y0 = layout.y(0.f);
+  const double slope = layout.y(1.f) - y0;
+  const double missingY = layout.y(std::numeric_limits<float>::quiet_NaN());
+  const double lowest = h - 1;
+  const auto binsOn = [&](const std::vector<float>& position, std::vector<std::uint16_t>& binOfLine)
   {
-    const int y = static_cast<int>(std::lround(layout.y(position)));
-    return std::clamp(y, 0, h - 1) / binHeight;
+    binOfLine.resize(total);
+    for (std::size_t i = 0; i < total; ++i)
+    {
+      const float at = position[rows ? static_cast<std::size_t>((*rows)[i]) : i];
+      const double y = std::clamp(std::isnan(at) ? missingY : y0 + at * slope, 0.0, lowest);
+      binOfLine[i] = static_cast<std::uint16_t>(static_cast<int>(y + 0.5) / binHeight);
+    }
   };
   std::vector<float> count(static_cast<std::size_t>(w) * h, 0.f);
   std::vector<float> colourSum(count.size(), 0.f);
@@ -36,20 +50,22 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
   std::vector<float> pairCount(static_cast<std::size_t>(bins) * bins);
   std::vector<float> pairColour(pairCount.size());
   std::vector<float> pairColoured(pairCount.size());
-  const std::size_t total = rows ? rows->size() : axes.front().position.size();
+  std::vector<std::uint16_t> fromBins;
+  std::vector<std::uint16_t> toBins;
+  binsOn(axes.front().position, toBins);
   for (std::size_t pair = 0; pair + 1 < axes.size(); ++pair)
   {
     std::fill(pairCount.begin(), pairCount.end(), 0.f);
     std::fill(pairColour.begin(), pairColour.end(), 0.f);
     std::fill(pairColoured.begin(), pairColoured.end(), 0.f);
-    const auto& from = axes[pair].position;
-    const auto& to = axes[pair + 1].position;
+    fromBins.swap(toBins);
+    binsOn(axes[pair + 1].position, toBins);
     for (std::size_t i = 0; i < total; ++i)
     {
-      const std::size_t row = rows ? static_cast<std::size_t>((*rows)[i]) : i;
-      const std::size_t bin = static_cast<std::size_t>(binOf(from[row])) * bins +
-                              static_cast<std::size_t>(binOf(to[row]));
+      const std::size_t bin =
+        static_cast<std::size_t>(fromBins[i]) * static_cast<std::size_t>(bins) + toBins[i];
       pairCount[bin] += 1;
+      const std::size_t row = rows ? static_cast<std::size_t>((*rows)[i]) : i;
       if (colour && !std::isnan((*colour)[row]))
       {
         pairColour[bin] += (*colour)[row];
