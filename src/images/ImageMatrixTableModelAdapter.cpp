@@ -75,9 +75,17 @@ void ImageMatrixTableModelAdapter::imagesChanged()
 
 void ImageMatrixTableModelAdapter::setPreferredCases(const std::set<unsigned long long>& ids)
 {
-  if (ids.empty() && preferred.empty())
+  setPreferredCases(
+    std::make_shared<const std::vector<unsigned long long>>(ids.begin(), ids.end()));
+}
+
+void ImageMatrixTableModelAdapter::setPreferredCases(
+  std::shared_ptr<const std::vector<unsigned long long>> ascendingIds)
+{
+  const bool none = !ascendingIds || ascendingIds->empty();
+  if (none && (!preferred || preferred->empty()))
     return;
-  preferred.assign(ids.begin(), ids.end());
+  preferred = none ? nullptr : std::move(ascendingIds);
   if (rowCount() > 0 && columnCount() > 0)
   {
     Q_EMIT dataChanged(index(0, 0),
@@ -89,13 +97,13 @@ void ImageMatrixTableModelAdapter::setPreferredCases(const std::set<unsigned lon
 std::vector<WeakPtr<AuxFile>> ImageMatrixTableModelAdapter::filesAt(const QModelIndex& index) const
 {
   auto files = imageGrid->auxFilesAt(index.row(), index.column());
-  if (files.size() < 2 || preferred.empty())
+  if (files.size() < 2 || !preferred)
     return files;
   // The smallest preferred case of the cell: both lists are sorted; look the shorter up in the
   // longer.
   const auto& cases = imageGrid->casesAt(index.row(), index.column());
-  const auto& few = preferred.size() < cases.size() ? preferred : cases;
-  const auto& many = preferred.size() < cases.size() ? cases : preferred;
+  const auto& few = preferred->size() < cases.size() ? *preferred : cases;
+  const auto& many = preferred->size() < cases.size() ? cases : *preferred;
   const auto chosen = std::find_if(few.begin(),
                                    few.end(),
                                    [&](unsigned long long id)

@@ -54,6 +54,8 @@ public:
   /// the smallest (its caption and tool tip follow); other cells show their first file. The
   /// image view prefers the selected cases, so that a cell shows the case picked elsewhere.
   void setPreferredCases(const std::set<unsigned long long>& ids);
+  /// The same for case ids ascending without repeats, shared rather than copied. Null is none.
+  void setPreferredCases(std::shared_ptr<const std::vector<unsigned long long>> ascendingIds);
 
 private:
   /// The files of a cell, those of its preferred case first.
@@ -65,5 +67,5 @@ private:
   LabelMaker labelMaker;
   ImageDecorator decorator;
   SignalConnectionCollection connections;
-  std::vector<unsigned long long> preferred;
+  std::shared_ptr<const std::vector<unsigned long long>> preferred;
 };

@@ -324,6 +324,47 @@ struct ImageTableModel::Impl
     }
   }
 
+  // The cells holding any of the ids, given ascending without repeats (a set or a sorted list).
+  template<typename AscendingIds>
+  std::vector<std::pair<int, int>> cellsOf(const AscendingIds& ids) const
+  {
+    std::vector<bool> hit(cells.size(), false);
+    const auto& index = cellOfCase;
+    if (ids.size() < index.size() / 16)
+    {
+      for (unsigned long long id : ids)
+      {
+        auto entry =
+          std::lower_bound(index.begin(),
+                           index.end(),
+                           id,
+                           [](const auto& e, unsigned long long v) { return e.first < v; });
+        for (; entry != index.end() && entry->first == id; ++entry)
+          hit[entry->second] = true;
+      }
+    }
+    else
+    {
+      // Both in case id order: one merged walk.
+      auto id = ids.begin();
+      for (const auto& [caseId, cell] : index)
+      {
+        while (id != ids.end() && *id < caseId)
+          ++id;
+        if (id == ids.end())
+          break;
+        if (*id == caseId)
+          hit[cell] = true;
+      }
+    }
+    std::vector<std::pair<int, int>> result;
+    const int width = columns.size();
+    for (std::size_t cell = 0; cell < hit.size(); ++cell)
+      if (hit[cell])
+        result.emplace_back(static_cast<int>(cell) / width, static_cast<int>(cell) % width);
+    return result;
+  }
+
   std::vector<WeakPtr<AuxFile>> filesOf(int row, int column) const
   {
     const auto project = Project::project();
@@ -432,41 +473,13 @@ const std::vector<unsigned long long>& ImageTableModel::casesAt(int row, int col
 std::vector<std::pair<int, int>> ImageTableModel::cellsOf(
   const std::set<unsigned long long>& ids) const
 {
-  std::vector<bool> hit(d->cells.size(), false);
-  const auto& index = d->cellOfCase;
-  if (ids.size() < index.size() / 16)
-  {
-    for (unsigned long long id : ids)
-    {
-      auto entry =
-        std::lower_bound(index.begin(),
-                         index.end(),
-                         id,
-                         [](const auto& e, unsigned long long v) { return e.first < v; });
-      for (; entry != index.end() && entry->first == id; ++entry)
-        hit[entry->second] = true;
-    }
-  }
-  else
-  {
-    // Both in case id order: one merged walk.
-    auto id = ids.begin();
-    for (const auto& [caseId, cell] : index)
-    {
-      while (id != ids.end() && *id < caseId)
-        ++id;
-      if (id == ids.end())
-        break;
-      if (*id == caseId)
-        hit[cell] = true;
-    }
-  }
-  std::vector<std::pair<int, int>> result;
-  const int columns = d->columns.size();
-  for (std::size_t cell = 0; cell < hit.size(); ++cell)
-    if (hit[cell])
-      result.emplace_back(static_cast<int>(cell) / columns, static_cast<int>(cell) % columns);
-  return result;
+  return d->cellsOf(ids);
+}
+
+std::vector<std::pair<int, int>> ImageTableModel::cellsOf(
+  const std::vector<unsigned long long>& ascendingIds) const
+{
+  return d->cellsOf(ascendingIds);
 }
 
 std::vector<std::string> ImageTableModel::availableTags() const

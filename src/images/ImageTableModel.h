@@ -57,6 +57,9 @@ public:
   /// looked up in an index of the cases, so that the cost follows the selection, or one pass
   /// over the cases when the selection is large, never a scan of every cell.
   virtual std::vector<std::pair<int, int>> cellsOf(const std::set<unsigned long long>& ids) const;
+  /// The same for case ids in ascending order without repeats.
+  std::vector<std::pair<int, int>> cellsOf(
+    const std::vector<unsigned long long>& ascendingIds) const;
   /// Every tag of every file of the input's cases, sorted, without repeats.
   virtual std::vector<std::string> availableTags() const;
   /// The i-th axis value; std::out_of_range outside the axis.

@@ -42,8 +42,12 @@ struct ImageTableView::Impl
   std::shared_ptr<ImageMatrixViewProperties> properties;
   std::shared_ptr<ImageTableModel> grid;
   std::unique_ptr<ImageMatrixTableModelAdapter> adapter;
+  boost::shared_ptr<ImageViewSelectionConverter> converter;
   std::unique_ptr<TableViewSelectionSynchronizer> synchronizer;
   std::unique_ptr<SelectionBroadcaster> broadcaster;
+  // The selection the host told the view as a sorted list, shown again after every rebuild;
+  // null while the view follows its selection model.
+  std::shared_ptr<const std::vector<unsigned long long>> toldCases;
   SignalConnectionCollection connections;
   mutable SelectedImagesChangedSignal signalSelectedImagesChanged;
 
@@ -97,8 +101,19 @@ struct ImageTableView::Impl
       axisTitle(properties->dimensionColumnsBy()->value(), properties->columnVar()->value()));
     resizeCells();
     // The reset cleared the item selection; show the master's again without sending it back.
-    if (synchronizer)
+    if (toldCases)
+      showCells(*toldCases);
+    else if (synchronizer)
       synchronizer->showMasterSelection();
+  }
+
+  // Selects the cells holding the cases, without sending the selection back to the master.
+  void showCells(const std::vector<unsigned long long>& ascendingIds)
+  {
+    synchronizer->endLocalSelectionMonitoring();
+    table->selectionModel()->select(converter->selectionFromCaseIDs(ascendingIds),
+                                    QItemSelectionModel::ClearAndSelect);
+    synchronizer->beginLocalSelectionMonitoring();
   }
 
   void resizeCells()
@@ -157,10 +172,9 @@ ImageTableView::ImageTableView(QWidget& parent,
   d->table->setImageDelegate(d->delegate);
   d->table->setModel(d->adapter.get());
 
-  d->synchronizer = std::make_unique<TableViewSelectionSynchronizer>(
-    d->selectionModel,
-    *d->table,
-    boost::make_shared<ImageViewSelectionConverter>(d->grid, *d->adapter));
+  d->converter = boost::make_shared<ImageViewSelectionConverter>(d->grid, *d->adapter);
+  d->synchronizer =
+    std::make_unique<TableViewSelectionSynchronizer>(d->selectionModel, *d->table, d->converter);
   d->broadcaster = std::make_unique<SelectionBroadcaster>(*d->table->selectionModel());
   Impl* impl = d.get();
   d->connections.add(d->broadcaster->connectSignalSelectedImagesChanged(
@@ -169,7 +183,11 @@ ImageTableView::ImageTableView(QWidget& parent,
     [impl](const unsigned long long& zoom) { impl->applyZoom(zoom); }));
   d->connections.add(d->grid->connectSignalModelReset([impl] { impl->gridRebuilt(); }));
   d->connections.add(d->selectionModel->connectSignalSelectionChanged(
-    [adapter](const std::set<unsigned long long>& ids) { adapter->setPreferredCases(ids); }));
+    [impl](const std::set<unsigned long long>& ids)
+    {
+      impl->toldCases.reset();
+      impl->adapter->setPreferredCases(ids);
+    }));
   const auto captionsChanged = [impl] { impl->resizeCells(); };
   d->connections.add(d->properties->showLabels()->connectSignalPropertyChanged(captionsChanged));
   d->connections.add(
@@ -275,6 +293,16 @@ void ImageTableView::setScrollPositions(int horizontal, int vertical)
       bar->setMaximum(position);
     bar->setValue(position);
   }
+}
+
+void ImageTableView::showSelectedCases(
+  std::shared_ptr<const std::vector<unsigned long long>> ascendingIds)
+{
+  if (!ascendingIds)
+    ascendingIds = std::make_shared<const std::vector<unsigned long long>>();
+  d->toldCases = ascendingIds;
+  d->adapter->setPreferredCases(ascendingIds);
+  d->showCells(*ascendingIds);
 }
 
 void ImageTableView::suspend()

@@ -78,6 +78,13 @@ public:
   /// position can be restored before the grid is laid out.
   void setScrollPositions(int horizontal, int vertical);
 
+  /// Shows these cases as the selection: the cells holding any of them selected, their images
+  /// preferred, the selection model not told. For a host that keeps its selection as a sorted
+  /// list rather than a set (a set of ten million cases is half a gigabyte of nodes). The view
+  /// shows this list again after every rebuild of its grid, until it is told another or its
+  /// selection model signals a change. Null is no case.
+  void showSelectedCases(std::shared_ptr<const std::vector<unsigned long long>> ascendingIds);
+
   /// Stops following the pipeline and the settings; resume() catches up.
   void suspend() override;
   void resume() override;

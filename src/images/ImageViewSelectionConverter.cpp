@@ -25,16 +25,35 @@ std::set<unsigned long long> ImageViewSelectionConverter::caseIDsFromSelection(
   return ids;
 }
 
-QItemSelection ImageViewSelectionConverter::selectionFromCaseIDs(
-  const std::set<unsigned long long>& ids) const
+namespace
+{
+
+QItemSelection selectionOfCells(const std::vector<std::pair<int, int>>& cells,
+                                const QAbstractItemModel& items)
 {
   QItemSelection selection;
-  if (ids.empty())
-    return selection;
-  for (const auto& [row, column] : grid->cellsOf(ids))
+  for (const auto& [row, column] : cells)
   {
     const QModelIndex index = items.index(row, column);
     selection.select(index, index);
   }
   return selection;
+}
+
+} // namespace
+
+QItemSelection ImageViewSelectionConverter::selectionFromCaseIDs(
+  const std::set<unsigned long long>& ids) const
+{
+  if (ids.empty())
+    return {};
+  return selectionOfCells(grid->cellsOf(ids), items);
+}
+
+QItemSelection ImageViewSelectionConverter::selectionFromCaseIDs(
+  const std::vector<unsigned long long>& ascendingIds) const
+{
+  if (ascendingIds.empty())
+    return {};
+  return selectionOfCells(grid->cellsOf(ascendingIds), items);
 }

@@ -3,6 +3,7 @@
 #include "dataviews/SelectionConverterInterface.h"
 
 #include <memory>
+#include <vector>
 
 class ImageTableModel;
 class QAbstractItemModel;
@@ -22,6 +23,8 @@ public:
   std::set<unsigned long long> caseIDsFromSelection(
     const QItemSelectionModel& selectionModel) const override;
   QItemSelection selectionFromCaseIDs(const std::set<unsigned long long>& ids) const override;
+  /// The same for case ids ascending without repeats.
+  QItemSelection selectionFromCaseIDs(const std::vector<unsigned long long>& ascendingIds) const;
 
 private:
   std::shared_ptr<const ImageTableModel> grid;

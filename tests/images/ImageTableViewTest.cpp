@@ -132,6 +132,38 @@ TEST_F(ImageTableViewTest, ACellHoldingASelectedCaseShowsThatCasesImageFirst)
   EXPECT_EQ(shown(), QColor(Qt::magenta)) << "the smallest selected case of the cell";
 }
 
+TEST_F(ImageTableViewTest, ASelectionToldAsASortedListIsShownUntilTheMasterChanges)
+{
+  // Rows by speed (10, 20), columns by angle (30, 45).
+  const QModelIndex cell = view->tableView().model()->index(0, 1);
+  const auto shown = [&]
+  { return cell.data(Qt::DecorationRole).value<QImage>().pixelColor(25, 25); };
+  int sent = 0;
+  boost::signals2::scoped_connection counting =
+    master->connectSignalSelectionChanged([&](const Cases&) { ++sent; });
+
+  using List = std::vector<unsigned long long>;
+  view->showSelectedCases(std::make_shared<const List>(List{ 2, 6 }));
+  EXPECT_EQ(selectedCells(), (Cases{ 1, 10 }));
+  EXPECT_EQ(shown(), QColor(Qt::darkRed)) << "the told cases' images first";
+  EXPECT_EQ(sent, 0) << "what the view is told is not sent back";
+  EXPECT_TRUE(master->getSelections().empty());
+
+  properties->dimensionColumnsBy()->setValue(Matrix::ByTag);
+  EXPECT_EQ(selectedCells(), (Cases{ 0, 1, 10, 11 })) << "shown again after a rebuild";
+
+  properties->dimensionColumnsBy()->setValue(Matrix::ByVariable);
+  master->setSelection({ 4 });
+  EXPECT_EQ(selectedCells(), (Cases{ 11 })) << "the selection model's change replaces it";
+  properties->dimensionRowsBy()->setValue(Matrix::ByTag);
+  EXPECT_EQ(selectedCells(), (Cases{ 1, 11 })) << "and it is the model's selection that is kept";
+
+  properties->dimensionRowsBy()->setValue(Matrix::ByVariable);
+  view->showSelectedCases(nullptr);
+  EXPECT_TRUE(selectedCells().empty());
+  EXPECT_EQ(shown(), QColor(Qt::magenta));
+}
+
 TEST_F(ImageTableViewTest, ACellWhoseImageCannotBeShownSaysWhy)
 {
   QFile::remove(QString::fromStdString(study.folder.filePath("images/4_speed.png")));
