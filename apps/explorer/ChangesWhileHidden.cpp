@@ -139,4 +139,19 @@ void ShownViewSelection::tell()
   emitSignalSelectionChanged(master->selectedSet());
 }
 
+MasterPicks::MasterPicks(boost::shared_ptr<MasterSelection> master)
+  : master(std::move(master))
+{
+}
+
+SelectionModelInterface::Selection MasterPicks::getSelections() const
+{
+  return master->getSelections();
+}
+
+void MasterPicks::setSelection(const Selection& selection)
+{
+  master->setSelection(selection);
+}
+
 } // namespace explorer

@@ -84,4 +84,19 @@ private:
   SignalConnectionCollection connections;
 };
 
+/// The master selection for a library class whose showing of the selection its view drives
+/// itself, from the master's sorted list: the class's picks go to the master and it may ask what
+/// the master holds, but no change is signalled to it as a set.
+class MasterPicks : public virtual SelectionModelInterface
+{
+public:
+  explicit MasterPicks(boost::shared_ptr<MasterSelection> master);
+
+  Selection getSelections() const override;
+  void setSelection(const Selection& selection) override;
+
+private:
+  boost::shared_ptr<MasterSelection> master;
+};
+
 } // namespace explorer

@@ -23,7 +23,9 @@
 #include "datamanagement/StudyReader.h"
 #include "datapipeline/DataPipelineManager.h"
 #include "datapipeline/RangeFilter.h"
+#include "images/ImageMatrixTableModelAdapter.h"
 #include "images/ImageMatrixViewProperties.h"
+#include "images/ImageTableModel.h"
 #include "images/ImageTableView.h"
 #include "images/QImageTableView.h"
 #include "properties/PropertyAbstract.h"
@@ -139,6 +141,17 @@ TEST_F(ExplorerWindowTest, ShowsOneViewOfEachKindLinkedByOneSelection)
   EXPECT_EQ(scatter->highlightedPoints(), 2);
   EXPECT_EQ(table->selectedRows(), 2);
   EXPECT_EQ(images->selectionSummary(), "2 selected cells");
+
+  // A cell picked in the matrix selects its cases everywhere.
+  QTableView& matrix = images->imageTable().tableView();
+  const auto& grid = static_cast<const ImageMatrixTableModelAdapter*>(matrix.model())->grid();
+  const std::vector<unsigned long long>& inCell = grid.casesAt(0, 0);
+  ASSERT_FALSE(inCell.empty());
+  matrix.selectionModel()->select(matrix.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
+  EXPECT_EQ(window->selection().getSelections(),
+            std::set<unsigned long long>(inCell.begin(), inCell.end()));
+  EXPECT_EQ(table->selectedRows(), static_cast<int>(inCell.size()));
+  EXPECT_EQ(images->selectionSummary(), "1 selected cells");
 
   // Rows picked in the table become the master selection, and the chart follows.
   QTableView& rows = table->table();

@@ -141,6 +141,7 @@ struct ImageMatrixView::Impl
   QPointer<QWidget> container;
   ImageTableView* table = nullptr;
   std::shared_ptr<ImageMatrixViewProperties> properties;
+  std::unique_ptr<ChangesWhileHidden> changes;
 };
 
 ImageMatrixView::ImageMatrixView(const ViewContext& context)
@@ -166,12 +167,24 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
     d->properties->dimensionPagesBy()->setValue(ImageMatrixViewProperties::PageByTag);
     d->properties->pageValue()->setValue(Variant(imageTags.front()));
   }
-  d->table =
-    new ImageTableView(*d->container,
-                       context.pipeline,
-                       boost::make_shared<ShownViewSelection>(context.selection, *d->container),
-                       context.images->sharedLoader(),
-                       d->properties);
+  // The grid shows the master's sorted list itself, and only while it is shown: the library's
+  // view would otherwise be told every change as a set of every selected case.
+  d->table = new ImageTableView(*d->container,
+                                context.pipeline,
+                                boost::make_shared<MasterPicks>(context.selection),
+                                context.images->sharedLoader(),
+                                d->properties);
+  ImageTableView* table = d->table;
+  const boost::shared_ptr<MasterSelection> master = context.selection;
+  table->showSelectedCases(master->cases());
+  d->changes = std::make_unique<ChangesWhileHidden>(
+    *d->container,
+    *master,
+    ChangesWhileHidden::Steps{
+      {}, [table, master](const auto&) { table->showSelectedCases(master->cases()); }, {} });
+  ChangesWhileHidden* changes = d->changes.get();
+  connections().add(master->connectCasesChanged([changes](const MasterSelection::SharedCases& ids)
+                                                { changes->selectionChanged(*ids); }));
   layout->addWidget(d->table);
   if (imageTags.empty())
   {
@@ -215,7 +228,11 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
               "a whole number");
 }
 
-ImageMatrixView::~ImageMatrixView() = default;
+ImageMatrixView::~ImageMatrixView()
+{
+  // The master's signal reaches `changes`, which goes with d before the view's connections do.
+  connections().clear();
+}
 
 std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& editors)
 {
@@ -374,6 +391,7 @@ void ImageMatrixView::suspendParts()
 void ImageMatrixView::resumeParts()
 {
   d->table->resume();
+  d->changes->changed(false);
 }
 
 void ImageMatrixView::refresh()
