@@ -295,33 +295,39 @@ struct ImageTableModel::Impl
     cells.assign(static_cast<std::size_t>(rows.size()) * static_cast<std::size_t>(columns.size()),
                  {});
     files.assign(cells.size(), std::nullopt);
-    cellOfCase.clear();
-    // One pass over the cases, each appended to its cells; the cases come in ascending order
-    // without repeats, so every cell's list is sorted as it is filled.
-    std::vector<int> rowEntries;
-    std::vector<int> columnEntries;
-    for (std::size_t i = 0; i < cases.ids.size(); ++i)
+    // Every case into each of its cells, in ascending case order, so that every cell's list is
+    // sorted as it is filled. Done twice: counting first, so that each list is allocated once at
+    // its size (grown by doubling, ten million cases would leave up to twice their bytes behind).
+    const auto place = [&](auto&& into)
     {
-      if (pages == ImageMatrixViewProperties::PageByVariable &&
-          !onPage[static_cast<std::size_t>(pageValues.entryOfCase[i])])
-        continue;
-      const unsigned long long id = cases.ids[i];
-      if (rows.byTag && columns.byTag)
+      std::vector<int> rowEntries;
+      std::vector<int> columnEntries;
+      for (std::size_t i = 0; i < cases.ids.size(); ++i)
       {
-        for (int i = 0; i < std::min(rows.size(), columns.size()); ++i)
-          add(id, cellIndex(i, i));
-        continue;
-      }
-      entriesOf(rows, i, rowEntries);
-      entriesOf(columns, i, columnEntries);
-      for (int r : rowEntries)
-      {
-        for (int c : columnEntries)
+        if (pages == ImageMatrixViewProperties::PageByVariable &&
+            !onPage[static_cast<std::size_t>(pageValues.entryOfCase[i])])
+          continue;
+        const unsigned long long id = cases.ids[i];
+        if (rows.byTag && columns.byTag)
         {
-          add(id, cellIndex(r, c));
+          for (int d = 0; d < std::min(rows.size(), columns.size()); ++d)
+            into(id, cellIndex(d, d));
+          continue;
         }
+        entriesOf(rows, i, rowEntries);
+        entriesOf(columns, i, columnEntries);
+        for (int r : rowEntries)
+          for (int c : columnEntries)
+            into(id, cellIndex(r, c));
       }
-    }
+    };
+    std::vector<std::size_t> sizes(cells.size(), 0);
+    place([&](unsigned long long, std::size_t cell) { ++sizes[cell]; });
+    for (std::size_t cell = 0; cell < cells.size(); ++cell)
+      cells[cell].reserve(sizes[cell]);
+    cellOfCase = {};
+    cellOfCase.reserve(std::accumulate(sizes.begin(), sizes.end(), std::size_t(0)));
+    place([&](unsigned long long id, std::size_t cell) { add(id, cell); });
   }
 
   // The cells holding any of the ids, given ascending without repeats (a set or a sorted list).
