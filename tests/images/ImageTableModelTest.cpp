@@ -219,7 +219,11 @@ TEST(ImageGridIndex, CellsOfASelectionAreTheCellsHoldingItsCases)
          { 1003, 1017, 1399, 5 },
          std::set<unsigned long long>(ids.begin(), ids.begin() + 200),
          std::set<unsigned long long>(ids.begin(), ids.end()) })
+  {
     EXPECT_EQ(grid.cellsOf(selection), scanned(selection)) << selection.size() << " cases";
+    const std::vector<unsigned long long> sorted(selection.begin(), selection.end());
+    EXPECT_EQ(grid.cellsOf(sorted), scanned(selection)) << selection.size() << " as a list";
+  }
   Project::setProject(nullptr);
 }
 
