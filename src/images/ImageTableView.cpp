@@ -24,6 +24,8 @@
 #include <boost/make_shared.hpp>
 #include <vtkTableAlgorithm.h>
 
+#include <algorithm>
+
 struct ImageTableView::Impl
 {
   QVBoxLayout* dialogLayout = nullptr;
@@ -108,11 +110,20 @@ struct ImageTableView::Impl
   }
 
   // Selects the cells holding the cases, without sending the selection back to the master.
+  // Cells already selected are left as they are: a pick in the view comes back here as the
+  // cases it selected, and re-selecting would disturb a drag still under way.
   void showCells(const std::vector<unsigned long long>& ascendingIds)
   {
+    const QItemSelection wanted = converter->selectionFromCaseIDs(ascendingIds);
+    QItemSelectionModel& selection = *table->selectionModel();
+    QModelIndexList now = selection.selectedIndexes();
+    QModelIndexList then = wanted.indexes();
+    std::sort(now.begin(), now.end());
+    std::sort(then.begin(), then.end());
+    if (now == then)
+      return;
     synchronizer->endLocalSelectionMonitoring();
-    table->selectionModel()->select(converter->selectionFromCaseIDs(ascendingIds),
-                                    QItemSelectionModel::ClearAndSelect);
+    selection.select(wanted, QItemSelectionModel::ClearAndSelect);
     synchronizer->beginLocalSelectionMonitoring();
   }
 

@@ -148,6 +148,13 @@ TEST_F(ImageTableViewTest, ASelectionToldAsASortedListIsShownUntilTheMasterChang
   EXPECT_EQ(shown(), QColor(Qt::darkRed)) << "the told cases' images first";
   EXPECT_EQ(sent, 0) << "what the view is told is not sent back";
   EXPECT_TRUE(master->getSelections().empty());
+  int cellChanges = 0;
+  const QMetaObject::Connection counted = QObject::connect(view->tableView().selectionModel(),
+                                                           &QItemSelectionModel::selectionChanged,
+                                                           [&] { ++cellChanges; });
+  view->showSelectedCases(std::make_shared<const List>(List{ 2, 3, 6 }));
+  EXPECT_EQ(cellChanges, 0) << "the same cells: left as they are (a drag may be under way)";
+  QObject::disconnect(counted);
 
   properties->dimensionColumnsBy()->setValue(Matrix::ByTag);
   EXPECT_EQ(selectedCells(), (Cases{ 0, 1, 10, 11 })) << "shown again after a rebuild";
