@@ -13,12 +13,68 @@
 
 #include <algorithm>
 #include <cstring>
+#include <mutex>
+#include <unordered_map>
 
 namespace
 {
 
-vtkSmartPointer<vtkTable> casesTable(const Project& project)
+// The projects whose numeric columns VTK arrays show without a copy, one entry per wrapped
+// column, each released when VTK frees that column's buffer. VTK takes a plain function to free
+// a buffer; this is where the function finds whom to let go. Never destroyed: a buffer may be
+// freed by a static object's destructor at exit.
+struct WrappedColumns
 {
+  std::mutex mutex;
+  std::unordered_multimap<const void*, std::shared_ptr<const Project>> owners;
+};
+
+WrappedColumns& wrappedColumns()
+{
+  static auto* columns = new WrappedColumns();
+  return *columns;
+}
+
+void releaseWrappedColumn(void* values)
+{
+  std::shared_ptr<const Project> released; // let go after the lock
+  WrappedColumns& wrapped = wrappedColumns();
+  const std::lock_guard<std::mutex> lock(wrapped.mutex);
+  const auto found = wrapped.owners.find(values);
+  if (found != wrapped.owners.end())
+  {
+    released = std::move(found->second);
+    wrapped.owners.erase(found);
+  }
+}
+
+// A numeric column of the project as a VTK array over the project's own values: a study of ten
+// million cases would otherwise hold every value twice. The project is immutable, and the array's
+// buffer (shared by shallow copies of the pipeline's output, which views may keep after the
+// pipeline is gone) keeps the project alive until VTK frees it; VTK copies the values before it
+// ever grows such a buffer, and nothing writes into a pipeline's input.
+vtkSmartPointer<vtkDoubleArray> projectColumn(const std::vector<double>& values,
+                                              const std::shared_ptr<const Project>& project)
+{
+  auto column = vtkSmartPointer<vtkDoubleArray>::New();
+  if (values.empty())
+    return column;
+  {
+    WrappedColumns& wrapped = wrappedColumns();
+    const std::lock_guard<std::mutex> lock(wrapped.mutex);
+    wrapped.owners.emplace(values.data(), project);
+  }
+  column->SetArray(const_cast<double*>(values.data()),
+                   static_cast<vtkIdType>(values.size()),
+                   0,
+                   vtkAbstractArray::VTK_DATA_ARRAY_USER_DEFINED);
+  column->SetArrayFreeFunction(releaseWrappedColumn);
+  return column;
+}
+
+vtkSmartPointer<vtkTable> casesTable(const std::shared_ptr<const Project>& owner)
+{
+  const Project& project = *owner;
   auto table = vtkSmartPointer<vtkTable>::New();
   const auto& ids = project.caseIds();
   const auto rows = static_cast<vtkIdType>(ids.size());
@@ -35,11 +91,8 @@ vtkSmartPointer<vtkTable> casesTable(const Project& project)
     const Variable variable = handle.lock();
     if (const auto* numbers = project.numericValues(variable))
     {
-      auto column = vtkSmartPointer<vtkDoubleArray>::New();
+      auto column = projectColumn(*numbers, owner);
       column->SetName(variable.name().c_str());
-      column->SetNumberOfValues(rows);
-      if (rows > 0)
-        std::memcpy(column->GetPointer(0), numbers->data(), numbers->size() * sizeof(double));
       table->AddColumn(column);
     }
     else if (const auto* texts = project.textValues(variable))
@@ -110,7 +163,7 @@ DataPipelineManager::DataPipelineManager(std::shared_ptr<const Project> project)
 {
   d->output = vtkSmartPointer<vtkFilteredCasesAlgorithm>::New();
   d->project = project ? std::move(project) : Project::project();
-  d->cases = casesTable(*d->project);
+  d->cases = casesTable(d->project);
   d->output->SetCases(d->cases);
 }
 
@@ -124,7 +177,7 @@ DataPipelineManager::~DataPipelineManager()
 void DataPipelineManager::setProject(std::shared_ptr<const Project> project)
 {
   d->project = project ? std::move(project) : Project::project();
-  d->cases = casesTable(*d->project);
+  d->cases = casesTable(d->project);
   d->entries.clear();
   d->reconnectFilters();
   d->output->SetCases(d->cases);

@@ -16,6 +16,7 @@
 
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace
@@ -146,4 +147,36 @@ TEST(DataPipelineManager, ANewProjectReplacesTheCasesAndDropsTheFilters)
   pipeline.setProject(builder.build());
   EXPECT_TRUE(pipeline.filters().empty());
   EXPECT_EQ(outputCaseIds(pipeline), (std::vector<unsigned long long>{ 1, 2 }));
+}
+
+TEST(DataPipelineManager, OutputsKeptAfterThePipelineReadTheProjectsValuesAndKeepItAlive)
+{
+  std::shared_ptr<const Project> project = study();
+  const std::weak_ptr<const Project> watched = project;
+  auto pipeline = std::make_unique<DataPipelineManager>(project);
+  pipeline->output()->Update();
+  vtkSmartPointer<vtkTable> kept = pipeline->output()->GetOutput();
+  auto* angle = vtkDoubleArray::SafeDownCast(kept->GetColumnByName("angle"));
+  ASSERT_NE(angle, nullptr);
+  EXPECT_EQ(angle->GetPointer(0), project->numericValues(project->variable("angle").lock())->data())
+    << "the project's values, not a copy";
+  auto copy = vtkSmartPointer<vtkTable>::New();
+  copy->ShallowCopy(kept);
+  auto grown = vtkSmartPointer<vtkDoubleArray>::New();
+  grown->ShallowCopy(angle);
+  grown->InsertNextValue(90); // grown into a buffer of its own; the project is untouched
+  EXPECT_EQ(project->numericValues(project->variable("angle").lock())->size(), 6u);
+
+  pipeline.reset();
+  project.reset();
+  kept = nullptr;
+  ASSERT_FALSE(watched.expired()) << "the shallow copy's columns still show the project";
+  auto* shown = vtkDoubleArray::SafeDownCast(copy->GetColumnByName("range"));
+  ASSERT_NE(shown, nullptr);
+  EXPECT_EQ(shown->GetValue(3), 4.0);
+  EXPECT_EQ(grown->GetValue(6), 90.0);
+  EXPECT_EQ(grown->GetValue(5), 30.0);
+
+  copy = nullptr;
+  EXPECT_TRUE(watched.expired()) << "let go with the last array showing it";
 }
