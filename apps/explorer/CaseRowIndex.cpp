@@ -24,22 +24,22 @@ std::vector<unsigned long long> caseIdsOf(vtkTable& table)
   return ids;
 }
 
-void CaseRowIndex::assign(const std::vector<unsigned long long>& caseIds)
+void CaseRowIndex::assign(std::vector<unsigned long long> caseIds)
 {
+  ids = std::move(caseIds);
   rowOfSorted.clear();
-  if (std::is_sorted(caseIds.begin(), caseIds.end()))
-  {
-    sortedIds = caseIds;
+  if (std::is_sorted(ids.begin(), ids.end()))
     return;
-  }
-  rowOfSorted.resize(caseIds.size());
+  rowOfSorted.resize(ids.size());
   std::iota(rowOfSorted.begin(), rowOfSorted.end(), 0);
   std::stable_sort(rowOfSorted.begin(),
                    rowOfSorted.end(),
-                   [&](int a, int b) { return caseIds[std::size_t(a)] < caseIds[std::size_t(b)]; });
-  sortedIds.resize(caseIds.size());
-  for (std::size_t i = 0; i < caseIds.size(); ++i)
-    sortedIds[i] = caseIds[std::size_t(rowOfSorted[i])];
+                   [&](int a, int b) { return ids[std::size_t(a)] < ids[std::size_t(b)]; });
+}
+
+unsigned long long CaseRowIndex::idAt(std::size_t position) const
+{
+  return ids[static_cast<std::size_t>(rowAt(position))];
 }
 
 int CaseRowIndex::rowAt(std::size_t position) const
@@ -50,26 +50,38 @@ int CaseRowIndex::rowAt(std::size_t position) const
 std::vector<int> CaseRowIndex::rowsOf(const std::vector<unsigned long long>& selection) const
 {
   std::vector<int> rows;
-  if (selection.size() < sortedIds.size() / 64)
+  const std::size_t size = ids.size();
+  if (selection.size() < size / 64)
   {
     for (unsigned long long id : selection)
     {
-      auto found = std::lower_bound(sortedIds.begin(), sortedIds.end(), id);
-      for (; found != sortedIds.end() && *found == id; ++found)
-        rows.push_back(rowAt(std::size_t(found - sortedIds.begin())));
+      // The first position whose id is not below `id`.
+      std::size_t low = 0;
+      std::size_t high = size;
+      while (low < high)
+      {
+        const std::size_t middle = low + (high - low) / 2;
+        if (idAt(middle) < id)
+          low = middle + 1;
+        else
+          high = middle;
+      }
+      for (; low < size && idAt(low) == id; ++low)
+        rows.push_back(rowAt(low));
     }
     return rows;
   }
   // Large selections take millions of rows: room for them at once, not grown by doubling.
-  rows.reserve(std::min(selection.size(), sortedIds.size()));
+  rows.reserve(std::min(selection.size(), size));
   auto id = selection.begin();
-  for (std::size_t position = 0; position < sortedIds.size(); ++position)
+  for (std::size_t position = 0; position < size; ++position)
   {
-    while (id != selection.end() && *id < sortedIds[position])
+    const unsigned long long here = idAt(position);
+    while (id != selection.end() && *id < here)
       ++id;
     if (id == selection.end())
       break;
-    if (*id == sortedIds[position])
+    if (*id == here)
       rows.push_back(rowAt(position));
   }
   return rows;

@@ -93,6 +93,7 @@ TEST(CaseRowIndex, FindsTheRowsOfSelectedCasesInAnyRowOrder)
     explorer::CaseRowIndex index;
     index.assign(c.rowIds);
     EXPECT_EQ(index.rowsOf(c.selected), c.rows) << c.rowIds.size();
+    EXPECT_EQ(index.caseIds(), c.rowIds) << "kept in row order";
   }
   // A few cases among many rows are searched for, many are walked to: the same answers.
   std::vector<unsigned long long> ids;

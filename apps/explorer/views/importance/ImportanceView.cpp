@@ -59,7 +59,6 @@ struct ImportanceView::Impl
   std::unique_ptr<ChangesWhileHidden> changes;
 
   // What the figures were computed from: the shown cases and their inputs' columns.
-  std::vector<unsigned long long> caseIds;
   CaseRowIndex rowOfCase;
   vtkSmartPointer<vtkTable> shownTable;
   const double* outputValues = nullptr;
@@ -99,8 +98,7 @@ struct ImportanceView::Impl
     pipeline.output()->Update();
     shownTable = pipeline.output()->GetOutput();
     vtkTable& table = *shownTable;
-    caseIds = caseIdsOf(table);
-    rowOfCase.assign(caseIds);
+    rowOfCase.assign(caseIdsOf(table));
     shown.clear();
     columns.clear();
     categories.clear();
@@ -152,7 +150,7 @@ struct ImportanceView::Impl
              QString::fromStdString(out.name());
       return;
     }
-    shown = importanceOf(outputValues, caseIds.size(), columns);
+    shown = importanceOf(outputValues, rowOfCase.caseIds().size(), columns);
     reselect();
   }
 
@@ -168,7 +166,7 @@ struct ImportanceView::Impl
     if (rows.empty())
       return;
     const std::vector<std::uint32_t> listed(rows.begin(), rows.end());
-    selected = importanceOf(outputValues, caseIds.size(), columns, &listed);
+    selected = importanceOf(outputValues, rowOfCase.caseIds().size(), columns, &listed);
   }
 
   const InputImportance* selectedOf(const std::string& name) const
@@ -209,7 +207,7 @@ struct ImportanceView::Impl
       Qt::AlignLeft | Qt::AlignVCenter,
       "What drives " + QString::fromStdString(out.name()) +
         QString(" (%1 shown cases%2)")
-          .arg(caseIds.size())
+          .arg(rowOfCase.caseIds().size())
           .arg(compare->value() ? QString(", %1 selected in dark").arg(selectedCases) : QString()));
     painter.restore();
     const QFontMetrics metrics = painter.fontMetrics();

@@ -94,8 +94,7 @@ void LinePlotModel::reload(vtkTable& shown,
   if (shown.GetMTime() != shownTime)
   {
     shownTime = shown.GetMTime();
-    ids = caseIdsOf(shown);
-    rowOfCase.assign(ids);
+    rowOfCase.assign(caseIdsOf(shown));
     orderedX.clear();
   }
   curveLook = {};
@@ -118,7 +117,7 @@ void LinePlotModel::buildResponse(vtkTable& shown)
     if (xVariable.isNull())
     {
       // Without X, the cases in their order, as the scatter plot shows them.
-      xValues.resize(ids.size());
+      xValues.resize(caseIds().size());
       std::iota(xValues.begin(), xValues.end(), 1.0);
       xInIntervals = false;
     }
@@ -138,7 +137,7 @@ void LinePlotModel::buildResponse(vtkTable& shown)
       : vtkDoubleArray::SafeDownCast(shown.GetColumnByName(yVariable.name().c_str()));
   const std::vector<double> yCopy =
     yNumbers ? std::vector<double>() : numbersOf(shown, *project, yVariable, nullptr);
-  const Values ys = yNumbers ? Values(yNumbers->GetPointer(0), ids.size()) : Values(yCopy);
+  const Values ys = yNumbers ? Values(yNumbers->GetPointer(0), caseIds().size()) : Values(yCopy);
   std::vector<vtkAbstractArray*> columns;
   for (const auto& handle : settings.linesBy)
   {
@@ -150,7 +149,7 @@ void LinePlotModel::buildResponse(vtkTable& shown)
         curveLook.legendTitle += (curveLook.legendTitle.empty() ? "" : ", ") + variable.name();
       }
   }
-  const LineGroups groups = lineGroups(columns, ids.size());
+  const LineGroups groups = lineGroups(columns, caseIds().size());
   shownCurves =
     responseCurves(xValues, ys, groups, settings.aggregate, settings.band, settings.log, &xOrder);
   curveLook.x.title =
@@ -166,24 +165,24 @@ void LinePlotModel::buildResponse(vtkTable& shown)
 
 void LinePlotModel::readSeries(vtkTable& shown, QObject* context, std::function<void()> arrived)
 {
-  colourOfRow.assign(ids.size(), NAN);
+  colourOfRow.assign(caseIds().size(), NAN);
   const Variable colourVariable = settings.colour.lock();
   if (!colourVariable.isNull())
     if (auto* numbers =
           vtkDoubleArray::SafeDownCast(shown.GetColumnByName(colourVariable.name().c_str())))
     {
       const auto [low, high] = colourVariable.range();
-      for (std::size_t row = 0; row < ids.size(); ++row)
+      for (std::size_t row = 0; row < caseIds().size(); ++row)
       {
         const double value = numbers->GetValue(static_cast<vtkIdType>(row));
         if (!std::isnan(value))
           colourOfRow[row] = high > low ? static_cast<float>((value - low) / (high - low)) : 0.5f;
       }
     }
-  seriesPaths.assign(ids.size(), std::string());
-  for (std::size_t row = 0; row < ids.size(); ++row)
+  seriesPaths.assign(caseIds().size(), std::string());
+  for (std::size_t row = 0; row < caseIds().size(); ++row)
   {
-    const Record record = project->record(ids[row]).lock();
+    const Record record = project->record(caseIds()[row]).lock();
     if (record.isNull())
       continue;
     for (const auto& handle : record.auxFiles())
@@ -198,7 +197,7 @@ void LinePlotModel::readSeries(vtkTable& shown, QObject* context, std::function<
   }
   series.request(seriesPaths, context, std::move(arrived));
   shownCurves = {};
-  seriesTaken.assign(ids.size(), 0);
+  seriesTaken.assign(caseIds().size(), 0);
   seriesXName = settings.seriesX;
   seriesYName = settings.seriesY;
   takeInSeries();
@@ -210,7 +209,7 @@ void LinePlotModel::takeInSeries()
     return;
   const std::array<QRgb, 256>& colours = colourScale();
   waiting = 0;
-  for (std::size_t row = 0; row < ids.size(); ++row)
+  for (std::size_t row = 0; row < caseIds().size(); ++row)
   {
     if (seriesPaths[row].empty() || seriesTaken[row])
       continue;
@@ -221,7 +220,7 @@ void LinePlotModel::takeInSeries()
       continue;
     }
     seriesTaken[row] = 1;
-    const std::string caseName = "case " + std::to_string(ids[row]);
+    const std::string caseName = "case " + std::to_string(caseIds()[row]);
     if (!entry->table)
     {
       seriesProblems.push_back(caseName + ": " + entry->error);
@@ -256,7 +255,7 @@ void LinePlotModel::takeInSeries()
 
 void LinePlotModel::select(const std::vector<unsigned long long>& caseIds)
 {
-  selected.assign(ids.size(), 0);
+  selected.assign(rowOfCase.caseIds().size(), 0);
   const std::vector<int> rows = rowOfCase.rowsOf(caseIds);
   for (int row : rows)
     selected[static_cast<std::size_t>(row)] = 1;

@@ -70,7 +70,7 @@ public:
   void select(const std::vector<unsigned long long>& caseIds);
 
   const CurveSet& curves() const { return shownCurves; }
-  const std::vector<unsigned long long>& caseIds() const { return ids; }
+  const std::vector<unsigned long long>& caseIds() const { return rowOfCase.caseIds(); }
   const std::vector<char>& selectedRows() const { return selected; }
   std::size_t selectedCount() const { return selectedCases; }
   /// The axes' titles and categories, each curve's colour, and the legend.
@@ -94,7 +94,6 @@ private:
 
   // The shown cases, in the pipeline's row order, as of the pipeline's output at shownTime.
   vtkMTimeType shownTime = 0;
-  std::vector<unsigned long long> ids;
   CaseRowIndex rowOfCase;
   // The values of X (orderedX) for the shown cases, a text X's categories, and the rows in X
   // order; kept while X and the shown cases stay, so that a new Y or new groups cost no sort.

@@ -98,8 +98,8 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
                  variable,
                  std::find(logAxes.begin(), logAxes.end(), variable) != logAxes.end()));
 
-  ids = caseIdsOf(shown);
-  rowOfCase.assign(ids);
+  rowOfCase.assign(caseIdsOf(shown));
+  const std::vector<unsigned long long>& ids = rowOfCase.caseIds();
 
   colours.assign(ids.size(), missing);
   const Variable colourVariable = colour.lock();

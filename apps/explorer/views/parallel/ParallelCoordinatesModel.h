@@ -58,7 +58,7 @@ public:
   void select(const std::vector<unsigned long long>& caseIds);
 
   const std::vector<ParallelAxis>& axes() const { return axesShown; }
-  const std::vector<unsigned long long>& caseIds() const { return ids; }
+  const std::vector<unsigned long long>& caseIds() const { return rowOfCase.caseIds(); }
   /// Each line's place on the colour scale, from 0 to 1; NaN without a colour value.
   const std::vector<float>& colour() const { return colours; }
   const std::vector<int>& selectedRows() const { return selected; }
@@ -69,7 +69,6 @@ public:
 
 private:
   std::vector<ParallelAxis> axesShown;
-  std::vector<unsigned long long> ids;
   std::vector<float> colours;
   CaseRowIndex rowOfCase;
   std::vector<int> selected;

@@ -32,7 +32,7 @@ void ScatterPlot3DModel::reload(vtkTable& shown,
       : vtkDoubleArray::SafeDownCast(shown.GetColumnByName(colourVariable.name().c_str()));
   hasColour = colourColumn != nullptr;
   const std::vector<unsigned long long> all = caseIdsOf(shown);
-  ids.clear();
+  std::vector<unsigned long long> ids;
   points.clear();
   colours.clear();
   const bool complete = columns[0] && columns[1] && columns[2];
@@ -53,7 +53,7 @@ void ScatterPlot3DModel::reload(vtkTable& shown,
     colours.push_back(colourColumn ? static_cast<float>(colourColumn->GetValue(row))
                                    : std::numeric_limits<float>::quiet_NaN());
   }
-  pointOfCase.assign(ids);
+  pointOfCase.assign(std::move(ids));
   selectedPoints.clear();
 }
 

@@ -39,7 +39,7 @@ public:
   /// The points of the selected cases.
   void select(const std::vector<unsigned long long>& caseIds);
 
-  const std::vector<unsigned long long>& caseIds() const { return ids; }
+  const std::vector<unsigned long long>& caseIds() const { return pointOfCase.caseIds(); }
   const std::vector<Point>& positions() const { return points; }
   /// Each point's colour value; NaN without one, and everywhere without a colour variable.
   const std::vector<float>& colour() const { return colours; }
@@ -60,7 +60,6 @@ public:
   static std::pair<double, double> niceRange(std::pair<double, double> range);
 
 private:
-  std::vector<unsigned long long> ids;
   std::vector<Point> points;
   std::vector<float> colours;
   bool hasColour = false;

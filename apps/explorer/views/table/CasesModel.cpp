@@ -41,8 +41,7 @@ void CasesModel::reload()
   pipeline.output()->Update();
   table = vtkSmartPointer<vtkTable>::New();
   table->ShallowCopy(pipeline.output()->GetOutput());
-  caseIds = caseIdsOf(*table);
-  rowOfCase.assign(caseIds);
+  rowOfCase.assign(caseIdsOf(*table));
   arrange();
   endResetModel();
 }
@@ -109,7 +108,7 @@ void CasesModel::sortBy(int column, bool descending)
 
 unsigned long long CasesModel::caseOfRow(int row) const
 {
-  return caseIds[static_cast<std::size_t>(tableRow(row))];
+  return rowOfCase.caseIds()[static_cast<std::size_t>(tableRow(row))];
 }
 
 std::vector<unsigned long long> CasesModel::sortedCases() const
@@ -117,12 +116,13 @@ std::vector<unsigned long long> CasesModel::sortedCases() const
   std::vector<unsigned long long> ids;
   ids.reserve(order.size());
   for (std::size_t row : order)
-    ids.push_back(caseIds[row]);
+    ids.push_back(rowOfCase.caseIds()[row]);
   return ids;
 }
 
 unsigned long long CasesModel::largestCaseId() const
 {
+  const auto& caseIds = rowOfCase.caseIds();
   return caseIds.empty() ? 0 : *std::max_element(caseIds.begin(), caseIds.end());
 }
 

@@ -61,7 +61,6 @@ private:
 
   const DataPipelineManagerInterface& pipeline;
   vtkSmartPointer<vtkTable> table;
-  std::vector<unsigned long long> caseIds;
   CaseRowIndex rowOfCase;
   int sortColumn = -1;
   bool sortDescending = false;
