@@ -32,10 +32,16 @@ void ScatterPlot3DModel::reload(vtkTable& shown,
       : vtkDoubleArray::SafeDownCast(shown.GetColumnByName(colourVariable.name().c_str()));
   hasColour = colourColumn != nullptr;
   const std::vector<unsigned long long> all = caseIdsOf(shown);
-  std::vector<unsigned long long> ids;
-  points.clear();
-  colours.clear();
   const bool complete = columns[0] && columns[1] && columns[2];
+  // Room for every shown row at once: grown by doubling, ten million points would keep room for
+  // 16.7 million.
+  const auto rows = complete ? static_cast<std::size_t>(shown.GetNumberOfRows()) : 0;
+  std::vector<unsigned long long> ids;
+  ids.reserve(rows);
+  points = {};
+  points.reserve(rows);
+  colours = {};
+  colours.reserve(rows);
   for (vtkIdType row = 0; complete && row < shown.GetNumberOfRows(); ++row)
   {
     Point at{};

@@ -25,6 +25,7 @@
 #include <vtkScalarBarActor.h>
 #include <vtkStringArray.h>
 #include <vtkTextProperty.h>
+#include <vtkTypeInt32Array.h>
 
 #include <algorithm>
 #include <numeric>
@@ -45,12 +46,14 @@ vtkSmartPointer<vtkPolyData> pointCloud(const std::array<float, 3>* at,
   points->SetNumberOfPoints(n);
   for (vtkIdType i = 0; i < n; ++i)
     points->SetPoint(i, at[i].data());
-  auto offsets = vtkSmartPointer<vtkIdTypeArray>::New();
+  // One vertex per point, numbered in 32 bits (a cloud has fewer than two billion points): half
+  // the bytes of VTK's 64-bit ids, which cost more than the points themselves.
+  auto offsets = vtkSmartPointer<vtkTypeInt32Array>::New();
   offsets->SetNumberOfValues(n + 1);
-  auto connectivity = vtkSmartPointer<vtkIdTypeArray>::New();
+  auto connectivity = vtkSmartPointer<vtkTypeInt32Array>::New();
   connectivity->SetNumberOfValues(n);
-  std::iota(offsets->GetPointer(0), offsets->GetPointer(0) + n + 1, vtkIdType(0));
-  std::iota(connectivity->GetPointer(0), connectivity->GetPointer(0) + n, vtkIdType(0));
+  std::iota(offsets->GetPointer(0), offsets->GetPointer(0) + n + 1, vtkTypeInt32(0));
+  std::iota(connectivity->GetPointer(0), connectivity->GetPointer(0) + n, vtkTypeInt32(0));
   auto vertices = vtkSmartPointer<vtkCellArray>::New();
   vertices->SetData(offsets, connectivity);
   auto cloud = vtkSmartPointer<vtkPolyData>::New();
