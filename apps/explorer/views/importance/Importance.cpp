@@ -127,6 +127,7 @@ void orderOf(const double* values,
   std::vector<std::uint64_t>& keys = scratch.keys;
   std::vector<std::uint64_t>& sorted = scratch.sorted;
   keys.clear();
+  keys.reserve(rows);
   for (std::size_t row = 0; row < rows; ++row)
     if (!std::isnan(values[row]))
       keys.push_back((sortKey(values[row]) & 0xffffffff00000000ULL) | row);
