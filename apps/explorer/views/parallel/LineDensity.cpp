@@ -41,7 +41,7 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
     {
       const float at = position[rows ? static_cast<std::size_t>((*rows)[i]) : i];
       const double y = std::clamp(std::isnan(at) ? missingY : y0 + at * slope, 0.0, lowest);
-      binOfLine[i] = static_cast<std::uint16_t>(static_cast<int>(y + 0.5) / binHeight);
+      binOfLine[i] = static_cast<std::uint16_t>(static_cast<int>(std::floor(y + 0.5)) / binHeight);
     }
   };
   std::vector<float> count(static_cast<std::size_t>(w) * h, 0.f);
