@@ -43,6 +43,8 @@
 
 #include <charconv>
 #include <set>
+#include <string>
+#include <string_view>
 
 namespace explorer
 {
@@ -128,9 +130,24 @@ std::vector<Variant> pageValues(const Project& project, const Matrix& properties
   const Variable variable = properties.pageVar()->value().lock();
   if (variable.isNull())
     return values;
+  // Read from the study's columns: a handle per record is a gigabyte of them at ten million.
   std::set<Variant> distinct;
-  for (const auto& record : project.records())
-    distinct.insert(record.lock().data(variable));
+  if (const auto* numbers = project.numericValues(variable))
+  {
+    for (double number : *numbers)
+      distinct.insert(Variant(number));
+  }
+  else if (const auto* texts = project.textValues(variable))
+  {
+    const std::set<std::string_view> words(texts->begin(), texts->end());
+    for (std::string_view word : words)
+      distinct.insert(Variant(std::string(word)));
+  }
+  else
+  {
+    for (const auto& record : project.records())
+      distinct.insert(record.lock().data(variable));
+  }
   return { distinct.begin(), distinct.end() };
 }
 
