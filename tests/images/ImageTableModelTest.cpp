@@ -51,6 +51,35 @@ protected:
   std::shared_ptr<ImageTableModel> grid;
 };
 
+// A grid over a study built in memory, rows and columns by the named variables; the study is
+// the current project while the grid lives.
+struct GridOver
+{
+  GridOver(std::shared_ptr<const Project> study,
+           const std::string& rows,
+           const std::string& columns)
+    : project(std::move(study))
+    , pipeline(project)
+  {
+    Project::setProject(project);
+    properties->rowVar()->setValue(project->variable(rows));
+    properties->columnVar()->setValue(project->variable(columns));
+    grid = std::make_unique<ImageTableModel>(pipeline.output(), properties);
+  }
+  ~GridOver()
+  {
+    grid.reset();
+    Project::setProject(nullptr);
+  }
+  GridOver(const GridOver&) = delete;
+  GridOver& operator=(const GridOver&) = delete;
+
+  std::shared_ptr<const Project> project;
+  DataPipelineManager pipeline;
+  std::shared_ptr<Matrix> properties = std::make_shared<Matrix>();
+  std::unique_ptr<ImageTableModel> grid;
+};
+
 } // namespace
 
 TEST_F(ImageGrid, WithoutVariablesOneCellHoldsEveryCase)
@@ -190,13 +219,8 @@ TEST(ImageGridIndex, CellsOfASelectionAreTheCellsHoldingItsCases)
   builder.setCaseIds(ids);
   builder.addNumericVariable("a", a);
   builder.addNumericVariable("b", b);
-  const auto project = builder.build();
-  Project::setProject(project);
-  DataPipelineManager pipeline(project);
-  auto properties = std::make_shared<ImageMatrixViewProperties>();
-  properties->rowVar()->setValue(project->variable("a"));
-  properties->columnVar()->setValue(project->variable("b"));
-  ImageTableModel grid(pipeline.output(), properties);
+  const GridOver over(builder.build(), "a", "b");
+  const ImageTableModel& grid = *over.grid;
   ASSERT_EQ(grid.rowCount() * grid.columnCount(), 20);
 
   const auto scanned = [&](const std::set<unsigned long long>& selection)
@@ -224,7 +248,6 @@ TEST(ImageGridIndex, CellsOfASelectionAreTheCellsHoldingItsCases)
     const std::vector<unsigned long long> sorted(selection.begin(), selection.end());
     EXPECT_EQ(grid.cellsOf(sorted), scanned(selection)) << selection.size() << " as a list";
   }
-  Project::setProject(nullptr);
 }
 
 TEST(ImageGridValues, AxesGroupValuesAsVariantsCompareWhateverTheOrderOfTheIds)
@@ -250,13 +273,10 @@ TEST(ImageGridValues, AxesGroupValuesAsVariantsCompareWhateverTheOrderOfTheIds)
     builder.setCaseIds(ids);
     builder.addNumericVariable("x", xs);
     builder.addTextVariable("m", ms);
-    const auto project = builder.build();
-    Project::setProject(project);
-    DataPipelineManager pipeline(project);
-    auto properties = std::make_shared<ImageMatrixViewProperties>();
-    properties->columnVar()->setValue(project->variable("x"));
-    properties->rowVar()->setValue(project->variable("m"));
-    ImageTableModel grid(pipeline.output(), properties);
+    const GridOver over(builder.build(), "m", "x");
+    const ImageTableModel& grid = *over.grid;
+    const auto& project = over.project;
+    const auto& properties = over.properties;
 
     // Both zeros are one column, every NaN one column after the numbers; texts byte by byte.
     ASSERT_EQ(grid.columnCount(), 4) << ids[1];
@@ -289,6 +309,5 @@ TEST(ImageGridValues, AxesGroupValuesAsVariantsCompareWhateverTheOrderOfTheIds)
     ASSERT_EQ(grid.rowCount(), 7);
     EXPECT_EQ(grid.rowValue(6), Variant(7ull));
     EXPECT_EQ(grid.casesAt(6, 0), (Cases{ 7 }));
-    Project::setProject(nullptr);
   }
 }
