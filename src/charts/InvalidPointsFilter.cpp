@@ -62,9 +62,17 @@ inline bool isNaN(double value)
   return (bits & 0x7FFFFFFFFFFFFFFFULL) > 0x7FF0000000000000ULL;
 }
 
+// Every row of the input, in order: what is kept when no row is invalid, without a list of them.
+struct AllRows
+{
+  std::size_t count;
+  std::size_t size() const { return count; }
+  vtkIdType operator[](std::size_t row) const { return static_cast<vtkIdType>(row); }
+};
+
 // Gathers the kept rows of one column into the output column, per column type.
-template<typename ArrayT>
-void gather(ArrayT& input, ArrayT& output, const std::vector<vtkIdType>& rows)
+template<typename ArrayT, typename Rows>
+void gather(ArrayT& input, ArrayT& output, const Rows& rows)
 {
   for (std::size_t out = 0; out < rows.size(); ++out)
   {
@@ -72,8 +80,8 @@ void gather(ArrayT& input, ArrayT& output, const std::vector<vtkIdType>& rows)
   }
 }
 
-template<typename ArrayT>
-void gatherAs(vtkAbstractArray* input, vtkAbstractArray* output, const std::vector<vtkIdType>& rows)
+template<typename ArrayT, typename Rows>
+void gatherAs(vtkAbstractArray* input, vtkAbstractArray* output, const Rows& rows)
 {
   auto* in = ArrayT::SafeDownCast(input);
   auto* out = ArrayT::SafeDownCast(output);
@@ -101,6 +109,61 @@ void gatherSingleComponent(vtkAbstractArray* input,
   {
     target[row] = source[rows[row]];
   }
+}
+
+// Whether a column is copied value by value (the types above); others only get the row count.
+bool copiedType(const vtkAbstractArray& column)
+{
+  switch (column.GetDataType())
+  {
+    case VTK_BIT:
+    case VTK_CHAR:
+    case VTK_STRING:
+      return true;
+    case VTK_DOUBLE:
+    case VTK_INT:
+      return column.GetNumberOfComponents() == 1;
+    default:
+      return false;
+  }
+}
+
+// When every row is valid, the output's copied columns hold the input's values: the numbers and
+// chars share the input's buffers (a plot of ten million points would otherwise copy each of its
+// columns on every change of axis), bits and texts are copied whole, and the columns of other
+// types get the row count only, as when rows are dropped.
+void passEveryRow(vtkTable& input, vtkTable& output, vtkIdType rows)
+{
+  const AllRows all{ static_cast<std::size_t>(rows) };
+  for (vtkIdType c = 0; c < input.GetNumberOfColumns(); ++c)
+  {
+    vtkAbstractArray* in = input.GetColumn(c);
+    vtkAbstractArray* out = output.GetColumn(c);
+    const bool copied = copiedType(*in);
+    if (copied && in->GetDataType() != VTK_BIT && in->GetDataType() != VTK_STRING)
+    {
+      vtkDataArray::SafeDownCast(out)->ShallowCopy(vtkDataArray::SafeDownCast(in));
+      continue;
+    }
+    out->SetNumberOfTuples(rows);
+    if (in->GetDataType() == VTK_BIT)
+      gatherAs<vtkBitArray>(in, out, all);
+    else if (in->GetDataType() == VTK_STRING)
+      gatherAs<vtkStringArray>(in, out, all);
+  }
+}
+
+// Whether every column of the table has exactly its rows (columns of a table built by hand may
+// be longer).
+bool evenColumns(vtkTable& table, vtkIdType rows)
+{
+  for (vtkIdType c = 0; c < table.GetNumberOfColumns(); ++c)
+  {
+    vtkAbstractArray* column = table.GetColumn(c);
+    if (!column || column->GetNumberOfTuples() != rows)
+      return false;
+  }
+  return true;
 }
 
 } // namespace
@@ -206,6 +269,11 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
       if (mask->GetValue(row) == 0)
         valid[static_cast<std::size_t>(row)] = 0;
     }
+  }
+  if (std::find(valid.begin(), valid.end(), 0) == valid.end() && evenColumns(*input, rows))
+  {
+    passEveryRow(*input, *output, rows);
+    return 1;
   }
   std::vector<vtkIdType> kept;
   kept.reserve(static_cast<std::size_t>(rows));

@@ -108,6 +108,41 @@ TEST_F(InvalidPoints, DropsRowsWithNaNInTheChosenDoubleColumnsAndKeepsInfinities
   EXPECT_EQ(ratio->GetNumberOfTuples(), 2) << "...with the output's rows, but is not filled";
 }
 
+TEST_F(InvalidPoints, WhenNoRowIsDroppedTheNumbersAreTheInputsOwnAndOtherTypesStillUncopied)
+{
+  auto filter = InvalidPointsFilter::New({ property("x"), property("y") });
+  auto table = fourRows({ 1, 2, inf, 4 }, { 4, 5, 6, 7 });
+  auto pairs = column<vtkDoubleArray, double>("pairs", { 1, 2, 3, 4, 5, 6, 7, 8 });
+  pairs->SetNumberOfComponents(2);
+  table->AddColumn(pairs);
+  vtkTable* output = run(*filter, table);
+  ASSERT_EQ(caseIds(output), (std::vector<int>{ 10, 11, 12, 13 }));
+  ASSERT_EQ(output->GetNumberOfColumns(), 9);
+  for (const char* name : { "case_id", "x", "y", "grade", "count" })
+  {
+    EXPECT_EQ(output->GetColumnByName(name)->GetVoidPointer(0),
+              table->GetColumnByName(name)->GetVoidPointer(0))
+      << name << " is the input's values, not a copy";
+  }
+  EXPECT_EQ(vtkStringArray::SafeDownCast(output->GetColumnByName("label"))->GetValue(3), "d");
+  EXPECT_EQ(vtkBitArray::SafeDownCast(output->GetColumnByName("failed"))->GetValue(3), 1);
+  for (const char* name : { "ratio", "pairs" })
+  {
+    vtkAbstractArray* uncopied = output->GetColumnByName(name);
+    ASSERT_NE(uncopied, nullptr) << name;
+    EXPECT_EQ(uncopied->GetNumberOfTuples(), 4) << name << " has the rows...";
+    EXPECT_NE(uncopied->GetVoidPointer(0), table->GetColumnByName(name)->GetVoidPointer(0))
+      << "...but not the input's values";
+  }
+
+  // A column longer than the table's rows gets the rows only, here as when rows are dropped.
+  auto uneven = fourRows({ 1, 2, 3, 4 }, { 1, 2, 3, 4 });
+  vtkIntArray::SafeDownCast(uneven->GetColumnByName("count"))->InsertNextValue(9);
+  output = run(*filter, uneven);
+  EXPECT_EQ(output->GetColumnByName("count")->GetNumberOfTuples(), 4);
+  EXPECT_EQ(vtkIntArray::SafeDownCast(output->GetColumnByName("count"))->GetValue(3), 8);
+}
+
 TEST_F(InvalidPoints, TheMaskColumnMarksRowsInvalidAndIsCopiedToo)
 {
   auto filter = InvalidPointsFilter::New({ property("x") });
