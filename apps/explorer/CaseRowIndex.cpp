@@ -9,22 +9,35 @@
 namespace explorer
 {
 
-std::vector<unsigned long long> caseIdsOf(vtkTable& table)
+CaseIds::CaseIds(vtkTable& table)
 {
   const auto rows = static_cast<std::size_t>(table.GetNumberOfRows());
+  vtkAbstractArray* found = table.GetColumnByName("case_id");
+  auto* typed = vtkTypeUInt64Array::SafeDownCast(found);
+  if (typed && typed->GetNumberOfComponents() == 1 &&
+      static_cast<std::size_t>(typed->GetNumberOfValues()) >= rows)
+  {
+    column = typed;
+    first = rows > 0 ? typed->GetPointer(0) : nullptr;
+    count = rows;
+    return;
+  }
   std::vector<unsigned long long> ids(rows);
-  vtkAbstractArray* column = table.GetColumnByName("case_id");
-  if (auto* typed = vtkTypeUInt64Array::SafeDownCast(column))
-    std::copy(typed->GetPointer(0), typed->GetPointer(0) + rows, ids.begin());
-  else if (column)
-    for (std::size_t row = 0; row < rows; ++row)
-      ids[row] = column->GetVariantValue(static_cast<vtkIdType>(row)).ToTypeUInt64();
-  else
-    std::iota(ids.begin(), ids.end(), 0ULL);
-  return ids;
+  std::iota(ids.begin(), ids.end(), 0ULL);
+  const auto values = found ? static_cast<std::size_t>(found->GetNumberOfValues()) : 0;
+  for (std::size_t row = 0; row < std::min(rows, values); ++row)
+    ids[row] = found->GetVariantValue(static_cast<vtkIdType>(row)).ToTypeUInt64();
+  *this = CaseIds(std::move(ids));
 }
 
-void CaseRowIndex::assign(std::vector<unsigned long long> caseIds)
+CaseIds::CaseIds(std::vector<unsigned long long> ids)
+  : owned(std::make_shared<const std::vector<unsigned long long>>(std::move(ids)))
+  , first(owned->data())
+  , count(owned->size())
+{
+}
+
+void CaseRowIndex::assign(CaseIds caseIds)
 {
   ids = std::move(caseIds);
   rowOfSorted.clear();

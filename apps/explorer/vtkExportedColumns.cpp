@@ -103,7 +103,7 @@ int vtkExportedColumns::RequestData(vtkInformation*,
       output->AddColumn(renamed(column, exportedName(variable.name(), role)));
   }
 
-  const std::vector<unsigned long long> ids = caseIdsOf(*input);
+  const CaseIds ids(*input);
   const std::filesystem::path folder =
     this->ExportFolder.empty() ? std::filesystem::path()
                                : std::filesystem::path(this->ExportFolder).lexically_normal();

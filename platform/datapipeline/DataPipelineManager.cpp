@@ -12,7 +12,6 @@
 #include <vtkTypeUInt64Array.h>
 
 #include <algorithm>
-#include <cstring>
 #include <mutex>
 #include <unordered_map>
 
@@ -48,15 +47,17 @@ void releaseWrappedColumn(void* values)
   }
 }
 
-// A numeric column of the project as a VTK array over the project's own values: a study of ten
-// million cases would otherwise hold every value twice. The project is immutable, and the array's
-// buffer (shared by shallow copies of the pipeline's output, which views may keep after the
-// pipeline is gone) keeps the project alive until VTK frees it; VTK copies the values before it
-// ever grows such a buffer, and nothing writes into a pipeline's input.
-vtkSmartPointer<vtkDoubleArray> projectColumn(const std::vector<double>& values,
-                                              const std::shared_ptr<const Project>& project)
+// A column of the project's numbers (its case ids, a numeric variable) as a VTK array over the
+// project's own values: a study of ten million cases would otherwise hold every value twice. The
+// project is immutable, and the array's buffer (shared by shallow copies of the pipeline's
+// output, which views may keep after the pipeline is gone) keeps the project alive until VTK
+// frees it; VTK copies the values before it ever grows such a buffer, and nothing writes into a
+// pipeline's input.
+template<typename ArrayT, typename T>
+vtkSmartPointer<ArrayT> projectColumn(const std::vector<T>& values,
+                                      const std::shared_ptr<const Project>& project)
 {
-  auto column = vtkSmartPointer<vtkDoubleArray>::New();
+  auto column = vtkSmartPointer<ArrayT>::New();
   if (values.empty())
     return column;
   {
@@ -64,10 +65,10 @@ vtkSmartPointer<vtkDoubleArray> projectColumn(const std::vector<double>& values,
     const std::lock_guard<std::mutex> lock(wrapped.mutex);
     wrapped.owners.emplace(values.data(), project);
   }
-  column->SetArray(const_cast<double*>(values.data()),
+  column->SetArray(const_cast<T*>(values.data()),
                    static_cast<vtkIdType>(values.size()),
                    0,
-                   vtkAbstractArray::VTK_DATA_ARRAY_USER_DEFINED);
+                   ArrayT::VTK_DATA_ARRAY_USER_DEFINED);
   column->SetArrayFreeFunction(releaseWrappedColumn);
   return column;
 }
@@ -79,11 +80,8 @@ vtkSmartPointer<vtkTable> casesTable(const std::shared_ptr<const Project>& owner
   const auto& ids = project.caseIds();
   const auto rows = static_cast<vtkIdType>(ids.size());
 
-  auto caseIds = vtkSmartPointer<vtkTypeUInt64Array>::New();
+  auto caseIds = projectColumn<vtkTypeUInt64Array>(ids, owner);
   caseIds->SetName("case_id");
-  caseIds->SetNumberOfValues(rows);
-  if (rows > 0)
-    std::memcpy(caseIds->GetPointer(0), ids.data(), ids.size() * sizeof(ids[0]));
   table->AddColumn(caseIds);
 
   for (const auto& handle : project.variables())
@@ -91,7 +89,7 @@ vtkSmartPointer<vtkTable> casesTable(const std::shared_ptr<const Project>& owner
     const Variable variable = handle.lock();
     if (const auto* numbers = project.numericValues(variable))
     {
-      auto column = projectColumn(*numbers, owner);
+      auto column = projectColumn<vtkDoubleArray>(*numbers, owner);
       column->SetName(variable.name().c_str());
       table->AddColumn(column);
     }

@@ -8,6 +8,10 @@
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <vtkDoubleArray.h>
+#include <vtkIntArray.h>
+#include <vtkTable.h>
+#include <vtkTypeUInt64Array.h>
 
 #include <limits>
 
@@ -91,16 +95,18 @@ TEST(CaseRowIndex, FindsTheRowsOfSelectedCasesInAnyRowOrder)
   for (const auto& c : cases)
   {
     explorer::CaseRowIndex index;
-    index.assign(c.rowIds);
+    index.assign(explorer::CaseIds(c.rowIds));
     EXPECT_EQ(index.rowsOf(c.selected), c.rows) << c.rowIds.size();
-    EXPECT_EQ(index.caseIds(), c.rowIds) << "kept in row order";
+    const explorer::CaseIds& kept = index.caseIds();
+    EXPECT_EQ(std::vector<unsigned long long>(kept.begin(), kept.end()), c.rowIds)
+      << "kept in row order";
   }
   // A few cases among many rows are searched for, many are walked to: the same answers.
   std::vector<unsigned long long> ids;
   for (unsigned long long i = 0; i < 1000; ++i)
     ids.push_back((i * 7919) % 1000 * 3);
   explorer::CaseRowIndex index;
-  index.assign(ids);
+  index.assign(explorer::CaseIds(ids));
   const std::vector<unsigned long long> few = { 0, 3, 4, 2997 };
   std::vector<unsigned long long> many;
   for (unsigned long long id = 0; id < 3000; id += 2)
@@ -114,5 +120,60 @@ TEST(CaseRowIndex, FindsTheRowsOfSelectedCasesInAnyRowOrder)
         if (ids[row] == id)
           expected.push_back(static_cast<int>(row));
     EXPECT_EQ(index.rowsOf(*selected), expected) << selected->size();
+  }
+}
+
+TEST(CaseIds, ReadInPlaceFromAnUnsignedColumnOutlivingItsTableCopiedFromOthers)
+{
+  using Ids = std::vector<unsigned long long>;
+  const auto idsOf = [](const explorer::CaseIds& ids) { return Ids(ids.begin(), ids.end()); };
+  const unsigned long long top = std::numeric_limits<unsigned long long>::max();
+  const auto tableOf = [](std::initializer_list<vtkSmartPointer<vtkAbstractArray>> columns)
+  {
+    auto table = vtkSmartPointer<vtkTable>::New();
+    for (const auto& column : columns)
+      table->AddColumn(column);
+    return table;
+  };
+  const auto named = [](auto array, const char* name, std::initializer_list<double> values)
+  {
+    array->SetName(name);
+    for (double value : values)
+      array->InsertNextTuple1(value);
+    return vtkSmartPointer<vtkAbstractArray>(array);
+  };
+
+  auto unsignedIds = vtkSmartPointer<vtkTypeUInt64Array>::New();
+  unsignedIds->SetName("case_id");
+  for (unsigned long long id : { 5ULL, top, 7ULL })
+    unsignedIds->InsertNextValue(id);
+  auto table = tableOf({ unsignedIds });
+  const explorer::CaseIds inPlace(*table);
+  table = nullptr;
+  EXPECT_EQ(inPlace.begin(), unsignedIds->GetPointer(0)) << "the column's own values";
+  unsignedIds = nullptr;
+  EXPECT_EQ(idsOf(inPlace), (Ids{ 5, top, 7 })) << "kept alive by the ids";
+  const explorer::CaseIds shared = inPlace;
+  EXPECT_EQ(shared.begin(), inPlace.begin()) << "copies share";
+
+  const struct
+  {
+    const char* what;
+    vtkSmartPointer<vtkTable> table;
+    Ids expected;
+  } copied[] = {
+    { "ints",
+      tableOf({ named(vtkSmartPointer<vtkIntArray>::New(), "case_id", { 3, 4, 5 }) }),
+      { 3, 4, 5 } },
+    { "no case_id: row numbers",
+      tableOf({ named(vtkSmartPointer<vtkDoubleArray>::New(), "x", { 9, 9, 9 }) }),
+      { 0, 1, 2 } },
+    { "an empty table", vtkSmartPointer<vtkTable>::New(), {} },
+  };
+  for (const auto& c : copied)
+  {
+    const explorer::CaseIds ids(*c.table);
+    EXPECT_EQ(idsOf(ids), c.expected) << c.what;
+    EXPECT_EQ(ids.size(), c.expected.size()) << c.what;
   }
 }

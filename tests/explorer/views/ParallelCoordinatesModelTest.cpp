@@ -84,7 +84,9 @@ TEST(ParallelCoordinatesModel, PlacesEachCaseOnEachAxis)
   // A filter: the shown cases change, a category keeps its place.
   lines.pipeline->setRangeFilter(lines.project->variable("speed"), 4, 20);
   lines.read({ "speed", "material" }, "");
-  ASSERT_EQ(lines.model.caseIds(), (std::vector<unsigned long long>{ 20, 30 }));
+  const explorer::CaseIds& ids = lines.model.caseIds();
+  ASSERT_EQ(std::vector<unsigned long long>(ids.begin(), ids.end()),
+            (std::vector<unsigned long long>{ 20, 30 }));
   EXPECT_FLOAT_EQ(lines.model.axes()[1].position[1], 0.0f) << "lead stays at the bottom";
   lines.model.select({ 30, 10 });
   EXPECT_EQ(lines.model.selectedRows(), std::vector<int>{ 1 }) << "case 10 is filtered out";

@@ -36,7 +36,10 @@ TEST(ScatterPlot3DModel, PointsInTheBoxOnRoundAxes)
   model.reload(*pipeline.output()->GetOutput(),
                { project->variable("u"), project->variable("v"), project->variable("w") },
                {});
-  ASSERT_EQ(model.caseIds(), (std::vector<unsigned long long>{ 1, 3 })) << "case 2 has no v";
+  const explorer::CaseIds& ids = model.caseIds();
+  ASSERT_EQ(std::vector<unsigned long long>(ids.begin(), ids.end()),
+            (std::vector<unsigned long long>{ 1, 3 }))
+    << "case 2 has no v";
   EXPECT_FLOAT_EQ(model.positions()[1][0], 1.0f);
   EXPECT_FLOAT_EQ(model.positions()[0][2], 0.5f) << "a constant in the middle of the box";
   EXPECT_FALSE(model.coloured());

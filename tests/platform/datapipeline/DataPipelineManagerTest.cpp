@@ -160,6 +160,9 @@ TEST(DataPipelineManager, OutputsKeptAfterThePipelineReadTheProjectsValuesAndKee
   ASSERT_NE(angle, nullptr);
   EXPECT_EQ(angle->GetPointer(0), project->numericValues(project->variable("angle").lock())->data())
     << "the project's values, not a copy";
+  auto* caseIds = vtkTypeUInt64Array::SafeDownCast(kept->GetColumnByName("case_id"));
+  ASSERT_NE(caseIds, nullptr);
+  EXPECT_EQ(caseIds->GetPointer(0), project->caseIds().data()) << "the ids too";
   auto copy = vtkSmartPointer<vtkTable>::New();
   copy->ShallowCopy(kept);
   auto grown = vtkSmartPointer<vtkDoubleArray>::New();
@@ -176,7 +179,12 @@ TEST(DataPipelineManager, OutputsKeptAfterThePipelineReadTheProjectsValuesAndKee
   EXPECT_EQ(shown->GetValue(3), 4.0);
   EXPECT_EQ(grown->GetValue(6), 90.0);
   EXPECT_EQ(grown->GetValue(5), 30.0);
+  auto idsOnly = vtkSmartPointer<vtkTable>::New();
+  idsOnly->AddColumn(copy->GetColumnByName("case_id"));
 
   copy = nullptr;
+  ASSERT_FALSE(watched.expired()) << "the ids alone still show the project";
+  EXPECT_EQ(idsOnly->GetValueByName(5, "case_id").ToTypeUInt64(), 18446744073709551615ULL);
+  idsOnly = nullptr;
   EXPECT_TRUE(watched.expired()) << "let go with the last array showing it";
 }

@@ -98,7 +98,7 @@ struct ImportanceView::Impl
     pipeline.output()->Update();
     shownTable = pipeline.output()->GetOutput();
     vtkTable& table = *shownTable;
-    rowOfCase.assign(caseIdsOf(table));
+    rowOfCase.assign(CaseIds(table));
     shown.clear();
     columns.clear();
     categories.clear();

@@ -94,7 +94,7 @@ void LinePlotModel::reload(vtkTable& shown,
   if (shown.GetMTime() != shownTime)
   {
     shownTime = shown.GetMTime();
-    rowOfCase.assign(caseIdsOf(shown));
+    rowOfCase.assign(CaseIds(shown));
     orderedX.clear();
   }
   curveLook = {};

@@ -70,7 +70,7 @@ public:
   void select(const std::vector<unsigned long long>& caseIds);
 
   const CurveSet& curves() const { return shownCurves; }
-  const std::vector<unsigned long long>& caseIds() const { return rowOfCase.caseIds(); }
+  const CaseIds& caseIds() const { return rowOfCase.caseIds(); }
   const std::vector<char>& selectedRows() const { return selected; }
   std::size_t selectedCount() const { return selectedCases; }
   /// The axes' titles and categories, each curve's colour, and the legend.

@@ -98,8 +98,8 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
                  variable,
                  std::find(logAxes.begin(), logAxes.end(), variable) != logAxes.end()));
 
-  rowOfCase.assign(caseIdsOf(shown));
-  const std::vector<unsigned long long>& ids = rowOfCase.caseIds();
+  rowOfCase.assign(CaseIds(shown));
+  const CaseIds& ids = rowOfCase.caseIds();
 
   colours.assign(ids.size(), missing);
   const Variable colourVariable = colour.lock();

@@ -58,7 +58,7 @@ public:
   void select(const std::vector<unsigned long long>& caseIds);
 
   const std::vector<ParallelAxis>& axes() const { return axesShown; }
-  const std::vector<unsigned long long>& caseIds() const { return rowOfCase.caseIds(); }
+  const CaseIds& caseIds() const { return rowOfCase.caseIds(); }
   /// Each line's place on the colour scale, from 0 to 1; NaN without a colour value.
   const std::vector<float>& colour() const { return colours; }
   const std::vector<int>& selectedRows() const { return selected; }

@@ -204,7 +204,7 @@ std::vector<int> ScatterPlotModel::rowsOfCases(
     for (std::size_t row = 0; row < caseIds.size(); ++row)
       d->keys->caseIdOf(static_cast<unsigned long long>(keys->GetValue(vtkIdType(row))),
                         caseIds[row]);
-    d->rowOfCase.assign(std::move(caseIds));
+    d->rowOfCase.assign(CaseIds(std::move(caseIds)));
     d->rowIndexStale = false;
   }
   return d->rowOfCase.rowsOf(sortedCaseIds);

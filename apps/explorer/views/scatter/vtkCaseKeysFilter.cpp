@@ -44,7 +44,7 @@ int vtkCaseKeysFilter::RequestData(vtkInformation*,
   vtkTable* input = vtkTable::GetData(inputVector[0], 0);
   vtkTable* output = vtkTable::GetData(outputVector, 0);
   auto table = vtkSmartPointer<vtkTable>::New();
-  const std::vector<unsigned long long> ids = caseIdsOf(*input);
+  const CaseIds ids(*input);
   auto keys = vtkSmartPointer<vtkIntArray>::New();
   keys->SetName(keyColumnName);
   keys->SetNumberOfValues(static_cast<vtkIdType>(ids.size()));

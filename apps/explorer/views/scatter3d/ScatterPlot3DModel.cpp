@@ -31,13 +31,15 @@ void ScatterPlot3DModel::reload(vtkTable& shown,
       ? nullptr
       : vtkDoubleArray::SafeDownCast(shown.GetColumnByName(colourVariable.name().c_str()));
   hasColour = colourColumn != nullptr;
-  const std::vector<unsigned long long> all = caseIdsOf(shown);
+  CaseIds all(shown);
   const bool complete = columns[0] && columns[1] && columns[2];
   // Room for every shown row at once: grown by doubling, ten million points would keep room for
   // 16.7 million.
   const auto rows = complete ? static_cast<std::size_t>(shown.GetNumberOfRows()) : 0;
+  // The ids of the points: the shown rows' own while no row lacks a value, a list of them once
+  // one does.
   std::vector<unsigned long long> ids;
-  ids.reserve(rows);
+  bool everyRow = true;
   points = {};
   points.reserve(rows);
   colours = {};
@@ -53,13 +55,22 @@ void ScatterPlot3DModel::reload(vtkTable& shown,
       at[a] = static_cast<float>((value - ranges[a].first) / (ranges[a].second - ranges[a].first));
     }
     if (!valid)
+    {
+      if (everyRow)
+      {
+        everyRow = false;
+        ids.reserve(rows);
+        ids.assign(all.begin(), all.begin() + row);
+      }
       continue;
-    ids.push_back(all[static_cast<std::size_t>(row)]);
+    }
+    if (!everyRow)
+      ids.push_back(all[static_cast<std::size_t>(row)]);
     points.push_back(at);
     colours.push_back(colourColumn ? static_cast<float>(colourColumn->GetValue(row))
                                    : std::numeric_limits<float>::quiet_NaN());
   }
-  pointOfCase.assign(std::move(ids));
+  pointOfCase.assign(everyRow && complete ? std::move(all) : CaseIds(std::move(ids)));
   selectedPoints.clear();
 }
 

@@ -39,7 +39,7 @@ public:
   /// The points of the selected cases.
   void select(const std::vector<unsigned long long>& caseIds);
 
-  const std::vector<unsigned long long>& caseIds() const { return pointOfCase.caseIds(); }
+  const CaseIds& caseIds() const { return pointOfCase.caseIds(); }
   const std::vector<Point>& positions() const { return points; }
   /// Each point's colour value; NaN without one, and everywhere without a colour variable.
   const std::vector<float>& colour() const { return colours; }

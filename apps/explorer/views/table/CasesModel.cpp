@@ -41,7 +41,7 @@ void CasesModel::reload()
   pipeline.output()->Update();
   table = vtkSmartPointer<vtkTable>::New();
   table->ShallowCopy(pipeline.output()->GetOutput());
-  rowOfCase.assign(caseIdsOf(*table));
+  rowOfCase.assign(CaseIds(*table));
   arrange();
   endResetModel();
 }
