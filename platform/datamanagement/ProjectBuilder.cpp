@@ -193,11 +193,9 @@ std::shared_ptr<const Project> ProjectBuilder::build()
     const unsigned long long caseId = data->caseIds[row];
     if (!ascending && !data->recordByCaseId.emplace(caseId, row).second)
       throw std::invalid_argument("duplicate case id " + std::to_string(caseId));
-    RecordData& record = data->records[row];
-    record.id = nextId++;
-    record.caseId = caseId;
-    record.row = row;
   }
+  data->firstRecordId = nextId;
+  nextId += rows;
 
   data->caseIdVariable.id = nextId++;
   data->caseIdVariable.name = caseIdName;
@@ -282,22 +280,22 @@ std::shared_ptr<const Project> ProjectBuilder::build()
       lastTags = std::make_shared<const std::vector<std::string>>(std::move(file.tags));
     }
     aux.tags = lastTags;
-    ++data->records[row].fileCount;
     rowOfFile.push_back(row);
     data->auxFiles.push_back(std::move(aux));
   }
-  std::size_t first = 0;
-  for (RecordData& record : data->records)
+  // The files of each record, record after record: counted, summed, then placed.
+  if (!rowOfFile.empty())
   {
-    record.firstFile = first;
-    first += record.fileCount;
-    record.fileCount = 0;
-  }
-  data->filesOfRecords.resize(first);
-  for (std::size_t file = 0; file < rowOfFile.size(); ++file)
-  {
-    RecordData& record = data->records[rowOfFile[file]];
-    data->filesOfRecords[record.firstFile + record.fileCount++] = file;
+    std::vector<std::size_t>& first = data->firstFileOfRecord;
+    first.assign(rows + 1, 0);
+    for (const std::size_t row : rowOfFile)
+      ++first[row + 1];
+    for (std::size_t row = 0; row < rows; ++row)
+      first[row + 1] += first[row];
+    std::vector<std::size_t> placed(first.begin(), first.end() - 1);
+    data->filesOfRecords.resize(rowOfFile.size());
+    for (std::size_t file = 0; file < rowOfFile.size(); ++file)
+      data->filesOfRecords[placed[rowOfFile[file]]++] = file;
   }
   data->tags.assign(allTags.begin(), allTags.end());
   for (auto& [name, tags] : groups)
@@ -363,8 +361,8 @@ std::shared_ptr<const Project> ProjectBuilder::withColumns(
     data->variableByName.emplace(data->variables[v].name, v);
 
   unsigned long long nextId = nextIdBlock.fetch_add(1) << 32;
-  for (auto& record : data->records)
-    record.id = ++nextId;
+  data->firstRecordId = nextId + 1;
+  nextId += data->records.size();
   data->caseIdVariable.id = ++nextId;
   for (auto& variable : data->variables)
     variable.id = ++nextId;

@@ -36,14 +36,10 @@ struct VariableData
   const Project* project = nullptr;
 };
 
+// A record is its place among the project's records (its row); what else it has, the project
+// holds by row: ten million cases keep one pointer each.
 struct RecordData
 {
-  unsigned long long id = 0;
-  unsigned long long caseId = 0;
-  std::size_t row = 0;
-  // The record's files: ProjectData::filesOfRecords[firstFile, firstFile + fileCount).
-  std::size_t firstFile = 0;
-  std::size_t fileCount = 0;
   const Project* project = nullptr;
 };
 
@@ -77,9 +73,14 @@ struct ProjectData
   std::vector<VariableData> variables;
   VariableData caseIdVariable;
   std::vector<RecordData> records;
+  // The records' ids, one after the other from the first record's.
+  unsigned long long firstRecordId = 0;
   std::vector<AuxFileData> auxFiles;
-  // The indices in auxFiles of the files of each record, record after record.
+  // The indices in auxFiles of the files of each record, record after record; the files of the
+  // record of row r are those from firstFileOfRecord[r] to firstFileOfRecord[r + 1]. Empty in a
+  // study without files.
   std::vector<std::size_t> filesOfRecords;
+  std::vector<std::size_t> firstFileOfRecord;
   std::vector<TagGroupData> tagGroups;
   std::vector<unsigned long long> caseIds;
   std::vector<std::string> tags;
@@ -100,6 +101,12 @@ struct ProjectData
     return found == caseIds.end() || *found != caseId ? npos : std::size_t(found - caseIds.begin());
   }
   static constexpr std::size_t npos = std::size_t(-1);
+
+  /// The row of a record of this project.
+  std::size_t rowOf(const RecordData& record) const
+  {
+    return static_cast<std::size_t>(&record - records.data());
+  }
 };
 
 /// A handle sharing the ownership of whatever `owner` shares (the project), pointing at `item`.

@@ -7,12 +7,22 @@
 
 unsigned long long Record::id() const
 {
-  return d ? d->id : 0;
+  if (!d)
+  {
+    return 0;
+  }
+  const ProjectData& data = d->project->data();
+  return data.firstRecordId + data.rowOf(*d);
 }
 
 unsigned long long Record::caseId() const
 {
-  return d ? d->caseId : 0;
+  if (!d)
+  {
+    return 0;
+  }
+  const ProjectData& data = d->project->data();
+  return data.caseIds[data.rowOf(*d)];
 }
 
 Variant Record::data(const Variable& variable) const
@@ -22,16 +32,18 @@ Variant Record::data(const Variable& variable) const
   {
     return {};
   }
+  const ProjectData& data = d->project->data();
+  const std::size_t row = data.rowOf(*d);
   if (v->column == VariableData::caseIdColumn)
   {
-    return Variant(d->caseId);
+    return Variant(data.caseIds[row]);
   }
-  const ValueColumn& column = d->project->data().columns[v->column];
+  const ValueColumn& column = data.columns[v->column];
   if (column.isText)
   {
-    return Variant(column.texts[d->row]);
+    return Variant(column.texts[row]);
   }
-  return Variant(column.numbers[d->row]);
+  return Variant(column.numbers[row]);
 }
 
 Variant Record::data(const WeakPtr<Variable>& variable) const
@@ -47,8 +59,15 @@ std::vector<WeakPtr<AuxFile>> Record::auxFiles() const
     return files;
   }
   const ProjectData& data = d->project->data();
-  files.reserve(d->fileCount);
-  for (std::size_t i = d->firstFile; i < d->firstFile + d->fileCount; ++i)
+  if (data.firstFileOfRecord.empty())
+  {
+    return files;
+  }
+  const std::size_t row = data.rowOf(*d);
+  const std::size_t first = data.firstFileOfRecord[row];
+  const std::size_t end = data.firstFileOfRecord[row + 1];
+  files.reserve(end - first);
+  for (std::size_t i = first; i < end; ++i)
   {
     files.emplace_back(aliasHandle<AuxFile>(d, data.auxFiles[data.filesOfRecords[i]]));
   }

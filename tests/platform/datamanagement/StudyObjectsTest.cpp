@@ -160,6 +160,60 @@ TEST(StudyObjects, CasesAndTheirFilesAreFoundWhateverTheOrderOfTheIds)
   }
 }
 
+TEST(StudyObjects, EveryObjectHasItsOwnIdAndACopyWithOtherColumnsKeepsTheCasesAndFiles)
+{
+  ProjectBuilder builder;
+  builder.setFolder("/s");
+  builder.setCaseIds({ 5, 3, 9 });
+  builder.addNumericVariable("x", { 1, 2, 3 });
+  builder.addTextVariable("t", { "a", "b", "c" });
+  builder.addAuxFile(9, "nine.png", { "x" });
+  builder.addAuxFile(5, "five.png", { "x" });
+  const auto project = builder.build();
+  const auto copy = ProjectBuilder::withColumns(*project, { "t" }, { { "y", { 7, 8, 9 } } });
+
+  std::set<unsigned long long> ids;
+  std::size_t objects = 0;
+  for (const auto* study : { project.get(), copy.get() })
+  {
+    const auto add = [&](unsigned long long id)
+    {
+      EXPECT_NE(id, 0u);
+      ids.insert(id);
+      ++objects;
+    };
+    for (const auto& record : study->records())
+      add(record.id());
+    for (const auto& variable : study->variables())
+      add(variable.id());
+    add(study->caseIdVariable().id());
+    for (const auto& file : study->auxFiles())
+      add(file.id());
+  }
+  EXPECT_EQ(ids.size(), objects) << "records, variables and files of both studies, all apart";
+
+  const auto casesOf = [](const Project& study, const char* variable)
+  {
+    std::vector<std::string> cases;
+    for (std::size_t row = 0; row < study.numberOfRecords(); ++row)
+    {
+      const Record record = study.recordAt(row).lock();
+      std::string files;
+      for (const auto& file : record.auxFiles())
+        files += " " + file.lock().relativePath();
+      cases.push_back(std::to_string(record.caseId()) + " " +
+                      record.data(study.variable(variable)).toString() + files + " " +
+                      std::to_string(study.record(record.caseId()).lock().id() == record.id()));
+    }
+    return cases;
+  };
+  EXPECT_EQ(casesOf(*project, "t"),
+            (std::vector<std::string>{ "5 a five.png 1", "3 b 1", "9 c nine.png 1" }));
+  EXPECT_EQ(casesOf(*copy, "y"),
+            (std::vector<std::string>{ "5 7 five.png 1", "3 8 1", "9 9 nine.png 1" }));
+  EXPECT_EQ(copy->auxFiles().at(0).lock().record().lock().caseId(), 9u);
+}
+
 TEST(StudyObjects, RowsOfAscendingIdsAndRecordsOfRows)
 {
   using Ids = std::vector<unsigned long long>;
