@@ -1,5 +1,6 @@
 #include "datapipeline/DataPipelineManager.h"
 
+#include "common_vtk/vtkArrayOver.h"
 #include "datamanagement/Project.h"
 #include "datapipeline/RangeFilter.h"
 #include "datapipeline/vtkFilteredCasesAlgorithm.h"
@@ -12,65 +13,19 @@
 #include <vtkTypeUInt64Array.h>
 
 #include <algorithm>
-#include <mutex>
-#include <unordered_map>
 
 namespace
 {
 
-// The projects whose numeric columns VTK arrays show without a copy, one entry per wrapped
-// column, each released when VTK frees that column's buffer. VTK takes a plain function to free
-// a buffer; this is where the function finds whom to let go. Never destroyed: a buffer may be
-// freed by a static object's destructor at exit.
-struct WrappedColumns
-{
-  std::mutex mutex;
-  std::unordered_multimap<const void*, std::shared_ptr<const Project>> owners;
-};
-
-WrappedColumns& wrappedColumns()
-{
-  static auto* columns = new WrappedColumns();
-  return *columns;
-}
-
-void releaseWrappedColumn(void* values)
-{
-  std::shared_ptr<const Project> released; // let go after the lock
-  WrappedColumns& wrapped = wrappedColumns();
-  const std::lock_guard<std::mutex> lock(wrapped.mutex);
-  const auto found = wrapped.owners.find(values);
-  if (found != wrapped.owners.end())
-  {
-    released = std::move(found->second);
-    wrapped.owners.erase(found);
-  }
-}
-
 // A column of the project's numbers (its case ids, a numeric variable) as a VTK array over the
 // project's own values: a study of ten million cases would otherwise hold every value twice. The
-// project is immutable, and the array's buffer (shared by shallow copies of the pipeline's
-// output, which views may keep after the pipeline is gone) keeps the project alive until VTK
-// frees it; VTK copies the values before it ever grows such a buffer, and nothing writes into a
-// pipeline's input.
+// project is immutable and nothing writes into a pipeline's input; the array keeps the project
+// alive, since views may keep the pipeline's output after the pipeline is gone.
 template<typename ArrayT, typename T>
 vtkSmartPointer<ArrayT> projectColumn(const std::vector<T>& values,
                                       const std::shared_ptr<const Project>& project)
 {
-  auto column = vtkSmartPointer<ArrayT>::New();
-  if (values.empty())
-    return column;
-  {
-    WrappedColumns& wrapped = wrappedColumns();
-    const std::lock_guard<std::mutex> lock(wrapped.mutex);
-    wrapped.owners.emplace(values.data(), project);
-  }
-  column->SetArray(const_cast<T*>(values.data()),
-                   static_cast<vtkIdType>(values.size()),
-                   0,
-                   ArrayT::VTK_DATA_ARRAY_USER_DEFINED);
-  column->SetArrayFreeFunction(releaseWrappedColumn);
-  return column;
+  return vtkArrayOver<ArrayT>(values.data(), static_cast<vtkIdType>(values.size()), 1, project);
 }
 
 vtkSmartPointer<vtkTable> casesTable(const std::shared_ptr<const Project>& owner)

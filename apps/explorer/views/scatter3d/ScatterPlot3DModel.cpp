@@ -40,9 +40,10 @@ void ScatterPlot3DModel::reload(vtkTable& shown,
   // one does.
   std::vector<unsigned long long> ids;
   bool everyRow = true;
-  points = {};
+  auto fresh = std::make_shared<Cloud>();
+  std::vector<Point>& points = fresh->points;
+  std::vector<float>& colours = fresh->colours;
   points.reserve(rows);
-  colours = {};
   colours.reserve(rows);
   for (vtkIdType row = 0; complete && row < shown.GetNumberOfRows(); ++row)
   {
@@ -70,6 +71,7 @@ void ScatterPlot3DModel::reload(vtkTable& shown,
     colours.push_back(colourColumn ? static_cast<float>(colourColumn->GetValue(row))
                                    : std::numeric_limits<float>::quiet_NaN());
   }
+  cloud = std::move(fresh);
   pointOfCase.assign(everyRow && complete ? std::move(all) : CaseIds(std::move(ids)));
   selectedPoints.clear();
 }

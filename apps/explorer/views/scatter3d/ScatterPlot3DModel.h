@@ -6,6 +6,7 @@
 #include "datamanagement/WeakPtr.h"
 
 #include <array>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -40,9 +41,12 @@ public:
   void select(const std::vector<unsigned long long>& caseIds);
 
   const CaseIds& caseIds() const { return pointOfCase.caseIds(); }
-  const std::vector<Point>& positions() const { return points; }
+  const std::vector<Point>& positions() const { return cloud->points; }
   /// Each point's colour value; NaN without one, and everywhere without a colour variable.
-  const std::vector<float>& colour() const { return colours; }
+  const std::vector<float>& colour() const { return cloud->colours; }
+  /// What holds the positions and colours, for arrays that draw them in place; each reload
+  /// makes new ones and leaves the old to whoever still holds them.
+  std::shared_ptr<const void> valuesOwner() const { return cloud; }
   bool coloured() const { return hasColour; }
   const std::vector<int>& selected() const { return selectedPoints; }
   /// An axis's range (round numbers) and its labels, from the first to the last.
@@ -60,8 +64,12 @@ public:
   static std::pair<double, double> niceRange(std::pair<double, double> range);
 
 private:
-  std::vector<Point> points;
-  std::vector<float> colours;
+  struct Cloud
+  {
+    std::vector<Point> points;
+    std::vector<float> colours;
+  };
+  std::shared_ptr<const Cloud> cloud = std::make_shared<const Cloud>();
   bool hasColour = false;
   std::array<std::pair<double, double>, 3> ranges{};
   CaseRowIndex pointOfCase;
@@ -72,6 +80,7 @@ template<typename Visit>
 void ScatterPlot3DModel::project(const Projection& projection, Visit visit) const
 {
   const auto& e = projection.matrix;
+  const std::vector<Point>& points = cloud->points;
   for (std::size_t i = 0; i < points.size(); ++i)
   {
     const Point& p = points[i];

@@ -4,6 +4,8 @@
 #include "VtkFonts.h"
 #include "views/DrawingPolicy.h"
 
+#include "common_vtk/vtkArrayOver.h"
+
 #include <QVTKOpenGLNativeWidget.h>
 #include <vtkActor.h>
 #include <vtkCamera.h>
@@ -28,6 +30,7 @@
 #include <vtkTypeInt32Array.h>
 
 #include <algorithm>
+#include <memory>
 #include <numeric>
 
 namespace explorer
@@ -36,18 +39,12 @@ namespace explorer
 namespace
 {
 
-// A polydata of `n` points from `at`, each a vertex, with optional scalars.
-vtkSmartPointer<vtkPolyData> pointCloud(const std::array<float, 3>* at,
-                                        const float* scalars,
-                                        vtkIdType n)
+static_assert(sizeof(std::array<float, 3>) == 3 * sizeof(float), "points are read as floats");
+
+// Each point as a vertex, numbered in 32 bits (a cloud has fewer than two billion points): half
+// the bytes of VTK's 64-bit ids, which cost more than the points themselves.
+vtkSmartPointer<vtkCellArray> verticesOf(vtkIdType n)
 {
-  auto points = vtkSmartPointer<vtkPoints>::New();
-  points->SetDataTypeToFloat();
-  points->SetNumberOfPoints(n);
-  for (vtkIdType i = 0; i < n; ++i)
-    points->SetPoint(i, at[i].data());
-  // One vertex per point, numbered in 32 bits (a cloud has fewer than two billion points): half
-  // the bytes of VTK's 64-bit ids, which cost more than the points themselves.
   auto offsets = vtkSmartPointer<vtkTypeInt32Array>::New();
   offsets->SetNumberOfValues(n + 1);
   auto connectivity = vtkSmartPointer<vtkTypeInt32Array>::New();
@@ -56,24 +53,45 @@ vtkSmartPointer<vtkPolyData> pointCloud(const std::array<float, 3>* at,
   std::iota(connectivity->GetPointer(0), connectivity->GetPointer(0) + n, vtkTypeInt32(0));
   auto vertices = vtkSmartPointer<vtkCellArray>::New();
   vertices->SetData(offsets, connectivity);
+  return vertices;
+}
+
+// A polydata of `n` points from `at`, each a vertex (of `vertices` when given: pieces of one
+// size share theirs), with optional scalars. Points and scalars are read in place, kept by
+// `owner`: the model already holds every point of a cloud of ten million.
+vtkSmartPointer<vtkPolyData> pointCloud(const std::array<float, 3>* at,
+                                        const float* scalars,
+                                        vtkIdType n,
+                                        const std::shared_ptr<const void>& owner,
+                                        vtkSmartPointer<vtkCellArray> vertices = nullptr)
+{
+  auto points = vtkSmartPointer<vtkPoints>::New();
+  points->SetData(vtkArrayOver<vtkFloatArray>(n > 0 ? at->data() : nullptr, n, 3, owner));
   auto cloud = vtkSmartPointer<vtkPolyData>::New();
   cloud->SetPoints(points);
-  cloud->SetVerts(vertices);
+  cloud->SetVerts(vertices ? vertices : verticesOf(n));
   if (scalars)
-  {
-    auto values = vtkSmartPointer<vtkFloatArray>::New();
-    values->SetNumberOfValues(n);
-    std::copy(scalars, scalars + n, values->GetPointer(0));
-    cloud->GetPointData()->SetScalars(values);
-  }
+    cloud->GetPointData()->SetScalars(vtkArrayOver<vtkFloatArray>(scalars, n, 1, owner));
   return cloud;
 }
 
-vtkSmartPointer<vtkPolyData> pointCloud(const std::vector<std::array<float, 3>>& at,
+// A cloud of points (and colour values) of its own.
+vtkSmartPointer<vtkPolyData> pointCloud(std::vector<std::array<float, 3>> at,
                                         const std::vector<float>* scalars)
 {
-  return pointCloud(
-    at.data(), scalars ? scalars->data() : nullptr, static_cast<vtkIdType>(at.size()));
+  struct Owned
+  {
+    std::vector<std::array<float, 3>> at;
+    std::vector<float> scalars;
+  };
+  auto owned = std::make_shared<Owned>();
+  owned->at = std::move(at);
+  if (scalars)
+    owned->scalars = *scalars;
+  return pointCloud(owned->at.data(),
+                    scalars ? owned->scalars.data() : nullptr,
+                    static_cast<vtkIdType>(owned->at.size()),
+                    owned);
 }
 
 // Software OpenGL (llvmpipe) bins every point of a draw before its threads rasterise them: a
@@ -275,11 +293,18 @@ void ScatterPlot3DScene::show(const ScatterPlot3DModel& model,
   const auto& positions = model.positions();
   const float* colours = model.coloured() ? model.colour().data() : nullptr;
   d->allPoints.clear();
+  const auto owner = model.valuesOwner();
+  const vtkSmartPointer<vtkCellArray> pieceVertices =
+    positions.size() >= pointsPerPiece ? verticesOf(pointsPerPiece) : nullptr;
   for (std::size_t first = 0; first < positions.size(); first += pointsPerPiece)
-    d->allPoints.push_back(
-      pointCloud(positions.data() + first,
-                 colours ? colours + first : nullptr,
-                 static_cast<vtkIdType>(std::min(pointsPerPiece, positions.size() - first))));
+  {
+    const std::size_t n = std::min(pointsPerPiece, positions.size() - first);
+    d->allPoints.push_back(pointCloud(positions.data() + first,
+                                      colours ? colours + first : nullptr,
+                                      static_cast<vtkIdType>(n),
+                                      owner,
+                                      n == pointsPerPiece ? pieceVertices : nullptr));
+  }
   d->sampledPoints = nullptr;
   if (positions.size() > drawing::sampledWhileTurningAbove)
   {
@@ -291,7 +316,7 @@ void ScatterPlot3DScene::show(const ScatterPlot3DModel& model,
       sample.push_back(positions[i]);
       sampleColour.push_back(model.colour()[i]);
     }
-    d->sampledPoints = pointCloud(sample, colours ? &sampleColour : nullptr);
+    d->sampledPoints = pointCloud(std::move(sample), colours ? &sampleColour : nullptr);
   }
   d->coloured = model.coloured();
   vtkPolyDataMapper::SafeDownCast(d->fill->GetMapper())->SetScalarVisibility(d->coloured);
@@ -324,7 +349,7 @@ void ScatterPlot3DScene::showSelection(const ScatterPlot3DModel& model)
   }
   // Past a number of points they are drawn small and dark, without their colour.
   const bool ringed = model.selected().size() <= drawing::ringedSelectionUpTo;
-  auto cloud = pointCloud(at, &values);
+  auto cloud = pointCloud(std::move(at), &values);
   vtkPolyDataMapper::SafeDownCast(d->ring->GetMapper())->SetInputData(cloud);
   vtkPolyDataMapper::SafeDownCast(d->fill->GetMapper())->SetInputData(cloud);
   d->ring->GetProperty()->SetPointSize(ringed ? 11 : 4);
