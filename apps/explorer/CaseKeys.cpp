@@ -9,6 +9,16 @@ namespace explorer
 {
 
 CaseKeys::CaseKeys(std::vector<unsigned long long> caseIds)
+  : CaseKeys(CaseIds(std::move(caseIds)))
+{
+}
+
+CaseKeys::CaseKeys(const Project& project)
+  : CaseKeys(CaseIds(project))
+{
+}
+
+CaseKeys::CaseKeys(CaseIds caseIds)
   : ids(std::move(caseIds))
 {
   for (std::size_t i = 1; i < ids.size(); ++i)
@@ -22,11 +32,6 @@ CaseKeys::CaseKeys(std::vector<unsigned long long> caseIds)
     for (std::size_t key = 0; key < ids.size(); ++key)
       keyOfId.emplace(ids[key], static_cast<std::uint32_t>(key));
   }
-}
-
-CaseKeys::CaseKeys(const Project& project)
-  : CaseKeys(project.caseIds())
-{
 }
 
 bool CaseKeys::caseIdOf(unsigned long long key, unsigned long long& caseId) const
@@ -43,9 +48,9 @@ bool CaseKeys::keyOf(unsigned long long caseId, unsigned long long& key) const
     return false;
   if (sequential)
   {
-    if (caseId < ids.front() || caseId - ids.front() >= ids.size())
+    if (caseId < ids[0] || caseId - ids[0] >= ids.size())
       return false;
-    key = caseId - ids.front();
+    key = caseId - ids[0];
     return true;
   }
   if (sorted)

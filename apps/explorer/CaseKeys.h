@@ -1,5 +1,7 @@
 #pragma once
 
+#include "CaseRowIndex.h"
+
 #include <cstdint>
 #include <unordered_map>
 #include <vector>
@@ -21,7 +23,9 @@ class CaseKeys
 public:
   CaseKeys() = default;
   explicit CaseKeys(std::vector<unsigned long long> caseIds);
+  /// The study's own ids, read in place.
   explicit CaseKeys(const Project& project);
+  explicit CaseKeys(CaseIds caseIds);
 
   std::size_t size() const { return ids.size(); }
   /// The case of a key; a key beyond the study gives false.
@@ -30,7 +34,7 @@ public:
   bool keyOf(unsigned long long caseId, unsigned long long& key) const;
 
 private:
-  std::vector<unsigned long long> ids;
+  CaseIds ids;
   // Sequential ids convert by an offset; sorted ones by a search; others through a table.
   bool sequential = true;
   bool sorted = true;

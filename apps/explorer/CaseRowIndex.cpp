@@ -1,5 +1,7 @@
 #include "CaseRowIndex.h"
 
+#include "datamanagement/Project.h"
+
 #include <vtkTable.h>
 #include <vtkTypeUInt64Array.h>
 
@@ -31,9 +33,17 @@ CaseIds::CaseIds(vtkTable& table)
 }
 
 CaseIds::CaseIds(std::vector<unsigned long long> ids)
-  : owned(std::make_shared<const std::vector<unsigned long long>>(std::move(ids)))
-  , first(owned->data())
-  , count(owned->size())
+{
+  auto owned = std::make_shared<const std::vector<unsigned long long>>(std::move(ids));
+  first = owned->data();
+  count = owned->size();
+  owner = std::move(owned);
+}
+
+CaseIds::CaseIds(const Project& study)
+  : owner(study.shared_from_this())
+  , first(study.caseIds().data())
+  , count(study.caseIds().size())
 {
 }
 

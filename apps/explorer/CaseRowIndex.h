@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+class Project;
 class vtkAbstractArray;
 class vtkTable;
 
@@ -16,13 +17,14 @@ namespace explorer
 /// "case_id" column when it holds unsigned 64-bit numbers (the column is kept alive, and the
 /// pipeline never writes a column it has handed out): every view reads the same column, and a
 /// copy per view is 80 MB at ten million runs. Other columns are copied, and a table without one
-/// numbers its rows. Copies share the ids.
+/// numbers its rows. A study's ids are read in place too, the study kept. Copies share the ids.
 class CaseIds
 {
 public:
   CaseIds() = default;
   explicit CaseIds(vtkTable& table);
   explicit CaseIds(std::vector<unsigned long long> ids);
+  explicit CaseIds(const Project& study);
 
   const unsigned long long* begin() const { return first; }
   const unsigned long long* end() const { return first + count; }
@@ -32,7 +34,7 @@ public:
 
 private:
   vtkSmartPointer<vtkAbstractArray> column;
-  std::shared_ptr<const std::vector<unsigned long long>> owned;
+  std::shared_ptr<const void> owner;
   const unsigned long long* first = nullptr;
   std::size_t count = 0;
 };

@@ -5,6 +5,8 @@
 #include "CaseOrder.h"
 #include "CaseRowIndex.h"
 #include "MasterSelection.h"
+#include "datamanagement/Project.h"
+#include "datamanagement/ProjectBuilder.h"
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
@@ -155,6 +157,16 @@ TEST(CaseIds, ReadInPlaceFromAnUnsignedColumnOutlivingItsTableCopiedFromOthers)
   EXPECT_EQ(idsOf(inPlace), (Ids{ 5, top, 7 })) << "kept alive by the ids";
   const explorer::CaseIds shared = inPlace;
   EXPECT_EQ(shared.begin(), inPlace.begin()) << "copies share";
+
+  ProjectBuilder builder;
+  builder.setCaseIds({ 4, top });
+  std::shared_ptr<const Project> study = builder.build();
+  const std::weak_ptr<const Project> watched = study;
+  const explorer::CaseIds ofStudy(*study);
+  EXPECT_EQ(ofStudy.begin(), study->caseIds().data()) << "the study's own ids";
+  study.reset();
+  ASSERT_FALSE(watched.expired()) << "kept by its ids";
+  EXPECT_EQ(idsOf(ofStudy), (Ids{ 4, top }));
 
   const struct
   {
