@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -37,6 +38,25 @@ TEST(Importance, OrderOfValuesLeavesOutMissingOnesAndKeepsTiesInRowOrder)
   ASSERT_EQ(order.size(), many.size());
   for (std::size_t i = 1; i < order.size(); ++i)
     ASSERT_LT(many[order[i - 1]], many[order[i]]) << i;
+
+  // Values alike in their upper bits (sorted by the values alone, or by one pass of the two),
+  // and many ties among missing values: the order of a stable sort.
+  std::vector<double> ties;
+  for (int i = 0; i < 20000; ++i)
+    ties.push_back(i % 13 == 0 ? missing : std::round((i * 7919 % 1000) / 7.0) - 70);
+  for (const auto& values : { std::vector<double>{ 1 + 3e-12, 1 + 2e-12, 1 + 1e-12, missing, 1 },
+                              std::vector<double>{ 1.05, 1.01, 1.03, 1.0, 1.01 },
+                              ties })
+  {
+    std::vector<std::uint32_t> expected;
+    for (std::uint32_t row = 0; row < values.size(); ++row)
+      if (!std::isnan(values[row]))
+        expected.push_back(row);
+    std::stable_sort(expected.begin(),
+                     expected.end(),
+                     [&](std::uint32_t a, std::uint32_t b) { return values[a] < values[b]; });
+    EXPECT_EQ(orderOf(values.data(), values.size()), expected) << values.size();
+  }
 }
 
 TEST(Importance, OneInputDrivesTheOutputAndOthersDoNot)

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 namespace explorer
 {
@@ -24,16 +25,8 @@ std::uint64_t sortKey(double value)
 // Each listed row's rank among them, ties taking their mean rank (from 1), in `ranks`; the rows
 // come in the order of their values.
 template<typename ValueOf>
-void rankInOrder(const std::vector<std::uint32_t>& ordered,
-                 const std::vector<char>& complete,
-                 ValueOf valueOf,
-                 std::vector<float>& ranks,
-                 std::vector<std::uint32_t>& kept)
+void rankInOrder(const std::vector<std::uint32_t>& kept, ValueOf valueOf, std::vector<float>& ranks)
 {
-  kept.clear();
-  for (std::uint32_t row : ordered)
-    if (complete[row])
-      kept.push_back(row);
   for (std::size_t first = 0; first < kept.size();)
   {
     std::size_t last = first + 1;
@@ -121,36 +114,57 @@ void orderOf(const double* values,
              OrderScratch& scratch,
              std::vector<std::uint32_t>& order)
 {
-  // Sorted by the upper 32 bits of each value's sort key, row in the lower (two passes of a
-  // radix sort of 16 bits), then put right where values share those bits: the order is nearly
-  // right, so an insertion sort by the values themselves costs little.
+  // Sorted by the upper 32 bits of each value's sort key (two passes of a radix sort of 16 bits,
+  // the first reading the values, the second writing rows), then put right where values share
+  // those bits: the order is nearly right, so an insertion sort by the values themselves costs
+  // little. One list of keys in between: ten million of them are 80 MB.
   std::vector<std::uint64_t>& keys = scratch.keys;
-  std::vector<std::uint64_t>& sorted = scratch.sorted;
-  keys.clear();
-  keys.reserve(rows);
-  for (std::size_t row = 0; row < rows; ++row)
-    if (!std::isnan(values[row]))
-      keys.push_back((sortKey(values[row]) & 0xffffffff00000000ULL) | row);
-  sorted.resize(keys.size());
   std::vector<std::size_t>& start = scratch.start;
-  start.assign(65537, 0);
-  for (const int shift : { 32, 48 })
+  const auto keyOf = [values](std::size_t row)
+  { return (sortKey(values[row]) & 0xffffffff00000000ULL) | row; };
+  const auto digit = [](std::uint64_t key, int shift) { return (key >> shift) & 0xffff; };
+  // Counts each digit's keys into start[digit + 1], then turns counts into starts; false when
+  // every key has the same digit, and the pass would leave the order as it is.
+  const auto starts = [&start](std::size_t total)
   {
-    std::fill(start.begin(), start.end(), 0);
-    for (std::uint64_t key : keys)
-      ++start[((key >> shift) & 0xffff) + 1];
-    if (std::any_of(start.begin(), start.end(), [&](std::size_t n) { return n == keys.size(); }))
-      continue;
+    if (std::any_of(start.begin(), start.end(), [&](std::size_t n) { return n == total; }))
+      return false;
     for (std::size_t d = 1; d < start.size(); ++d)
       start[d] += start[d - 1];
-    for (std::uint64_t key : keys)
-      sorted[start[(key >> shift) & 0xffff]++] = key;
-    keys.swap(sorted);
-  }
-  order.resize(keys.size());
-  for (std::size_t i = 0; i < keys.size(); ++i)
+    return true;
+  };
+
+  std::size_t present = 0;
+  start.assign(65537, 0);
+  for (std::size_t row = 0; row < rows; ++row)
+    if (!std::isnan(values[row]))
+    {
+      ++start[digit(keyOf(row), 32) + 1];
+      ++present;
+    }
+  keys.resize(present);
+  const bool byLower = starts(present);
+  std::size_t next = 0;
+  for (std::size_t row = 0; row < rows; ++row)
+    if (!std::isnan(values[row]))
+    {
+      const std::uint64_t key = keyOf(row);
+      keys[byLower ? start[digit(key, 32)]++ : next++] = key;
+    }
+
+  std::fill(start.begin(), start.end(), 0);
+  for (std::uint64_t key : keys)
+    ++start[digit(key, 48) + 1];
+  const bool byUpper = starts(present);
+  order.resize(present);
+  next = 0;
+  for (std::uint64_t key : keys)
+    order[byUpper ? start[digit(key, 48)]++ : next++] =
+      static_cast<std::uint32_t>(key & 0xffffffffULL);
+
+  for (std::size_t i = 1; i < order.size(); ++i)
   {
-    const auto row = static_cast<std::uint32_t>(keys[i] & 0xffffffffULL);
+    const std::uint32_t row = order[i];
     std::size_t at = i;
     // Equal values keep their rows' order: only a smaller value moves ahead.
     for (; at > 0 && values[row] < values[order[at - 1]]; --at)
@@ -164,11 +178,13 @@ std::vector<InputImportance> importanceOf(const double* output,
                                           const std::vector<InputColumn>& inputs,
                                           const std::vector<std::uint32_t>* rows)
 {
-  std::vector<char> considered(rowCount, rows ? 0 : 1);
+  // The rows listed; without a list, every row (and no list of them).
+  std::vector<char> listed(rows ? rowCount : 0, 0);
   if (rows)
     for (std::uint32_t row : *rows)
       if (row < rowCount)
-        considered[row] = 1;
+        listed[row] = 1;
+  const auto considered = [&](std::size_t row) { return !rows || listed[row]; };
   OrderScratch scratch;
   std::vector<std::uint32_t> outputOrder;
   orderOf(output, rowCount, scratch, outputOrder);
@@ -180,9 +196,8 @@ std::vector<InputImportance> importanceOf(const double* output,
   std::vector<float> inputRanks(rowCount);
   std::vector<int> group(rowCount);
   std::vector<std::uint32_t> kept;
-  std::vector<std::uint32_t> inputKept;
   kept.reserve(rowCount);
-  inputKept.reserve(rowCount);
+  const auto isComplete = [&complete](std::uint32_t row) { return complete[row] != 0; };
 
   std::vector<InputImportance> result;
   for (const InputColumn& input : inputs)
@@ -191,15 +206,13 @@ std::vector<InputImportance> importanceOf(const double* output,
     importance.name = input.name;
     for (std::size_t row = 0; row < rowCount; ++row)
       complete[row] =
-        static_cast<char>(considered[row] && !std::isnan(output[row]) &&
+        static_cast<char>(considered(row) && !std::isnan(output[row]) &&
                           (input.numbers ? !std::isnan(input.numbers[row])
                                          : input.categories && input.categories[row] >= 0));
+    kept.clear();
+    std::copy_if(outputOrder.begin(), outputOrder.end(), std::back_inserter(kept), isComplete);
     rankInOrder(
-      outputOrder,
-      complete,
-      [output](std::uint32_t row) { return output[row]; },
-      outputRanks,
-      kept);
+      kept, [output](std::uint32_t row) { return output[row]; }, outputRanks);
     importance.cases = kept.size();
     if (kept.size() < 3)
     {
@@ -220,8 +233,14 @@ std::vector<InputImportance> importanceOf(const double* output,
     {
       const double* x = input.numbers;
       orderOf(x, rowCount, scratch, inputOrder);
+      // The input's order is this input's alone: its complete rows are kept in place.
+      std::vector<std::uint32_t>& inputKept = inputOrder;
+      inputKept.erase(std::remove_if(inputKept.begin(),
+                                     inputKept.end(),
+                                     [&](std::uint32_t row) { return !isComplete(row); }),
+                      inputKept.end());
       rankInOrder(
-        inputOrder, complete, [x](std::uint32_t row) { return x[row]; }, inputRanks, inputKept);
+        inputKept, [x](std::uint32_t row) { return x[row]; }, inputRanks);
       importance.rankCorrelation = pearson(kept, inputRanks, outputRanks);
       // Few values are groups of their own; more are cut into ten quantiles, a value's cases
       // all in the quantile where its first one falls.

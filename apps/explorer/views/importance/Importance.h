@@ -45,7 +45,6 @@ std::vector<std::uint32_t> orderOf(const double* values, std::size_t rows);
 struct OrderScratch
 {
   std::vector<std::uint64_t> keys;
-  std::vector<std::uint64_t> sorted;
   std::vector<std::size_t> start;
 };
 void orderOf(const double* values,
