@@ -135,7 +135,44 @@ TEST(ParallelCoordinatesModel, ALogarithmicAxisPutsValuesAtOrBelowZeroWithTheMis
   // 100, 200, 300 on a logarithmic axis: 200 above the middle of the distance, not at it.
   const auto& heat = lines.model.axes()[1];
   EXPECT_EQ(heat.notPositive, 0u);
-  EXPECT_NEAR(heat.position[1], std::log10(2.0) / std::log10(3.0), 1e-6);
+  EXPECT_NEAR(heat.position[1], std::log10(2.0) / std::log10(3.0), 1e-4) << "kept to 1/16384";
   for (double value : { 100.0, 150.0, 299.0 })
     EXPECT_NEAR(heat.valueAt(heat.place(value)), value, 1e-3) << "a brush reads back its values";
+}
+
+TEST(ParallelCoordinatesModel, PlacesAreKeptToASixteenThousandthAndBeyondTheAxisAtItsEnds)
+{
+  const float inf = std::numeric_limits<float>::infinity();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float top = 3.f - 2.f / 16384; // the highest place kept
+  const struct
+  {
+    float place;
+    float kept;
+    float within;
+  } cases[] = {
+    { 0.f, 0.f, 0.f },
+    { 1.f, 1.f, 0.f },
+    { 0.5f, 0.5f, 0.f },
+    { 0.25f, 0.25f, 0.f },
+    { 1.f / 3, 1.f / 3, 3.1e-5f },
+    { 0.99999f, 1.f, 3.1e-5f },
+    { -0.75f, -0.75f, 0.f },
+    { 2.5f, 2.5f, 0.f },
+    { 5.f, top, 0.f },
+    { inf, top, 0.f },
+    { -inf, -1.f, 0.f },
+    { -2.f, -1.f, 0.f },
+  };
+  explorer::Places places;
+  places.assign(std::size(cases) + 1);
+  for (std::size_t i = 0; i < std::size(cases); ++i)
+    places.set(i, cases[i].place);
+  places.set(std::size(cases), nan);
+  ASSERT_EQ(places.size(), std::size(cases) + 1);
+  for (std::size_t i = 0; i < std::size(cases); ++i)
+    EXPECT_NEAR(places[i], cases[i].kept, cases[i].within) << cases[i].place;
+  EXPECT_TRUE(std::isnan(places[std::size(cases)])) << "no place stays none";
+  places.assign(2);
+  EXPECT_TRUE(std::isnan(places[0]) && std::isnan(places[1])) << "assigned places are none";
 }

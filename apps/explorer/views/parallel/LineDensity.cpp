@@ -14,7 +14,7 @@ namespace explorer
 {
 
 QImage lineDensity(const std::vector<ParallelAxis>& axes,
-                   const std::vector<float>* colour,
+                   const Places* colour,
                    const std::vector<int>* rows,
                    const ParallelLayout& layout,
                    QRgb plain)
@@ -34,7 +34,7 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
   const double slope = layout.y(1.f) - y0;
   const double missingY = layout.y(std::numeric_limits<float>::quiet_NaN());
   const double lowest = h - 1;
-  const auto binsOn = [&](const std::vector<float>& position, std::vector<std::uint16_t>& binOfLine)
+  const auto binsOn = [&](const Places& position, std::vector<std::uint16_t>& binOfLine)
   {
     binOfLine.resize(total);
     for (std::size_t i = 0; i < total; ++i)

@@ -8,6 +8,7 @@
 namespace explorer
 {
 
+class Places;
 struct ParallelAxis;
 struct ParallelLayout;
 
@@ -16,7 +17,7 @@ struct ParallelLayout;
 /// number. `rows` lists the lines to draw, all of them when null; `colour` gives each line's
 /// position on the colour scale, NaN for a line drawn in `plain`; without it every line is plain.
 QImage lineDensity(const std::vector<ParallelAxis>& axes,
-                   const std::vector<float>* colour,
+                   const Places* colour,
                    const std::vector<int>* rows,
                    const ParallelLayout& layout,
                    QRgb plain);

@@ -26,7 +26,7 @@ ParallelAxis readAxis(vtkTable& shown,
   ParallelAxis axis;
   axis.variable = handle;
   axis.name = variable.name();
-  axis.position.assign(static_cast<std::size_t>(rows), ParallelCoordinatesModel::missing);
+  axis.position.assign(static_cast<std::size_t>(rows));
   vtkAbstractArray* column = shown.GetColumnByName(variable.name().c_str());
   if (auto* texts = vtkStringArray::SafeDownCast(column))
   {
@@ -44,10 +44,11 @@ ParallelAxis readAxis(vtkTable& shown,
       const auto found =
         std::lower_bound(axis.categories.begin(), axis.categories.end(), texts->GetValue(row));
       if (found != axis.categories.end() && *found == texts->GetValue(row))
-        axis.position[static_cast<std::size_t>(row)] =
+        axis.position.set(
+          static_cast<std::size_t>(row),
           axis.categories.size() == 1
             ? 0.5f
-            : static_cast<float>(static_cast<double>(found - axis.categories.begin()) / steps);
+            : static_cast<float>(static_cast<double>(found - axis.categories.begin()) / steps));
     }
   }
   else if (auto* numbers = vtkDoubleArray::SafeDownCast(column))
@@ -75,7 +76,7 @@ ParallelAxis readAxis(vtkTable& shown,
       if (log && value <= 0)
         ++axis.notPositive;
       else
-        axis.position[static_cast<std::size_t>(row)] = axis.place(value);
+        axis.position.set(static_cast<std::size_t>(row), axis.place(value));
     }
   }
   return axis;
@@ -101,7 +102,7 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
   rowOfCase.assign(CaseIds(shown));
   const CaseIds& ids = rowOfCase.caseIds();
 
-  colours.assign(ids.size(), missing);
+  colours.assign(ids.size());
   const Variable colourVariable = colour.lock();
   auto* numbers =
     colourVariable.isNull()
@@ -115,7 +116,7 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
     {
       const double value = numbers->GetValue(static_cast<vtkIdType>(row));
       if (!std::isnan(value))
-        colours[row] = span > 0 ? static_cast<float>((value - range.first) / span) : 0.5f;
+        colours.set(row, span > 0 ? static_cast<float>((value - range.first) / span) : 0.5f);
     }
   }
   selected.clear();

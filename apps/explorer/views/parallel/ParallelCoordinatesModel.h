@@ -5,6 +5,9 @@
 #include "datamanagement/Variable.h"
 #include "datamanagement/WeakPtr.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <limits>
 #include <set>
 #include <string>
@@ -15,6 +18,34 @@ class vtkTable;
 
 namespace explorer
 {
+
+/// Places from 0 to 1 (on an axis, on the colour scale), one per shown case, each in two bytes:
+/// ten million cases on eight axes would take 320 MB as floats. A place is kept to 1/16384 (a
+/// hundredth of a pixel on the tallest screen); places outside -1 to 3 (a value beyond the
+/// study's range) are kept at those ends, and NaN (no place) is kept.
+class Places
+{
+public:
+  /// `count` places, none of them placed.
+  void assign(std::size_t count) { codes.assign(count, none); }
+  void set(std::size_t i, float place)
+  {
+    codes[i] = std::isnan(place) ? none
+                                 : static_cast<std::uint16_t>(std::lround(
+                                     std::clamp((place + 1.0f) * steps, 0.0f, float(none - 1))));
+  }
+  float operator[](std::size_t i) const
+  {
+    return codes[i] == none ? std::numeric_limits<float>::quiet_NaN()
+                            : static_cast<float>(codes[i]) / steps - 1.0f;
+  }
+  std::size_t size() const { return codes.size(); }
+
+private:
+  static constexpr float steps = 16384.0f;
+  static constexpr std::uint16_t none = 0xffff;
+  std::vector<std::uint16_t> codes;
+};
 
 /// One axis of parallel coordinates: its variable, and where each shown case lies on it, from 0
 /// (bottom) to 1 (top), NaN for a missing value. A text variable's categories (from the whole
@@ -30,7 +61,7 @@ struct ParallelAxis
   double min = 0;
   double max = 1;
   std::vector<std::string> categories;
-  std::vector<float> position;
+  Places position;
   /// Shown cases at or below zero on a logarithmic axis.
   std::size_t notPositive = 0;
 
@@ -60,7 +91,7 @@ public:
   const std::vector<ParallelAxis>& axes() const { return axesShown; }
   const CaseIds& caseIds() const { return rowOfCase.caseIds(); }
   /// Each line's place on the colour scale, from 0 to 1; NaN without a colour value.
-  const std::vector<float>& colour() const { return colours; }
+  const Places& colour() const { return colours; }
   const std::vector<int>& selectedRows() const { return selected; }
 
   /// Where a value lies on an axis, from 0 to 1 (a category's index on a text axis); NaN for a
@@ -69,7 +100,7 @@ public:
 
 private:
   std::vector<ParallelAxis> axesShown;
-  std::vector<float> colours;
+  Places colours;
   CaseRowIndex rowOfCase;
   std::vector<int> selected;
 };
