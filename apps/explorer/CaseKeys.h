@@ -32,6 +32,8 @@ public:
   bool caseIdOf(unsigned long long key, unsigned long long& caseId) const;
   /// The key of a case; a case the study lacks gives false.
   bool keyOf(unsigned long long caseId, unsigned long long& key) const;
+  /// The keys of the cases (ids in increasing order) the study has, in increasing order.
+  std::vector<unsigned long long> keysOf(const std::vector<unsigned long long>& ascendingIds) const;
 
 private:
   CaseIds ids;

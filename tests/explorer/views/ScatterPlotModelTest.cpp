@@ -14,6 +14,7 @@
 #include <vtkIdTypeArray.h>
 #include <vtkTable.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -28,28 +29,40 @@ using VariableProperty = plexa::Property<WeakPtr<Variable>>;
 
 struct Plotted
 {
+  Plotted();
+  explicit Plotted(std::shared_ptr<const Project> study)
+    : project(std::move(study))
+  {
+    plot();
+  }
+
+  void plot()
+  {
+    pipeline = std::make_shared<DataPipelineManager>(project);
+    model = std::make_unique<ScatterPlotModel>(
+      *pipeline, project, std::make_shared<explorer::CaseKeys>(*project), x, y, colour);
+  }
+
   std::shared_ptr<const Project> project;
   std::shared_ptr<DataPipelineManager> pipeline;
   boost::shared_ptr<VariableProperty> x = boost::make_shared<VariableProperty>();
   boost::shared_ptr<VariableProperty> y = boost::make_shared<VariableProperty>();
   boost::shared_ptr<VariableProperty> colour = boost::make_shared<VariableProperty>();
   std::unique_ptr<ScatterPlotModel> model;
-
-  Plotted()
-  {
-    ProjectBuilder builder;
-    builder.setCaseIds({ 7, 4294967296ULL, 18446744073709551615ULL, 12, 13 });
-    builder.addNumericVariable("a", { 1, 2, 3, missing, 5 });
-    builder.addNumericVariable("b", { 10, 20, missing, 40, 50 });
-    builder.addNumericVariable("c", { 0.5, missing, 0.7, missing, 0.9 });
-    builder.addNumericVariable("sweep", { 1, 1, 2, 2, 3 }, Variable::Discrete);
-    builder.addNumericVariable("signed", { -1, 0, 2, 3, missing });
-    project = builder.build();
-    pipeline = std::make_shared<DataPipelineManager>(project);
-    model = std::make_unique<ScatterPlotModel>(
-      *pipeline, project, std::make_shared<explorer::CaseKeys>(*project), x, y, colour);
-  }
 };
+
+Plotted::Plotted()
+{
+  ProjectBuilder builder;
+  builder.setCaseIds({ 7, 4294967296ULL, 18446744073709551615ULL, 12, 13 });
+  builder.addNumericVariable("a", { 1, 2, 3, missing, 5 });
+  builder.addNumericVariable("b", { 10, 20, missing, 40, 50 });
+  builder.addNumericVariable("c", { 0.5, missing, 0.7, missing, 0.9 });
+  builder.addNumericVariable("sweep", { 1, 1, 2, 2, 3 }, Variable::Discrete);
+  builder.addNumericVariable("signed", { -1, 0, 2, 3, missing });
+  project = builder.build();
+  plot();
+}
 
 } // namespace
 
@@ -70,8 +83,8 @@ TEST(ScatterPlotModel, PlotsTheCasesWithXAndYAndSaysWhatItLeavesOut)
   EXPECT_EQ(plot.model->rowOfCase(4294967296ULL), 1);
   EXPECT_EQ(plot.model->rowOfCase(18446744073709551615ULL), -1) << "it has no b";
   EXPECT_EQ(plot.model->rowsOfCases({ 7, 12, 13, 4294967296ULL, 18446744073709551615ULL }),
-            (std::vector<int>{ 0, 2, 1 }))
-    << "the rows of the plotted cases, in case id order";
+            (std::vector<int>{ 0, 1, 2 }))
+    << "the rows of the plotted cases, in row order";
   unsigned long long id = 0;
   ASSERT_TRUE(plot.model->caseOfKey(table->GetValue(2, 0).ToLongLong(), id));
   EXPECT_EQ(id, 13u) << "column 0 holds keys that name the cases";
@@ -178,4 +191,51 @@ TEST(ScatterPlotModel, LogarithmicAxesLeaveOutAndCountCasesAtOrBelowZero)
   EXPECT_EQ(plot.model->leftOutNote(),
             "2 of 5 cases have no value of signed or a and are not shown.\n"
             "2 of 5 cases are at or below zero on a logarithmic axis and are not shown.");
+}
+
+TEST(ScatterPlotModel, TheRowsOfCasesAreFoundWhateverTheShapeOfTheIdsAndTheSelection)
+{
+  using Ids = std::vector<unsigned long long>;
+  const std::size_t size = 1000;
+  const std::pair<const char*, unsigned long long (*)(std::size_t)> shapes[] = {
+    { "sequential", [](std::size_t i) { return 1000ULL + i; } },
+    { "sorted with gaps", [](std::size_t i) { return 3ULL * i + (1ULL << 40); } },
+    { "unsorted", [](std::size_t i) { return (i * 7919 % 1000) * 2ULL + 1; } },
+  };
+  for (const auto& [shape, idOf] : shapes)
+  {
+    ProjectBuilder builder;
+    Ids ids;
+    std::vector<double> a;
+    for (std::size_t i = 0; i < size; ++i)
+    {
+      ids.push_back(idOf(i));
+      a.push_back(i % 10 == 3 ? missing : double(i));
+    }
+    builder.setCaseIds(ids);
+    builder.addNumericVariable("a", a);
+    Plotted plot(builder.build());
+    plot.x->setValue(plot.project->variable("a"));
+    plot.y->setValue(plot.project->variable("a"));
+    vtkTable* table = plot.model->update();
+    ASSERT_NE(table, nullptr);
+
+    std::sort(ids.begin(), ids.end());
+    const Ids few = { ids[3], ids[size / 2], ids[size / 2] + 1, ids.back() };
+    Ids many;
+    for (std::size_t i = 0; i < size; i += 2)
+      many.push_back(ids[i]);
+    for (const Ids* selection : std::initializer_list<const Ids*>{ &few, &many })
+    {
+      std::vector<int> expected;
+      for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
+      {
+        unsigned long long id = 0;
+        ASSERT_TRUE(plot.model->caseOfKey(table->GetValue(row, 0).ToLongLong(), id));
+        if (std::binary_search(selection->begin(), selection->end(), id))
+          expected.push_back(static_cast<int>(row));
+      }
+      EXPECT_EQ(plot.model->rowsOfCases(*selection), expected) << shape << " " << selection->size();
+    }
+  }
 }

@@ -47,9 +47,11 @@ struct ScatterPlotModel::Impl
   vtkSmartPointer<vtkCaseKeysFilter> keyed = vtkSmartPointer<vtkCaseKeysFilter>::New();
   vtkSmartPointer<InvalidPointsFilter> plottable;
   vtkSmartPointer<vtkTable> table;
-  // The rows of the table by case id, made when a selection first asks after an update.
-  mutable CaseRowIndex rowOfCase;
+  // Whether the table's keys ascend with its rows, as the pipeline keeps the study's order; if
+  // not, the rows by case id. Found when a selection first asks after an update.
   mutable bool rowIndexStale = true;
+  mutable bool keysAscend = false;
+  mutable CaseRowIndex rowOfCase;
   bool logX = false;
   bool logY = false;
   // Cases with a value at or below zero on a logarithmic axis, at the last update.
@@ -198,16 +200,55 @@ std::vector<int> ScatterPlotModel::rowsOfCases(
   vtkIntArray* keys = d->keyColumn();
   if (!keys)
     return {};
+  const int* first = keys->GetPointer(0);
+  const auto count = static_cast<std::size_t>(keys->GetNumberOfTuples());
+  const int* last = first + count;
   if (d->rowIndexStale)
   {
-    std::vector<unsigned long long> caseIds(static_cast<std::size_t>(keys->GetNumberOfTuples()));
-    for (std::size_t row = 0; row < caseIds.size(); ++row)
-      d->keys->caseIdOf(static_cast<unsigned long long>(keys->GetValue(vtkIdType(row))),
-                        caseIds[row]);
-    d->rowOfCase.assign(CaseIds(std::move(caseIds)));
+    d->keysAscend = std::adjacent_find(first, last, std::greater_equal<>()) == last;
+    d->rowOfCase.assign(CaseIds());
+    if (!d->keysAscend)
+    {
+      std::vector<unsigned long long> caseIds(count);
+      for (std::size_t row = 0; row < count; ++row)
+        d->keys->caseIdOf(static_cast<unsigned long long>(first[row]), caseIds[row]);
+      d->rowOfCase.assign(CaseIds(std::move(caseIds)));
+    }
     d->rowIndexStale = false;
   }
-  return d->rowOfCase.rowsOf(sortedCaseIds);
+  if (!d->keysAscend)
+  {
+    std::vector<int> rows = d->rowOfCase.rowsOf(sortedCaseIds);
+    std::sort(rows.begin(), rows.end());
+    return rows;
+  }
+
+  // The keys ascend with the rows: the selection's keys are found in the key column itself,
+  // without a case id per row (80 MB at ten million runs, made again after every filter).
+  const std::vector<unsigned long long> wanted = d->keys->keysOf(sortedCaseIds);
+  std::vector<int> rows;
+  if (wanted.size() < count / 64)
+  {
+    for (unsigned long long key : wanted)
+    {
+      const int* found = std::lower_bound(
+        first, last, static_cast<long long>(key), [](int a, long long b) { return a < b; });
+      if (found != last && static_cast<unsigned long long>(*found) == key)
+        rows.push_back(static_cast<int>(found - first));
+    }
+    return rows;
+  }
+  rows.reserve(std::min(wanted.size(), count));
+  auto key = wanted.begin();
+  for (std::size_t row = 0; row < count && key != wanted.end(); ++row)
+  {
+    const auto here = static_cast<unsigned long long>(first[row]);
+    while (key != wanted.end() && *key < here)
+      ++key;
+    if (key != wanted.end() && *key == here)
+      rows.push_back(static_cast<int>(row));
+  }
+  return rows;
 }
 
 std::vector<unsigned long long> ScatterPlotModel::caseIdsOfRows(const vtkIdTypeArray& rows) const

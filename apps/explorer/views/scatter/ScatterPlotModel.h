@@ -70,7 +70,7 @@ public:
 
   /// The row of the plotted table that shows a case, or -1; and the case of a row.
   long long rowOfCase(unsigned long long caseId) const;
-  /// The rows that show the cases (ids in increasing order), in case id order; and the cases
+  /// The rows that show the cases (ids in increasing order), in increasing order; and the cases
   /// of rows, in the rows' order (rows the table lacks are left out).
   std::vector<int> rowsOfCases(const std::vector<unsigned long long>& sortedCaseIds) const;
   std::vector<unsigned long long> caseIdsOfRows(const vtkIdTypeArray& rows) const;
