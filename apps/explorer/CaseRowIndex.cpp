@@ -19,7 +19,9 @@ CaseIds::CaseIds(vtkTable& table)
   if (typed && typed->GetNumberOfComponents() == 1 &&
       static_cast<std::size_t>(typed->GetNumberOfValues()) >= rows)
   {
-    column = typed;
+    typed->Register(nullptr);
+    owner =
+      std::shared_ptr<const void>(typed, [](vtkTypeUInt64Array* ids) { ids->UnRegister(nullptr); });
     first = rows > 0 ? typed->GetPointer(0) : nullptr;
     count = rows;
     return;

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <vtkSmartPointer.h>
-
 #include <cstddef>
 #include <memory>
 #include <vector>
 
 class Project;
-class vtkAbstractArray;
 class vtkTable;
 
 namespace explorer
@@ -33,7 +30,7 @@ public:
   unsigned long long operator[](std::size_t row) const { return first[row]; }
 
 private:
-  vtkSmartPointer<vtkAbstractArray> column;
+  // Whatever holds the ids: the column, the study or a list of them.
   std::shared_ptr<const void> owner;
   const unsigned long long* first = nullptr;
   std::size_t count = 0;
