@@ -176,3 +176,54 @@ TEST(ParallelCoordinatesModel, PlacesAreKeptToASixteenThousandthAndBeyondTheAxis
   places.assign(2);
   EXPECT_TRUE(std::isnan(places[0]) && std::isnan(places[1])) << "assigned places are none";
 }
+
+TEST(ParallelCoordinatesModel, LinesBinnedByThreadsMakeTheDensityOfOneThread)
+{
+  // Many coloured lines over three axes, some missing, shared by one to three threads; all
+  // lines, then every third.
+  const std::size_t count = 50000;
+  std::vector<explorer::ParallelAxis> axes(3);
+  explorer::Places colour;
+  colour.assign(count);
+  for (auto& axis : axes)
+    axis.position.assign(count);
+  for (std::size_t i = 0; i < count; ++i)
+  {
+    for (std::size_t a = 0; a < axes.size(); ++a)
+      axes[a].position.set(
+        i, i % 41 == a ? NAN : static_cast<float>((i * (a + 3) * 7919) % 1000) / 999);
+    colour.set(i, i % 5 == 0 ? NAN : static_cast<float>(i % 100) / 99);
+  }
+  std::vector<int> everyThird;
+  for (std::size_t i = 0; i < count; i += 3)
+    everyThird.push_back(static_cast<int>(i));
+  const ParallelLayout at(QSize(300, 200), 3);
+  const std::vector<int>* const subsets[] = { nullptr, &everyThird };
+  for (const std::vector<int>* rows : subsets)
+  {
+    const QImage one = explorer::lineDensity(axes, &colour, rows, at, qRgb(0, 0, 0), 1);
+    std::size_t drawn = 0;
+    for (int y = 0; y < one.height(); ++y)
+      for (int x = 0; x < one.width(); ++x)
+        drawn += qAlpha(one.pixel(x, y)) > 0 ? 1 : 0;
+    EXPECT_GT(drawn, 10000u) << "the lines fill much of the picture";
+    for (std::size_t threads : { 2, 3 })
+    {
+      const QImage shared = explorer::lineDensity(axes, &colour, rows, at, qRgb(0, 0, 0), threads);
+      int worst = 0;
+      for (int y = 0; y < one.height(); ++y)
+        for (int x = 0; x < one.width(); ++x)
+        {
+          const QRgb a = one.pixel(x, y);
+          const QRgb b = shared.pixel(x, y);
+          for (int d : { qRed(a) - qRed(b),
+                         qGreen(a) - qGreen(b),
+                         qBlue(a) - qBlue(b),
+                         qAlpha(a) - qAlpha(b) })
+            worst = std::max(worst, std::abs(d));
+        }
+      // Counts add up exactly; colour sums only in another order.
+      EXPECT_LE(worst, 2) << threads << " threads, " << (rows ? "a third" : "all");
+    }
+  }
+}

@@ -8,16 +8,28 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <limits>
+#include <thread>
 
 namespace explorer
 {
+
+namespace
+{
+
+// Below this many lines one thread bins them all; above, up to this many threads share them.
+constexpr std::size_t linesPerThreadAtLeast = std::size_t(1) << 18;
+constexpr std::size_t threadsAtMost = 4;
+
+} // namespace
 
 QImage lineDensity(const std::vector<ParallelAxis>& axes,
                    const Places* colour,
                    const std::vector<int>* rows,
                    const ParallelLayout& layout,
-                   QRgb plain)
+                   QRgb plain,
+                   std::size_t threads)
 {
   constexpr int binHeight = 2;
   const int w = layout.width;
@@ -34,50 +46,91 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
   const double slope = layout.y(1.f) - y0;
   const double missingY = layout.y(std::numeric_limits<float>::quiet_NaN());
   const double lowest = h - 1;
-  const auto binsOn = [&](const Places& position, std::vector<std::uint16_t>& binOfLine)
+  // The bins of the lines from `first` to `last` on one axis.
+  const auto binsOn = [&](const Places& position,
+                          std::vector<std::uint16_t>& binOfLine,
+                          std::size_t first,
+                          std::size_t last)
   {
-    binOfLine.resize(total);
-    for (std::size_t i = 0; i < total; ++i)
+    for (std::size_t i = first; i < last; ++i)
     {
       const float at = position[rows ? static_cast<std::size_t>((*rows)[i]) : i];
       const double y = std::clamp(std::isnan(at) ? missingY : y0 + at * slope, 0.0, lowest);
-      binOfLine[i] = static_cast<std::uint16_t>(static_cast<int>(std::floor(y + 0.5)) / binHeight);
+      // The bin of the pixel row nearest y: floor(floor(y + 0.5) / h) is floor((y + 0.5) / h),
+      // and for y >= 0 a conversion to an integer floors (where std::floor is a call per line).
+      binOfLine[i] = static_cast<std::uint16_t>((y + 0.5) / binHeight);
     }
+  };
+  // Millions of lines are binned by several threads, each over its share of the lines into sums
+  // of its own, added up after; fewer lines by one, in one order.
+  const std::size_t shares =
+    threads > 0 ? threads
+    : total < linesPerThreadAtLeast
+      ? 1
+      : std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, threadsAtMost);
+  const auto shareStart = [&](std::size_t share) { return total * share / shares; };
+  const auto eachShare = [&](const std::function<void(std::size_t)>& work)
+  {
+    std::vector<std::thread> helpers;
+    for (std::size_t share = 1; share < shares; ++share)
+      helpers.emplace_back(work, share);
+    work(0);
+    for (auto& helper : helpers)
+      helper.join();
   };
   std::vector<float> count(static_cast<std::size_t>(w) * h, 0.f);
   std::vector<float> colourSum(count.size(), 0.f);
   std::vector<float> coloured(count.size(), 0.f);
-  std::vector<float> pairCount(static_cast<std::size_t>(bins) * bins);
-  std::vector<float> pairColour(pairCount.size());
-  std::vector<float> pairColoured(pairCount.size());
-  std::vector<std::uint16_t> fromBins;
-  std::vector<std::uint16_t> toBins;
-  binsOn(axes.front().position, toBins);
+  const std::size_t pairBins = static_cast<std::size_t>(bins) * bins;
+  // Per share, the lines' count, colour sum and coloured count in each pair of bins.
+  std::vector<std::vector<float>> pairCount(shares, std::vector<float>(pairBins));
+  std::vector<std::vector<float>> pairColour(shares, std::vector<float>(pairBins));
+  std::vector<std::vector<float>> pairColoured(shares, std::vector<float>(pairBins));
+  std::vector<std::uint16_t> fromBins(total);
+  std::vector<std::uint16_t> toBins(total);
+  eachShare([&](std::size_t share)
+            { binsOn(axes.front().position, toBins, shareStart(share), shareStart(share + 1)); });
   for (std::size_t pair = 0; pair + 1 < axes.size(); ++pair)
   {
-    std::fill(pairCount.begin(), pairCount.end(), 0.f);
-    std::fill(pairColour.begin(), pairColour.end(), 0.f);
-    std::fill(pairColoured.begin(), pairColoured.end(), 0.f);
     fromBins.swap(toBins);
-    binsOn(axes[pair + 1].position, toBins);
-    for (std::size_t i = 0; i < total; ++i)
-    {
-      const std::size_t bin =
-        static_cast<std::size_t>(fromBins[i]) * static_cast<std::size_t>(bins) + toBins[i];
-      pairCount[bin] += 1;
-      const std::size_t row = rows ? static_cast<std::size_t>((*rows)[i]) : i;
-      if (colour && !std::isnan((*colour)[row]))
+    eachShare(
+      [&](std::size_t share)
       {
-        pairColour[bin] += (*colour)[row];
-        pairColoured[bin] += 1;
+        const std::size_t first = shareStart(share);
+        const std::size_t last = shareStart(share + 1);
+        binsOn(axes[pair + 1].position, toBins, first, last);
+        std::vector<float>& lines = pairCount[share];
+        std::vector<float>& colourTotal = pairColour[share];
+        std::vector<float>& colouredLines = pairColoured[share];
+        std::fill(lines.begin(), lines.end(), 0.f);
+        std::fill(colourTotal.begin(), colourTotal.end(), 0.f);
+        std::fill(colouredLines.begin(), colouredLines.end(), 0.f);
+        for (std::size_t i = first; i < last; ++i)
+        {
+          const std::size_t bin =
+            static_cast<std::size_t>(fromBins[i]) * static_cast<std::size_t>(bins) + toBins[i];
+          lines[bin] += 1;
+          const std::size_t row = rows ? static_cast<std::size_t>((*rows)[i]) : i;
+          if (colour && !std::isnan((*colour)[row]))
+          {
+            colourTotal[bin] += (*colour)[row];
+            colouredLines[bin] += 1;
+          }
+        }
+      });
+    for (std::size_t share = 1; share < shares; ++share)
+      for (std::size_t bin = 0; bin < pairBins; ++bin)
+      {
+        pairCount[0][bin] += pairCount[share][bin];
+        pairColour[0][bin] += pairColour[share][bin];
+        pairColoured[0][bin] += pairColoured[share][bin];
       }
-    }
     const int x0 = static_cast<int>(layout.x(static_cast<int>(pair)));
     const int x1 = static_cast<int>(layout.x(static_cast<int>(pair) + 1));
     const int span = std::max(x1 - x0, 1);
-    for (std::size_t bin = 0; bin < pairCount.size(); ++bin)
+    for (std::size_t bin = 0; bin < pairBins; ++bin)
     {
-      if (pairCount[bin] == 0)
+      if (pairCount[0][bin] == 0)
         continue;
       const int a = static_cast<int>(bin) / bins * binHeight;
       const int b = static_cast<int>(bin) % bins * binHeight;
@@ -85,9 +138,9 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
       {
         const int y = a + (b - a) * (x - x0) / span;
         const std::size_t pixel = static_cast<std::size_t>(y) * w + static_cast<std::size_t>(x);
-        count[pixel] += pairCount[bin];
-        colourSum[pixel] += pairColour[bin];
-        coloured[pixel] += pairColoured[bin];
+        count[pixel] += pairCount[0][bin];
+        colourSum[pixel] += pairColour[0][bin];
+        coloured[pixel] += pairColoured[0][bin];
       }
     }
   }

@@ -30,9 +30,11 @@ public:
   void assign(std::size_t count) { codes.assign(count, none); }
   void set(std::size_t i, float place)
   {
+    // Rounded to the nearest step: a half step up, then floored by the conversion (no call to
+    // lround per place); the ends keep what lies beyond them.
     codes[i] = std::isnan(place) ? none
-                                 : static_cast<std::uint16_t>(std::lround(
-                                     std::clamp((place + 1.0f) * steps, 0.0f, float(none - 1))));
+                                 : static_cast<std::uint16_t>(std::clamp(
+                                     (place + 1.0f) * steps + 0.5f, 0.5f, float(none) - 0.5f));
   }
   float operator[](std::size_t i) const
   {
