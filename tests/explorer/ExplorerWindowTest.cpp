@@ -504,6 +504,17 @@ TEST_F(ExplorerWindowTest, ACinemaDatabaseOpensWithItsImagesLaidOutByItsParamete
   ASSERT_FALSE(corner.isNull());
   EXPECT_EQ(corner.pixelColor(corner.width() / 2, corner.height() - 4), QColor(90, 90, 200))
     << "the cell of phi 90, theta 90 shows that run's image";
+
+  // A filter set while the matrix is behind another tab shows in its grid once it is shown.
+  window->show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  auto* tabs = window->findChild<QTabWidget*>("viewTabs");
+  auto* other = tabs->widget(tabs->indexOf(images->widget()) == 0 ? 1 : 0);
+  tabs->setCurrentWidget(other);
+  window->pipeline().setRangeFilter(window->project()->variable("phi"), 0, 0);
+  tabs->setCurrentWidget(images->widget());
+  EXPECT_EQ(cells->columnCount(), 1) << "phi 0 alone";
+  EXPECT_EQ(cells->rowCount(), 3);
 }
 
 TEST_F(ExplorerWindowTest, DensityAndMarkersSelectAndPickTheSameCases)
