@@ -71,23 +71,11 @@ bool CaseKeys::keyOf(unsigned long long caseId, unsigned long long& key) const
 std::vector<unsigned long long> CaseKeys::keysOf(
   const std::vector<unsigned long long>& ascendingIds) const
 {
+  // Sorted ids are searched or walked along; sequential ones and others convert one by one.
+  if (sorted && !sequential)
+    return positionsIn<unsigned long long>(ids.begin(), ids.size(), ascendingIds);
   std::vector<unsigned long long> keys;
   keys.reserve(std::min(ascendingIds.size(), ids.size()));
-  if (sorted && !sequential && ascendingIds.size() >= ids.size() / 64)
-  {
-    // Many cases of sorted ids: one merged walk rather than a search per case.
-    std::size_t key = 0;
-    for (unsigned long long id : ascendingIds)
-    {
-      while (key < ids.size() && ids[key] < id)
-        ++key;
-      if (key == ids.size())
-        break;
-      if (ids[key] == id)
-        keys.push_back(key);
-    }
-    return keys;
-  }
   unsigned long long key = 0;
   for (unsigned long long id : ascendingIds)
     if (keyOf(id, key))

@@ -36,6 +36,49 @@ private:
   std::size_t count = 0;
 };
 
+/// The positions in `values` (`count` of them, strictly ascending, none negative) of those of
+/// `wanted` (ascending) they hold, in increasing order: by binary search when few are wanted, by
+/// one merged walk when many are.
+template<typename Position, typename Value, typename Wanted>
+std::vector<Position> positionsIn(const Value* values,
+                                  std::size_t count,
+                                  const std::vector<Wanted>& wanted)
+{
+  const auto valueAt = [values](std::size_t i) { return static_cast<Wanted>(values[i]); };
+  std::vector<Position> positions;
+  if (wanted.size() < count / 64)
+  {
+    for (const Wanted& value : wanted)
+    {
+      // The first position whose value is not below `value`.
+      std::size_t low = 0;
+      std::size_t high = count;
+      while (low < high)
+      {
+        const std::size_t middle = low + (high - low) / 2;
+        if (valueAt(middle) < value)
+          low = middle + 1;
+        else
+          high = middle;
+      }
+      if (low < count && valueAt(low) == value)
+        positions.push_back(static_cast<Position>(low));
+    }
+    return positions;
+  }
+  // Many wanted values take millions of positions: room for them at once.
+  positions.reserve(wanted.size() < count ? wanted.size() : count);
+  auto next = wanted.begin();
+  for (std::size_t i = 0; i < count && next != wanted.end(); ++i)
+  {
+    while (next != wanted.end() && *next < valueAt(i))
+      ++next;
+    if (next != wanted.end() && *next == valueAt(i))
+      positions.push_back(static_cast<Position>(i));
+  }
+  return positions;
+}
+
 /// The case ids of a view's shown rows, and the rows by case id, for turning a selection into
 /// rows: by binary search when the selection is small, by one merged walk when it is large, never
 /// by a lookup in the selection per row. The view reads its rows' ids here too: one copy of them.

@@ -205,7 +205,8 @@ std::vector<int> ScatterPlotModel::rowsOfCases(
   const int* last = first + count;
   if (d->rowIndexStale)
   {
-    d->keysAscend = std::adjacent_find(first, last, std::greater_equal<>()) == last;
+    d->keysAscend = (count == 0 || first[0] >= 0) &&
+                    std::adjacent_find(first, last, std::greater_equal<>()) == last;
     d->rowOfCase.assign(CaseIds());
     if (!d->keysAscend)
     {
@@ -225,30 +226,7 @@ std::vector<int> ScatterPlotModel::rowsOfCases(
 
   // The keys ascend with the rows: the selection's keys are found in the key column itself,
   // without a case id per row (80 MB at ten million runs, made again after every filter).
-  const std::vector<unsigned long long> wanted = d->keys->keysOf(sortedCaseIds);
-  std::vector<int> rows;
-  if (wanted.size() < count / 64)
-  {
-    for (unsigned long long key : wanted)
-    {
-      const int* found = std::lower_bound(
-        first, last, static_cast<long long>(key), [](int a, long long b) { return a < b; });
-      if (found != last && static_cast<unsigned long long>(*found) == key)
-        rows.push_back(static_cast<int>(found - first));
-    }
-    return rows;
-  }
-  rows.reserve(std::min(wanted.size(), count));
-  auto key = wanted.begin();
-  for (std::size_t row = 0; row < count && key != wanted.end(); ++row)
-  {
-    const auto here = static_cast<unsigned long long>(first[row]);
-    while (key != wanted.end() && *key < here)
-      ++key;
-    if (key != wanted.end() && *key == here)
-      rows.push_back(static_cast<int>(row));
-  }
-  return rows;
+  return positionsIn<int>(first, count, d->keys->keysOf(sortedCaseIds));
 }
 
 std::vector<unsigned long long> ScatterPlotModel::caseIdsOfRows(const vtkIdTypeArray& rows) const
