@@ -139,16 +139,16 @@ void passEveryRow(vtkTable& input, vtkTable& output, vtkIdType rows)
   {
     vtkAbstractArray* in = input.GetColumn(c);
     vtkAbstractArray* out = output.GetColumn(c);
-    const bool copied = copiedType(*in);
-    if (copied && in->GetDataType() != VTK_BIT && in->GetDataType() != VTK_STRING)
+    const int type = in->GetDataType();
+    if (copiedType(*in) && type != VTK_BIT && type != VTK_STRING)
     {
       vtkDataArray::SafeDownCast(out)->ShallowCopy(vtkDataArray::SafeDownCast(in));
       continue;
     }
     out->SetNumberOfTuples(rows);
-    if (in->GetDataType() == VTK_BIT)
+    if (type == VTK_BIT)
       gatherAs<vtkBitArray>(in, out, all);
-    else if (in->GetDataType() == VTK_STRING)
+    else if (type == VTK_STRING)
       gatherAs<vtkStringArray>(in, out, all);
   }
 }
