@@ -74,42 +74,11 @@ int CaseRowIndex::rowAt(std::size_t position) const
 
 std::vector<int> CaseRowIndex::rowsOf(const std::vector<unsigned long long>& selection) const
 {
-  std::vector<int> rows;
-  const std::size_t size = ids.size();
-  if (selection.size() < size / 64)
-  {
-    for (unsigned long long id : selection)
-    {
-      // The first position whose id is not below `id`.
-      std::size_t low = 0;
-      std::size_t high = size;
-      while (low < high)
-      {
-        const std::size_t middle = low + (high - low) / 2;
-        if (idAt(middle) < id)
-          low = middle + 1;
-        else
-          high = middle;
-      }
-      for (; low < size && idAt(low) == id; ++low)
-        rows.push_back(rowAt(low));
-    }
-    return rows;
-  }
-  // Large selections take millions of rows: room for them at once, not grown by doubling.
-  rows.reserve(std::min(selection.size(), size));
-  auto id = selection.begin();
-  for (std::size_t position = 0; position < size; ++position)
-  {
-    const unsigned long long here = idAt(position);
-    while (id != selection.end() && *id < here)
-      ++id;
-    if (id == selection.end())
-      break;
-    if (*id == here)
-      rows.push_back(rowAt(position));
-  }
-  return rows;
+  return positionsIn<int>(
+    ids.size(),
+    [this](std::size_t position) { return idAt(position); },
+    selection,
+    [this](std::size_t position) { return rowAt(position); });
 }
 
 } // namespace explorer

@@ -36,21 +36,21 @@ private:
   std::size_t count = 0;
 };
 
-/// The positions in `values` (`count` of them, strictly ascending, none negative) of those of
-/// `wanted` (ascending) they hold, in increasing order: by binary search when few are wanted, by
-/// one merged walk when many are.
-template<typename Position, typename Value, typename Wanted>
-std::vector<Position> positionsIn(const Value* values,
-                                  std::size_t count,
-                                  const std::vector<Wanted>& wanted)
+/// Where the values of `wanted` (ascending) lie among `count` ascending values (`valueAt(i)`,
+/// the i-th): `positionAt(i)` of each i whose value is wanted, in increasing order of i. By
+/// binary search when few are wanted, by one merged walk when many are.
+template<typename Position, typename ValueAt, typename Wanted, typename PositionAt>
+std::vector<Position> positionsIn(std::size_t count,
+                                  ValueAt valueAt,
+                                  const std::vector<Wanted>& wanted,
+                                  PositionAt positionAt)
 {
-  const auto valueAt = [values](std::size_t i) { return static_cast<Wanted>(values[i]); };
   std::vector<Position> positions;
   if (wanted.size() < count / 64)
   {
     for (const Wanted& value : wanted)
     {
-      // The first position whose value is not below `value`.
+      // The first i whose value is not below `value`.
       std::size_t low = 0;
       std::size_t high = count;
       while (low < high)
@@ -61,8 +61,8 @@ std::vector<Position> positionsIn(const Value* values,
         else
           high = middle;
       }
-      if (low < count && valueAt(low) == value)
-        positions.push_back(static_cast<Position>(low));
+      for (; low < count && valueAt(low) == value; ++low)
+        positions.push_back(positionAt(low));
     }
     return positions;
   }
@@ -74,9 +74,22 @@ std::vector<Position> positionsIn(const Value* values,
     while (next != wanted.end() && *next < valueAt(i))
       ++next;
     if (next != wanted.end() && *next == valueAt(i))
-      positions.push_back(static_cast<Position>(i));
+      positions.push_back(positionAt(i));
   }
   return positions;
+}
+
+/// The same among ascending values in memory, each at its own place.
+template<typename Position, typename Value, typename Wanted>
+std::vector<Position> positionsIn(const Value* values,
+                                  std::size_t count,
+                                  const std::vector<Wanted>& wanted)
+{
+  return positionsIn<Position>(
+    count,
+    [values](std::size_t i) { return static_cast<Wanted>(values[i]); },
+    wanted,
+    [](std::size_t i) { return static_cast<Position>(i); });
 }
 
 /// The case ids of a view's shown rows, and the rows by case id, for turning a selection into
