@@ -193,6 +193,16 @@ struct LinePlotView::Impl
     painter.paint(on, canvas->size(), model->curves(), frame(), model->selectedRows(), look());
   }
 
+  // A move with the button down moves the legend, or draws a rubber band once the pointer is
+  // three pixels from where it was pressed.
+  void dragTo(const QPoint& at)
+  {
+    if (movingLegend)
+      legendOffset = legendAtPress + QPointF(at - pressedAt);
+    else if ((at - pressedAt).manhattanLength() >= 3)
+      rubberBand = QRectF(pressedAt, at);
+  }
+
   std::vector<std::uint32_t> rowsNear(const QPoint& point,
                                       int* curve = nullptr,
                                       std::size_t* at = nullptr) const
@@ -310,10 +320,7 @@ LinePlotView::LinePlotView(const ViewContext& context)
       impl->hover(event.pos());
       return;
     }
-    if (impl->movingLegend)
-      impl->legendOffset = impl->legendAtPress + QPointF(event.pos() - impl->pressedAt);
-    else if ((event.pos() - impl->pressedAt).manhattanLength() >= 3)
-      impl->rubberBand = QRectF(impl->pressedAt, event.pos());
+    impl->dragTo(event.pos());
     impl->canvas->update();
   };
   d->canvas->release = [this, impl](QMouseEvent& event)
@@ -321,6 +328,9 @@ LinePlotView::LinePlotView(const ViewContext& context)
     if (!impl->pressed || event.button() != Qt::LeftButton)
       return;
     impl->pressed = false;
+    // The release ends the drag where it is, whether or not the moves before it came (a fast
+    // drag or a remote display may send none).
+    impl->dragTo(event.pos());
     const bool control = event.modifiers() & Qt::ControlModifier;
     if (impl->movingLegend)
     {
