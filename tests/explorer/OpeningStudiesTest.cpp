@@ -24,7 +24,6 @@
 #include <QHeaderView>
 #include <QImage>
 #include <QMenu>
-#include <QSettings>
 #include <QTableView>
 #include <QUndoStack>
 #include <gtest/gtest.h>
@@ -67,14 +66,7 @@ void sayRole(ExplorerWindow& window, const QString& header, const QString& role)
 class OpeningStudies : public ::testing::Test
 {
 protected:
-  void SetUp() override
-  {
-    testsupport::keepGraphicsDriverLoaded();
-    QSettings::setDefaultFormat(QSettings::IniFormat);
-    QSettings::setPath(
-      QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(settings.path()));
-    QSettings().clear();
-  }
+  void SetUp() override { testsupport::keepGraphicsDriverLoaded(); }
 
   // A design study's table: inputs and outputs, a text column, ids up to 2^64-1, images beside
   // it and one run without an image.
@@ -96,7 +88,7 @@ protected:
                   "7,40,0.4,1.9,4,wood,images/r3.png\n"));
   }
 
-  TemporaryFolder settings;
+  testsupport::TemporarySettings settings;
   TemporaryFolder study;
 };
 

@@ -32,7 +32,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QSettings>
 #include <QSpinBox>
 #include <QSplitter>
 #include <QTableWidget>
@@ -302,9 +301,7 @@ TEST_F(OrdinaryTasks, SelectedImagesFollowTheTablesSortAndTheImageMatrixPagesThr
 
 TEST_F(OrdinaryTasks, TheWindowReopensWithItsSizeAndPanes)
 {
-  QSettings::setDefaultFormat(QSettings::IniFormat);
-  QSettings::setPath(
-    QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(output.path()));
+  const testsupport::TemporarySettings settings;
   QSize size;
   QList<int> panes;
   {

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSettings>
 
 #include <fstream>
 #include <sstream>
@@ -16,6 +17,39 @@ TemporaryFolder::TemporaryFolder()
   {
     throw std::runtime_error("cannot create a temporary folder");
   }
+}
+
+namespace
+{
+
+QString& runSettings()
+{
+  static QString folder;
+  return folder;
+}
+
+void keepSettingsIn(const QString& folder)
+{
+  QSettings::setDefaultFormat(QSettings::IniFormat);
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder);
+}
+
+} // namespace
+
+void keepRunSettingsIn(const QString& folder)
+{
+  runSettings() = folder;
+  keepSettingsIn(folder);
+}
+
+TemporarySettings::TemporarySettings()
+{
+  keepSettingsIn(QString::fromStdString(folder.path()));
+}
+
+TemporarySettings::~TemporarySettings()
+{
+  keepSettingsIn(runSettings());
 }
 
 std::string TemporaryFolder::path() const

@@ -1,9 +1,11 @@
 // The main of every test executable: one QApplication for the whole run, and warnings that no
 // test expects turned into failures.
 
+#include "support/TemporaryFolder.h"
 #include "support/WarningGuard.h"
 
 #include <QApplication>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -16,9 +18,13 @@ int main(int argc, char** argv)
   {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
+  // What the windows remember between runs goes to a folder of this run's own, made before the
+  // application so that it is removed after the application's last write.
+  const QTemporaryDir settings;
   QApplication application(argc, argv);
   QApplication::setOrganizationName("quen-tests");
   QApplication::setApplicationName("quen-tests");
+  testsupport::keepRunSettingsIn(settings.path());
   testsupport::installWarningHandlers();
   ::testing::InitGoogleTest(&argc, argv);
   return RUN_ALL_TESTS();
