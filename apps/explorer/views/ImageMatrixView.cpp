@@ -41,6 +41,9 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 #include <boost/make_shared.hpp>
+#include <vtkInformation.h>
+#include <vtkObjectFactory.h>
+#include <vtkTableAlgorithm.h>
 
 #include <charconv>
 #include <set>
@@ -52,6 +55,24 @@ namespace explorer
 
 namespace
 {
+
+/// A table of no cases: the grid's input for a study without image files. Its grid is never
+/// shown (a message stands in its place), and over the study's cases it would lay every case out
+/// once, 320 MB at ten million.
+class vtkNoCases : public vtkTableAlgorithm
+{
+public:
+  static vtkNoCases* New();
+  vtkTypeMacro(vtkNoCases, vtkTableAlgorithm);
+
+protected:
+  vtkNoCases() { SetNumberOfInputPorts(0); }
+  int RequestData(vtkInformation*, vtkInformationVector**, vtkInformationVector*) override
+  {
+    return 1;
+  }
+};
+vtkStandardNewMacro(vtkNoCases);
 
 /// Saves a value as its text; reads a text that is a number back as a number.
 class VariantTextSerializer : public Serializer
@@ -236,11 +257,17 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
   }
   // The grid shows the master's sorted list itself, and only while it is shown: the library's
   // view would otherwise be told every change as a set of every selected case.
-  d->table = new ImageTableView(*d->container,
-                                context.pipeline,
-                                boost::make_shared<MasterPicks>(context.selection),
-                                context.images->sharedLoader(),
-                                d->properties);
+  auto picks = boost::make_shared<MasterPicks>(context.selection);
+  d->table = imageTags.empty() ? new ImageTableView(*d->container,
+                                                    vtkSmartPointer<vtkNoCases>::New(),
+                                                    std::move(picks),
+                                                    context.images->sharedLoader(),
+                                                    d->properties)
+                               : new ImageTableView(*d->container,
+                                                    context.pipeline,
+                                                    std::move(picks),
+                                                    context.images->sharedLoader(),
+                                                    d->properties);
   ImageTableView* table = d->table;
   d->whileShown = std::make_unique<GridWhileShown>(*table);
   const boost::shared_ptr<MasterSelection> master = context.selection;
