@@ -185,10 +185,15 @@ std::vector<InputImportance> importanceOf(const double* output,
       if (row < rowCount)
         listed[row] = 1;
   const auto considered = [&](std::size_t row) { return !rows || listed[row]; };
+  // Each order is kept at its largest from the start: an input with more values than the one
+  // before would otherwise move its keys and rows to a larger block while both are held, a
+  // moment at which ten million cases hold 120 MB more.
   OrderScratch scratch;
+  scratch.keys.reserve(rowCount);
   std::vector<std::uint32_t> outputOrder;
   orderOf(output, rowCount, scratch, outputOrder);
   std::vector<std::uint32_t> inputOrder;
+  inputOrder.reserve(rowCount);
 
   // Reused from input to input: fresh memory is what costs most at a million cases.
   std::vector<char> complete(rowCount);
