@@ -263,7 +263,8 @@ ScatterPlot3DScene::ScatterPlot3DScene(QVTKOpenGLNativeWidget& widget)
   d->colourBar->SetNumberOfLabels(5);
   d->colourBar->SetLabelFormat("%-6.4g");
   d->colourBar->SetMaximumWidthInPixels(70);
-  d->colourBar->SetPosition(0.88, 0.1);
+  // Room on the right for a title wider than the bar: it is centred over the bar.
+  d->colourBar->SetPosition(0.84, 0.1);
   d->colourBar->SetHeight(0.8);
   d->colourBar->UnconstrainedFontSizeOn();
   for (vtkTextProperty* text :
