@@ -61,3 +61,36 @@ TEST(ScatterPlot3DModel, PointsInTheBoxOnRoundAxes)
   model.select({ 3, 2 });
   EXPECT_EQ(model.selected(), std::vector<int>{ 1 });
 }
+
+TEST(ScatterPlot3DModel, LabelsAlongAShortAxisNeverRunTogether)
+{
+  // Each range's labels: one at each round step, every other one left out until their
+  // characters fit.
+  const struct
+  {
+    double lowest;
+    double highest;
+    std::vector<std::string> labels;
+  } cases[] = {
+    { 0, 491, { "0", "", "200", "", "400", "" } },
+    { 0, 0.99, { "0", "0.2", "0.4", "0.6", "0.8", "1" } },
+    { 21, 69, { "20", "30", "40", "50", "60", "70" } },
+    { 0, 4900, { "0", "", "2000", "", "4000", "" } },
+    { -1e6, 1e6, { "-1e+06", "", "0", "", "1e+06" } },
+    { 1e6, 1e7, { "0", "", "4e+06", "", "8e+06", "" } },
+  };
+  for (const auto& c : cases)
+  {
+    ProjectBuilder builder;
+    builder.setCaseIds({ 1, 2 });
+    builder.addNumericVariable("u", { c.lowest, c.highest });
+    const auto project = builder.build();
+    DataPipelineManager pipeline(project);
+    pipeline.output()->Update();
+    ScatterPlot3DModel model;
+    model.reload(*pipeline.output()->GetOutput(),
+                 { project->variable("u"), project->variable("u"), project->variable("u") },
+                 {});
+    EXPECT_EQ(model.labels(2), c.labels) << c.lowest << " to " << c.highest;
+  }
+}
