@@ -227,3 +227,61 @@ TEST(ParallelCoordinatesModel, LinesBinnedByThreadsMakeTheDensityOfOneThread)
     }
   }
 }
+
+TEST(ParallelCoordinatesModel, ManyRowsArePlacedByThreadsAsOneThreadPlacesThem)
+{
+  // Enough rows for several threads: a linear axis, a logarithmic one with values at or below
+  // zero, a text axis; some values missing.
+  const std::size_t count = 100000;
+  std::vector<unsigned long long> ids(count);
+  std::vector<double> linear(count);
+  std::vector<double> logarithmic(count);
+  std::vector<std::string> texts(count);
+  std::size_t notPositive = 0;
+  for (std::size_t i = 0; i < count; ++i)
+  {
+    ids[i] = i + 1;
+    linear[i] = i % 37 == 0 ? missing : static_cast<double>((i * 7919) % 1000) - 250;
+    logarithmic[i] = static_cast<double>((i * 104729) % 2000) - 100;
+    notPositive += logarithmic[i] <= 0 ? 1 : 0;
+    texts[i] = i % 53 == 0 ? "" : "t" + std::to_string(i % 7);
+  }
+  ProjectBuilder builder;
+  builder.setCaseIds(ids);
+  builder.addNumericVariable("linear", linear);
+  builder.addNumericVariable("logarithmic", logarithmic);
+  builder.addTextVariable("text", texts);
+  const auto project = builder.build();
+  DataPipelineManager pipeline(project);
+  pipeline.output()->Update();
+  const std::vector<WeakPtr<Variable>> axes{ project->variable("linear"),
+                                             project->variable("logarithmic"),
+                                             project->variable("text") };
+  ParallelCoordinatesModel model;
+  model.reload(*pipeline.output()->GetOutput(), *project, axes, {}, { axes[1] });
+  ASSERT_EQ(model.axes().size(), 3u);
+  EXPECT_EQ(model.axes()[1].notPositive, notPositive) << "counted over every thread's rows";
+
+  // One thread's places: each value placed alone, then kept as every place is.
+  explorer::Places expected;
+  expected.assign(count);
+  std::size_t differ = 0;
+  for (std::size_t a = 0; a < axes.size(); ++a)
+  {
+    const explorer::ParallelAxis& axis = model.axes()[a];
+    for (std::size_t i = 0; i < count; ++i)
+    {
+      const double value =
+        a == 0   ? linear[i]
+        : a == 1 ? (logarithmic[i] <= 0 ? missing : logarithmic[i])
+                 : static_cast<double>(
+                     std::find(axis.categories.begin(), axis.categories.end(), texts[i]) -
+                     axis.categories.begin());
+      expected.set(i, model.positionOf(a, value));
+      const float got = axis.position[i];
+      if (!(got == expected[i] || (std::isnan(got) && std::isnan(expected[i]))))
+        ++differ;
+    }
+  }
+  EXPECT_EQ(differ, 0u);
+}

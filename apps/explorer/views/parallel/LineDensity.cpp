@@ -4,25 +4,15 @@
 
 #include "views/parallel/ParallelCoordinatesModel.h"
 #include "views/parallel/ParallelCoordinatesPainter.h"
+#include "views/parallel/Shares.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <limits>
-#include <thread>
 
 namespace explorer
 {
-
-namespace
-{
-
-// Below this many lines one thread bins them all; above, up to this many threads share them.
-constexpr std::size_t linesPerThreadAtLeast = std::size_t(1) << 18;
-constexpr std::size_t threadsAtMost = 4;
-
-} // namespace
 
 QImage lineDensity(const std::vector<ParallelAxis>& axes,
                    const Places* colour,
@@ -63,21 +53,8 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
   };
   // Millions of lines are binned by several threads, each over its share of the lines into sums
   // of its own, added up after; fewer lines by one, in one order.
-  const std::size_t shares =
-    threads > 0 ? threads
-    : total < linesPerThreadAtLeast
-      ? 1
-      : std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, threadsAtMost);
-  const auto shareStart = [&](std::size_t share) { return total * share / shares; };
-  const auto eachShare = [&](const std::function<void(std::size_t)>& work)
-  {
-    std::vector<std::thread> helpers;
-    for (std::size_t share = 1; share < shares; ++share)
-      helpers.emplace_back(work, share);
-    work(0);
-    for (auto& helper : helpers)
-      helper.join();
-  };
+  const std::size_t shares = sharesOf(total, threads);
+  const auto startOf = [&](std::size_t share) { return shareStart(total, shares, share); };
   std::vector<float> count(static_cast<std::size_t>(w) * h, 0.f);
   std::vector<float> colourSum(count.size(), 0.f);
   std::vector<float> coloured(count.size(), 0.f);
@@ -88,36 +65,38 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
   std::vector<std::vector<float>> pairColoured(shares, std::vector<float>(pairBins));
   std::vector<std::uint16_t> fromBins(total);
   std::vector<std::uint16_t> toBins(total);
-  eachShare([&](std::size_t share)
-            { binsOn(axes.front().position, toBins, shareStart(share), shareStart(share + 1)); });
+  eachShare(shares,
+            [&](std::size_t share)
+            { binsOn(axes.front().position, toBins, startOf(share), startOf(share + 1)); });
   for (std::size_t pair = 0; pair + 1 < axes.size(); ++pair)
   {
     fromBins.swap(toBins);
-    eachShare(
-      [&](std::size_t share)
-      {
-        const std::size_t first = shareStart(share);
-        const std::size_t last = shareStart(share + 1);
-        binsOn(axes[pair + 1].position, toBins, first, last);
-        std::vector<float>& lines = pairCount[share];
-        std::vector<float>& colourTotal = pairColour[share];
-        std::vector<float>& colouredLines = pairColoured[share];
-        std::fill(lines.begin(), lines.end(), 0.f);
-        std::fill(colourTotal.begin(), colourTotal.end(), 0.f);
-        std::fill(colouredLines.begin(), colouredLines.end(), 0.f);
-        for (std::size_t i = first; i < last; ++i)
-        {
-          const std::size_t bin =
-            static_cast<std::size_t>(fromBins[i]) * static_cast<std::size_t>(bins) + toBins[i];
-          lines[bin] += 1;
-          const std::size_t row = rows ? static_cast<std::size_t>((*rows)[i]) : i;
-          if (colour && !std::isnan((*colour)[row]))
-          {
-            colourTotal[bin] += (*colour)[row];
-            colouredLines[bin] += 1;
-          }
-        }
-      });
+    eachShare(shares,
+              [&](std::size_t share)
+              {
+                const std::size_t first = startOf(share);
+                const std::size_t last = startOf(share + 1);
+                binsOn(axes[pair + 1].position, toBins, first, last);
+                std::vector<float>& lines = pairCount[share];
+                std::vector<float>& colourTotal = pairColour[share];
+                std::vector<float>& colouredLines = pairColoured[share];
+                std::fill(lines.begin(), lines.end(), 0.f);
+                std::fill(colourTotal.begin(), colourTotal.end(), 0.f);
+                std::fill(colouredLines.begin(), colouredLines.end(), 0.f);
+                for (std::size_t i = first; i < last; ++i)
+                {
+                  const std::size_t bin =
+                    static_cast<std::size_t>(fromBins[i]) * static_cast<std::size_t>(bins) +
+                    toBins[i];
+                  lines[bin] += 1;
+                  const std::size_t row = rows ? static_cast<std::size_t>((*rows)[i]) : i;
+                  if (colour && !std::isnan((*colour)[row]))
+                  {
+                    colourTotal[bin] += (*colour)[row];
+                    colouredLines[bin] += 1;
+                  }
+                }
+              });
     for (std::size_t share = 1; share < shares; ++share)
       for (std::size_t bin = 0; bin < pairBins; ++bin)
       {
