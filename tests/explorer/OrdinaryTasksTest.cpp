@@ -48,6 +48,7 @@
 #include <vtkTooltipItem.h>
 
 #include <cmath>
+#include <limits>
 
 using explorer::ExplorerWindow;
 using testsupport::TemporaryFolder;
@@ -354,8 +355,8 @@ TEST_F(OrdinaryTasks, ALogarithmicAxisFitsThePointsAndUndoesBackToALinearOne)
   EXPECT_TRUE(y->GetLogScaleActive());
   // Every range of the sample study lies between its logarithmic axis's ends.
   const auto project = window->project();
-  double low = INFINITY;
-  double high = -INFINITY;
+  double low = std::numeric_limits<double>::infinity();
+  double high = -std::numeric_limits<double>::infinity();
   for (double range : *project->numericValues(project->variable("range").lock()))
     if (range > 0)
     {

@@ -98,7 +98,8 @@ const std::vector<Shape>& shapes()
         for (int i = 0; i < 60; ++i)
         {
           a.push_back(1 + i % 3);
-          c.push_back(10 * (1 + i / 15));
+          const int group = i / 15; // fifteen runs per value
+          c.push_back(10.0 * (1 + group));
           e.push_back(0.1 * (1 + i % 5));
         }
         b.addNumericVariable("a", a);
@@ -131,6 +132,7 @@ const std::vector<Shape>& shapes()
         ProjectBuilder b;
         b.setCaseIds(firstIds(30));
         std::vector<std::string> material;
+        material.reserve(30);
         for (int i = 0; i < 30; ++i)
           material.push_back("alloy-" + std::to_string(i % 7));
         b.addTextVariable("material", material);

@@ -64,7 +64,7 @@ std::string TemporaryFolder::filePath(const std::string& name) const
 
 std::string TemporaryFolder::write(const std::string& name, const std::string& contents) const
 {
-  const std::string file = filePath(name);
+  std::string file = filePath(name);
   QDir().mkpath(QFileInfo(QString::fromStdString(file)).absolutePath());
   std::ofstream stream(file, std::ios::binary);
   stream << contents;

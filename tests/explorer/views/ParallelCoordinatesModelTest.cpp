@@ -48,6 +48,7 @@ struct Lines
   void read(const std::vector<std::string>& axes, const std::string& colour)
   {
     std::vector<WeakPtr<Variable>> variables;
+    variables.reserve(axes.size());
     for (const auto& name : axes)
       variables.push_back(project->variable(name));
     pipeline->output()->Update();
