@@ -93,14 +93,14 @@ std::vector<std::string> ScatterPlot3DModel::labels(int axis) const
     texts.emplace_back(text);
   }
   // Labels run along their axis, which may be short on screen (the upright one is): where their
-  // characters, with a gap each, would be over twenty ("0100200300400500"), every other label is
+  // characters, with a gap each, would be over sixteen ("0100200300400500"), every other label is
   // left out, and again. The box draws a tick at each of them still.
   const auto crowded = [&texts](std::size_t every)
   {
     std::size_t characters = 0;
     for (std::size_t i = 0; i < texts.size(); i += every)
       characters += texts[i].size() + 1;
-    return characters > 20 && texts.size() > 2 * every;
+    return characters > 16 && texts.size() > 2 * every;
   };
   std::size_t every = 1;
   while (crowded(every))
