@@ -106,7 +106,7 @@ std::size_t placeRows(AxisToPlace& read, std::size_t first, std::size_t last)
   }
   else if (read.numbers)
   {
-    // A linear axis's place by one multiplication: a division per value was most of the time.
+    // A linear axis places each value by one multiplication rather than a division.
     const double* values = read.numbers->GetPointer(0);
     const double scale = 1.0 / (axis.max - axis.min);
     for (std::size_t row = first; row < last; ++row)
