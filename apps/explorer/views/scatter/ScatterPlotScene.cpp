@@ -182,6 +182,10 @@ ScatterPlotScene::ScatterPlotScene(QVTKOpenGLNativeWidget& widget)
   : d(std::make_unique<Impl>(widget))
 {
   guardAxisTicks(*d->chart);
+  // One sample a pixel: the chart's marks are sprites and its lines upright, so multisampling
+  // changes little that is seen, and software OpenGL drew the chart in twice the time with the
+  // eight samples VTK takes by default.
+  d->window->SetMultiSamples(0);
   widget.setRenderWindow(d->window);
   vtkGenericOpenGLRenderWindow* window = d->window;
   d->draws.attach(widget, [window] { window->Render(); });
