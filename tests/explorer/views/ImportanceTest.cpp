@@ -117,4 +117,18 @@ TEST(Importance, ManyValuesMakeTenQuantilesAndMissingOrUnlistedRowsAreLeftOut)
   all = importanceOf(output.data(), output.size(), { { "x", input.data(), nullptr } }, &two);
   EXPECT_TRUE(std::isnan(all[0].rankCorrelation)) << "two cases say nothing";
   EXPECT_TRUE(std::isnan(all[0].correlationRatio));
+
+  // A text input's groups over the listed rows that have a category: 2, 3, 4 (outputs 2, 3, 4)
+  // in one group, 50 in another. The unlisted rows of the first group, far from its mean, must
+  // not spread it.
+  std::vector<int> category(output.size(), 0);
+  category[0] = -1; // no category
+  category[50] = 1;
+  all = importanceOf(output.data(), output.size(), { { "text", nullptr, category.data() } }, &rows);
+  ASSERT_EQ(all[0].cases, 4u);
+  const double mean = (2 + 3 + 4 + 50) / 4.0;
+  const double spread = (2 - mean) * (2 - mean) + (3 - mean) * (3 - mean) +
+                        (4 - mean) * (4 - mean) + (50 - mean) * (50 - mean);
+  const double between = 3 * (3 - mean) * (3 - mean) + (50 - mean) * (50 - mean);
+  EXPECT_NEAR(all[0].correlationRatio, between / spread, 1e-12);
 }
