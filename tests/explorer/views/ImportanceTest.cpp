@@ -28,10 +28,12 @@ const InputImportance& named(const std::vector<InputImportance>& all, const std:
 
 TEST(Importance, OrderOfValuesLeavesOutMissingOnesAndKeepsTiesInRowOrder)
 {
-  const double values[] = { 3, -1, missing, 0.0, -0.0, INFINITY, -INFINITY, 3, 2.5 };
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const double values[] = { 3, -1, missing, 0.0, -0.0, infinity, -infinity, 3, 2.5 };
   EXPECT_EQ(orderOf(values, 9), (std::vector<std::uint32_t>{ 6, 1, 4, 3, 8, 0, 7, 5 }));
   EXPECT_TRUE(orderOf(values, 0).empty());
   std::vector<double> many;
+  many.reserve(70000);
   for (int i = 0; i < 70000; ++i)
     many.push_back(static_cast<double>((i * 7919) % 70000) - 35000.5);
   const auto order = orderOf(many.data(), many.size());
@@ -42,6 +44,7 @@ TEST(Importance, OrderOfValuesLeavesOutMissingOnesAndKeepsTiesInRowOrder)
   // Values alike in their upper bits (sorted by the values alone, or by one pass of the two),
   // and many ties among missing values: the order of a stable sort.
   std::vector<double> ties;
+  ties.reserve(20000);
   for (int i = 0; i < 20000; ++i)
     ties.push_back(i % 13 == 0 ? missing : std::round((i * 7919 % 1000) / 7.0) - 70);
   for (const auto& values : { std::vector<double>{ 1 + 3e-12, 1 + 2e-12, 1 + 1e-12, missing, 1 },
