@@ -67,6 +67,13 @@ int main(int argc, char** argv)
     std::cout << "resident memory grew by more than 5%" << std::endl;
     ok = false;
   }
+  if (!ok)
+  {
+    // The actions and the study stay for whoever looks into the failure.
+    scratch.setAutoRemove(false);
+    std::cout << "the actions taken and the study are kept in " << scratch.path().toStdString()
+              << std::endl;
+  }
   std::cout << (ok ? "soak passed" : "soak FAILED") << std::endl;
   return ok ? 0 : 1;
 }
