@@ -372,3 +372,40 @@ TEST_F(OrdinaryTasks, ALogarithmicAxisFitsThePointsAndUndoesBackToALinearOne)
   EXPECT_FALSE(y->GetLogScaleActive());
   EXPECT_NEAR(y->GetMinimum(), linearMin, std::abs(linearMin) * 0.01 + 1e-9);
 }
+
+TEST_F(OrdinaryTasks, AnAxisTurnedLogarithmicAndADraggedLegendAreUndoneWhole)
+{
+  // A range of the user's own, not the one a fit to the values gives.
+  scatter->yAxis().min()->setValue(-7);
+  scatter->yAxis().max()->setValue(333);
+  const QString start = window->settingsDocument();
+  vtkAxis& y = *scatter->chart().GetAxis(vtkAxis::LEFT);
+  const std::pair<double, double> linear(-7, 333);
+  ASSERT_EQ(std::make_pair(y.GetUnscaledMinimum(), y.GetUnscaledMaximum()), linear);
+
+  // Logarithmic Y fits the axis to the values above zero; undone, the axis has its range again.
+  scatter->logY()->setValue(true);
+  ASSERT_TRUE(y.GetLogScale());
+  UndoStack().undo();
+  EXPECT_FALSE(y.GetLogScale());
+  EXPECT_EQ(std::make_pair(y.GetUnscaledMinimum(), y.GetUnscaledMaximum()), linear);
+  EXPECT_EQ(window->settingsDocument().toStdString(), start.toStdString());
+
+  // The legend dragged out of its margin on the right, then the drag undone.
+  widget->renderWindow()->Render();
+  const QPoint from(widget->width() - 50, widget->height() / 2);
+  const QPoint to(widget->width() / 2, widget->height() / 3);
+  QTest::mousePress(widget, Qt::LeftButton, {}, from);
+  for (int step = 1; step <= 3; ++step)
+  {
+    const QPoint at = from + (to - from) * step / 3;
+    QMouseEvent move(
+      QEvent::MouseMove, at, widget->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(widget, &move);
+  }
+  QTest::mouseRelease(widget, Qt::LeftButton, {}, to);
+  ASSERT_NE(window->settingsDocument().toStdString(), start.toStdString()) << "the legend moved";
+  ASSERT_TRUE(UndoStack().canUndo()) << "a step of the history";
+  UndoStack().undo();
+  EXPECT_EQ(window->settingsDocument().toStdString(), start.toStdString());
+}

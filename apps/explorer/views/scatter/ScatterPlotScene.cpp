@@ -123,6 +123,7 @@ struct ScatterPlotScene::Impl
   vtkSmartPointer<vtkTextActor> legendNote = vtkSmartPointer<vtkTextActor>::New();
   vtkSmartPointer<vtkPxCommandProxy> layoutObserver;
   vtkSmartPointer<vtkPxCommandProxy> legendMovedObserver;
+  std::function<void(const double* before, const double* after)> legendMoved;
   vtkSmartPointer<vtkPxCommandProxy> swallowKeys;
   AxisDetailsInterface* xDetails = nullptr;
   AxisDetailsInterface* yDetails = nullptr;
@@ -264,8 +265,14 @@ ScatterPlotScene::ScatterPlotScene(QVTKOpenGLNativeWidget& widget)
   d->legendMovedObserver = vtkPxCommandProxy::New(
     [impl]
     {
+      double before[4];
+      const bool wasPlaced = impl->legendPlace.placement(before);
       impl->legendPlace.moved();
+      double after[4];
+      const bool placed = impl->legendPlace.placement(after);
       impl->draws.now();
+      if (impl->legendMoved)
+        impl->legendMoved(wasPlaced ? before : nullptr, placed ? after : nullptr);
     });
   d->legendBar->AddObserver(vtkCommand::EndInteractionEvent, d->legendMovedObserver);
   // VTK's interactor style answers keys as in a 3-D viewer (3 for stereo, w and s for wireframe
@@ -394,6 +401,12 @@ void ScatterPlotScene::placeLegend(const double* placement)
 {
   d->legendPlace.place(placement);
   scheduleRender();
+}
+
+void ScatterPlotScene::onLegendMoved(
+  std::function<void(const double* before, const double* after)> moved)
+{
+  d->legendMoved = std::move(moved);
 }
 
 void ScatterPlotScene::placeCustomTicks(AxisDetailsInterface& x, AxisDetailsInterface& y)

@@ -60,6 +60,9 @@ public:
   /// while it sits in its margin. Null puts it back in the margin.
   bool legendPlacement(double placement[4]) const;
   void placeLegend(const double* placement);
+  /// Called when the user has dragged the legend, with where it was before and where it is now
+  /// (each null while in the margin).
+  void onLegendMoved(std::function<void(const double* before, const double* after)> moved);
   /// Puts a tick on every multiple of an axis's custom grid spacing inside its range, before
   /// each draw. The axis settings start the ticks at the multiple nearest zero from the minimum,
   /// which can lie below the range and leave it without a label (198 to 242 by 50), and can

@@ -8,6 +8,9 @@
 #include "views/scatter/ScatterPlotScene.h"
 #include "views/scatter/ScatterPlotSettings.h"
 
+#include "analyzer_common/DeleteSignaler.h"
+#include "analyzer_common/GenericUndoCommand.h"
+#include "analyzer_common/UndoStack.h"
 #include "charts/AxisDetailsCharts.h"
 #include "charts/ChartXY.h"
 #include "charts/ConstraintsRegionPlot.h"
@@ -33,6 +36,9 @@
 #include <vtkIdTypeArray.h>
 #include <vtkTable.h>
 
+#include <array>
+#include <optional>
+
 namespace explorer
 {
 
@@ -45,6 +51,8 @@ using VariableProxy = plexa::UndoablePropertyProxy<WeakPtr<Variable>>;
 
 struct ScatterPlotView::Impl
 {
+  // Steps of the undo history this view made do nothing once it is gone.
+  DeleteSignaler undoOwner;
   std::shared_ptr<const Project> project;
   std::shared_ptr<const CaseKeys> keys;
   // Owned by the view (its widget); the scene draws into it.
@@ -68,6 +76,9 @@ struct ScatterPlotView::Impl
   // Set while the chart fits itself: refresh() then updates it without drawing, since the fit
   // goes on to widen the range and draws once at the end.
   bool fitting = false;
+  // The range an axis had before it turned logarithmic (by X, then Y), put back when it turns
+  // linear again, by hand or by undo: the step undoes whole.
+  std::array<std::optional<std::pair<double, double>>, 2> linearRange;
   // A fit asked for before the widget could draw: the chart learns its bounds only while it
   // paints, so the fit is made again on the first refresh once the widget is shown.
   bool pendingFit = false;
@@ -244,6 +255,12 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
         impl->updatePoints();
         // An axis turns logarithmic only over a range above zero: the values' own.
         vtkAxis& turned = *impl->scene->chart()->GetAxis(which);
+        // A scale set again as it is (settings loaded, say) leaves the range where it is.
+        if (on == turned.GetLogScale())
+          return;
+        auto& linear = impl->linearRange[which == vtkAxis::BOTTOM ? 0 : 1];
+        if (on)
+          linear = std::make_pair(turned.GetUnscaledMinimum(), turned.GetUnscaledMaximum());
         vtkTable* table = impl->model->table();
         auto* values = vtkDoubleArray::SafeDownCast(
           table ? table->GetColumnByName(
@@ -260,7 +277,20 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
           turned.SetUnscaledRange(1, 10);
         turned.SetLogScale(on);
         impl->updatePoints();
-        fitAxis(which);
+        if (on || !linear)
+        {
+          fitAxis(which);
+          return;
+        }
+        // Put back through the axis's settings, which the field and the saved settings show; not
+        // a step of its own: it belongs to the change of scale.
+        const UndoStack::SuspendUndoRecording unrecorded;
+        AxisDetailsCharts& details =
+          which == vtkAxis::BOTTOM ? impl->settings->xAxis() : impl->settings->yAxis();
+        details.min()->setValue(linear->first);
+        details.max()->setValue(linear->second);
+        linear.reset();
+        impl->scene->scheduleRender();
       }));
   connections().add(d->settings->drawing()->connectSignalValueChanged(
     [impl](const Drawing&)
@@ -301,6 +331,26 @@ ScatterPlotView::ScatterPlotView(const ViewContext& context)
   saveSetting(boost::make_shared<LegendPlacementSerializer>(
     [impl](double* placement) { return impl->scene->legendPlacement(placement); },
     [impl](const double* placement) { impl->scene->placeLegend(placement); }));
+  // Moving the legend is a step of the history like any other setting's edit.
+  d->scene->onLegendMoved(
+    [impl](const double* before, const double* after)
+    {
+      using Corners = std::optional<std::array<double, 4>>;
+      const auto corners = [](const double* placement)
+      {
+        return placement ? Corners(std::array<double, 4>{
+                             placement[0], placement[1], placement[2], placement[3] })
+                         : Corners();
+      };
+      const auto place = [impl](const Corners& at)
+      { impl->scene->placeLegend(at ? at->data() : nullptr); };
+      UndoStack().push(new GenericUndoCommand([place, at = corners(after)] { place(at); },
+                                              [place, at = corners(before)] { place(at); },
+                                              impl->undoOwner,
+                                              "Move Color Legend",
+                                              -1,
+                                              nullptr));
+    });
 
   d->updatePoints();
   fitToData();
