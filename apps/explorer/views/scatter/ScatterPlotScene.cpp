@@ -271,7 +271,9 @@ ScatterPlotScene::ScatterPlotScene(QVTKOpenGLNativeWidget& widget)
       double after[4];
       const bool placed = impl->legendPlace.placement(after);
       impl->draws.now();
-      if (impl->legendMoved)
+      // A press on a placed legend that did not move it changes nothing.
+      const bool same = wasPlaced == placed && (!placed || std::equal(before, before + 4, after));
+      if (impl->legendMoved && !same)
         impl->legendMoved(wasPlaced ? before : nullptr, placed ? after : nullptr);
     });
   d->legendBar->AddObserver(vtkCommand::EndInteractionEvent, d->legendMovedObserver);
