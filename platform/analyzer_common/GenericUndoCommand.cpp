@@ -15,7 +15,13 @@ GenericUndoCommand::GenericUndoCommand(boost::function<void()> redoFunction,
   , owner(&owner)
   , mergeId(id)
 {
-  ownerConnection = owner.connectSignalDeleted([this] { this->owner = nullptr; });
+  ownerConnection = owner.connectSignalDeleted(
+    [this]
+    {
+      this->owner = nullptr;
+      if (!running)
+        releaseFunctions();
+    });
 }
 
 GenericUndoCommand::~GenericUndoCommand() = default;
@@ -26,6 +32,7 @@ void GenericUndoCommand::redo()
   {
     return;
   }
+  const Running run(*this);
   UndoStack stack;
   if (stack.isPushing())
   {
@@ -43,6 +50,7 @@ void GenericUndoCommand::undo()
   {
     return;
   }
+  const Running run(*this);
   UndoStack::ReplayScope replay;
   undoFunction();
 }
@@ -61,6 +69,26 @@ bool GenericUndoCommand::mergeWith(const QUndoCommand* other)
   }
   redoFunction = command->redoFunction;
   return true;
+}
+
+void GenericUndoCommand::releaseFunctions()
+{
+  redoFunction.clear();
+  undoFunction.clear();
+}
+
+GenericUndoCommand::Running::Running(GenericUndoCommand& command)
+  : command(command)
+{
+  command.running = true;
+}
+
+GenericUndoCommand::Running::~Running()
+{
+  command.running = false;
+  // The owner went while a function ran: the functions go now that none of them runs.
+  if (!command.owner)
+    command.releaseFunctions();
 }
 
 bool GenericUndoCommand::ownerIsAlive() const

@@ -215,3 +215,26 @@ TEST_F(DerivedVariablesInWindow, FiguresOfEachRunsSeriesAreVariablesOfTheCase)
   EXPECT_FALSE(window->addDerivedVariable({ "bad", "series_max(`series:flight`, spd)" }, error));
   EXPECT_EQ(error.toStdString(), "bad: no series tagged \"series:flight\" has the column \"spd\"");
 }
+
+TEST_F(DerivedVariablesInWindow, AStudyReplacedIsLetGoWhileItsStepsStayInTheHistory)
+{
+  // A loaded settings file is a step whose undo knew the study it was taken on; a study given up
+  // for one with a new variable must not live on in it.
+  const std::string start = shown();
+  const std::string settings = saved("before");
+  QString error;
+  ASSERT_TRUE(window->loadSettings(QString::fromStdString(settings), error)) << error.toStdString();
+  plot("x", "speed");
+  const std::weak_ptr<const Project> first = window->project();
+  ASSERT_TRUE(window->addDerivedVariable({ "twice", "range * 2" }, error)) << error.toStdString();
+  const std::weak_ptr<const Project> second = window->project();
+  ASSERT_TRUE(window->removeDerivedVariable("twice", error)) << error.toStdString();
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(first.expired());
+  EXPECT_TRUE(second.expired());
+  ASSERT_EQ(UndoStack().count(), 4);
+
+  for (int step = 0; step < 4; ++step)
+    UndoStack().qUndoStack().undo();
+  EXPECT_EQ(shown(), start) << "the first steps still undo";
+}

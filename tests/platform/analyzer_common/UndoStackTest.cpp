@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <vector>
 
 namespace
@@ -84,4 +85,41 @@ TEST_F(UndoStackTest, CommandsWithTheSameIdAndOwnerMerge)
   unmerged.change(1);
   unmerged.change(2);
   EXPECT_EQ(stack.count(), 2) << "id -1 never merges";
+}
+
+TEST_F(UndoStackTest, ACommandWhoseOwnerIsGoneLetsGoOfWhatItHolds)
+{
+  UndoStack stack;
+  auto study = std::make_shared<int>(1);
+  const std::weak_ptr<int> watched = study;
+  auto owner = std::make_unique<DeleteSignaler>();
+  stack.push(new GenericUndoCommand([study] {}, [study] {}, *owner, "Step", -1, nullptr));
+  study.reset();
+  EXPECT_FALSE(watched.expired()) << "a live step keeps what it needs";
+  owner.reset();
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(stack.count(), 1) << "the step stays in the history";
+  stack.undo();
+  stack.redo();
+
+  // A step whose undo destroys its own owner (as making the views again does) runs to its end
+  // before its functions go.
+  auto ownerOfSelf = std::make_unique<DeleteSignaler>();
+  auto captured = std::make_shared<int>(2);
+  const std::weak_ptr<int> watchedToo = captured;
+  int seenAfter = 0;
+  stack.push(new GenericUndoCommand([] {},
+                                    [&ownerOfSelf, &seenAfter, captured]
+                                    {
+                                      ownerOfSelf.reset();
+                                      seenAfter = *captured;
+                                    },
+                                    *ownerOfSelf,
+                                    "Remake",
+                                    -1,
+                                    nullptr));
+  captured.reset();
+  stack.undo();
+  EXPECT_EQ(seenAfter, 2);
+  EXPECT_TRUE(watchedToo.expired());
 }
