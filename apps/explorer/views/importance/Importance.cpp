@@ -22,14 +22,14 @@ std::uint64_t sortKey(double value)
   return (bits >> 63) != 0 ? ~bits : bits | (std::uint64_t{ 1 } << 63);
 }
 
-// Each kept row's rank among the kept rows, ties taking their mean rank (from 1), in `ranks`;
+// Visits each kept row with its rank among the kept rows, ties taking their mean rank (from 1);
 // `order` has the rows in the order of their values, kept or not (rows of one value stand
 // together, whichever are kept). Returns how many rows were kept.
-template<typename ValueOf, typename Kept>
-std::size_t rankInOrder(const std::vector<std::uint32_t>& order,
+template<typename ValueOf, typename Kept, typename Visit>
+std::size_t forEachRank(const std::vector<std::uint32_t>& order,
                         ValueOf valueOf,
                         Kept kept,
-                        std::vector<float>& ranks)
+                        Visit visit)
 {
   std::size_t ranked = 0;
   for (std::size_t first = 0; first < order.size();)
@@ -43,43 +43,37 @@ std::size_t rankInOrder(const std::vector<std::uint32_t>& order,
     const double mean = (static_cast<double>(ranked + 1) + static_cast<double>(ranked + tied)) / 2;
     for (std::size_t i = first; i < last; ++i)
       if (kept(order[i]))
-        ranks[order[i]] = static_cast<float>(mean);
+        visit(order[i], mean);
     ranked += tied;
     first = last;
   }
   return ranked;
 }
 
-// Ranks are whole or half numbers up to the number of cases: exact as floats, which halves the
-// memory two columns of ranks take.
-double pearson(const std::vector<char>& kept,
-               std::size_t count,
-               const std::vector<float>& a,
-               const std::vector<float>& b)
+// The correlation of the input's ranks with the output's over the input's kept rows, in the
+// input's order. Each row's input rank is known as its ties are walked, so none is kept; ranks
+// of n rows have the mean (n + 1) / 2 whatever the ties.
+template<typename ValueOf>
+double rankCorrelation(const std::vector<std::uint32_t>& inputKept,
+                       ValueOf inputValueOf,
+                       const std::vector<float>& outputRanks)
 {
-  const auto n = static_cast<double>(count);
-  double meanA = 0;
-  double meanB = 0;
-  for (std::size_t row = 0; row < kept.size(); ++row)
-    if (kept[row])
-    {
-      meanA += a[row];
-      meanB += b[row];
-    }
-  meanA /= n;
-  meanB /= n;
+  const double mean = (static_cast<double>(inputKept.size()) + 1) / 2;
   double ab = 0;
   double aa = 0;
   double bb = 0;
-  for (std::size_t row = 0; row < kept.size(); ++row)
-    if (kept[row])
+  forEachRank(
+    inputKept,
+    inputValueOf,
+    [](std::uint32_t) { return true; },
+    [&](std::uint32_t row, double rank)
     {
-      const double da = a[row] - meanA;
-      const double db = b[row] - meanB;
+      const double da = rank - mean;
+      const double db = outputRanks[row] - mean;
       ab += da * db;
       aa += da * da;
       bb += db * db;
-    }
+    });
   return aa > 0 && bb > 0 ? ab / std::sqrt(aa * bb) : std::numeric_limits<double>::quiet_NaN();
 }
 
@@ -232,8 +226,8 @@ std::vector<InputImportance> importanceOf(const double* output,
   // that count for an input are flagged, not listed, and its groups are summed as they are found:
   // two lists of every row fewer (80 MB at ten million cases).
   std::vector<char> complete(rowCount);
+  // Ranks are whole or half numbers up to the number of cases: floats halve their memory.
   std::vector<float> outputRanks(rowCount);
-  std::vector<float> inputRanks(rowCount);
   const auto isComplete = [&complete](std::uint32_t row) { return complete[row] != 0; };
 
   std::vector<InputImportance> result;
@@ -246,8 +240,12 @@ std::vector<InputImportance> importanceOf(const double* output,
         static_cast<char>(considered(row) && !std::isnan(output[row]) &&
                           (input.numbers ? !std::isnan(input.numbers[row])
                                          : input.categories && input.categories[row] >= 0));
-    const std::size_t count = rankInOrder(
-      outputOrder, [output](std::uint32_t row) { return output[row]; }, isComplete, outputRanks);
+    const std::size_t count = forEachRank(
+      outputOrder,
+      [output](std::uint32_t row) { return output[row]; },
+      isComplete,
+      [&outputRanks](std::uint32_t row, double rank)
+      { outputRanks[row] = static_cast<float>(rank); });
     importance.cases = count;
     if (count < 3)
     {
@@ -272,12 +270,8 @@ std::vector<InputImportance> importanceOf(const double* output,
                                      inputKept.end(),
                                      [&](std::uint32_t row) { return !isComplete(row); }),
                       inputKept.end());
-      rankInOrder(
-        inputKept,
-        [x](std::uint32_t row) { return x[row]; },
-        [](std::uint32_t) { return true; },
-        inputRanks);
-      importance.rankCorrelation = pearson(complete, count, inputRanks, outputRanks);
+      importance.rankCorrelation = rankCorrelation(
+        inputKept, [x](std::uint32_t row) { return x[row]; }, outputRanks);
       // Few values are groups of their own; more are cut into ten quantiles, a value's cases
       // all in the quantile where its first one falls.
       std::size_t distinct = 0;
