@@ -30,7 +30,7 @@ long long size(long long full, long long tiny)
 std::string dataFolder()
 {
   const char* folder = std::getenv("QUEN_BENCH_DATA");
-  const std::string path = folder ? folder : (QDir::tempPath() + "/quen-bench").toStdString();
+  std::string path = folder ? folder : (QDir::tempPath() + "/quen-bench").toStdString();
   QDir().mkpath(QString::fromStdString(path));
   return path;
 }
@@ -60,6 +60,9 @@ int run(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
   QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
   QApplication application(count, arguments.data());
+  // What the views remember goes under a name of its own, apart from the explorer's settings.
+  QApplication::setOrganizationName("quen-bench");
+  QApplication::setApplicationName("bench");
   benchmark::Initialize(&count, arguments.data());
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();

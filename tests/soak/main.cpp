@@ -22,6 +22,9 @@ int main(int argc, char** argv)
 {
   explorer::keepLargeBlocksInHeap(); // as the explorer runs
   QApplication application(argc, argv);
+  // What the views remember goes under a name of its own, apart from the explorer's settings.
+  QApplication::setOrganizationName("quen-soak");
+  QApplication::setApplicationName("soak");
   const int steps = argc > 1 ? std::atoi(argv[1]) : 10000;
   const unsigned seed = argc > 2 ? unsigned(std::strtoul(argv[2], nullptr, 10)) : 1U;
   const int runs = argc > 3 ? std::atoi(argv[3]) : 100000;
