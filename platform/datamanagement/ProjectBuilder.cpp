@@ -47,6 +47,16 @@ namespace
 // never compare equal. Each project takes a block of 2^32 ids.
 std::atomic<unsigned long long> nextIdBlock{ 1 };
 
+// Gives back a list's spare room when there is much of it: a list grown by doubling may hold
+// room for 16.7 million values for ten million, for as long as the study is open. A little room
+// over (a reader that counted lines ahead) is not worth a copy of the list.
+template<typename T>
+void shrinkIfRoomy(std::vector<T>& values)
+{
+  if (values.capacity() - values.size() > values.size() / 16)
+    values.shrink_to_fit();
+}
+
 std::pair<double, double> finiteRange(const std::vector<double>& values)
 {
   bool any = false;
@@ -100,7 +110,7 @@ void ProjectBuilder::setFolder(std::string folder)
 void ProjectBuilder::setCaseIds(std::vector<unsigned long long> caseIds)
 {
   pending->caseIds = std::move(caseIds);
-  pending->caseIds.shrink_to_fit();
+  shrinkIfRoomy(pending->caseIds);
 }
 
 void ProjectBuilder::addNumericVariable(std::string name, std::vector<double> values)
@@ -117,9 +127,7 @@ void ProjectBuilder::addNumericVariable(std::string name,
   column.name = std::move(name);
   column.nature = nature;
   column.values.numbers = std::move(values);
-  // A reader's columns grow by doubling: ten million values may hold room for 16.7 million, for
-  // as long as the study is open.
-  column.values.numbers.shrink_to_fit();
+  shrinkIfRoomy(column.values.numbers);
   pending->columns.push_back(std::move(column));
 }
 
@@ -130,7 +138,7 @@ void ProjectBuilder::addTextVariable(std::string name, std::vector<std::string> 
   column.nature = Variable::Text;
   column.values.isText = true;
   column.values.texts = std::move(values);
-  column.values.texts.shrink_to_fit();
+  shrinkIfRoomy(column.values.texts);
   pending->columns.push_back(std::move(column));
 }
 

@@ -29,9 +29,57 @@ struct ParsedColumn
   std::vector<std::string> texts;
 };
 
-void readCases(const fs::path& path,
-               ProjectBuilder& builder,
-               std::unordered_map<unsigned long long, std::size_t>& lineOfCase)
+// The case ids read so far, in the file's order. Ids that ascend, as most studies write them, are
+// told apart by comparing each with the one before; a table of every id is built only once they
+// stop ascending (ten million ids in a hash table cost 400 MB while the study is read).
+class CaseIndex
+{
+public:
+  void reserve(std::size_t expected) { ids.reserve(expected); }
+
+  /// Adds an id; false (and nothing added) when it was read before.
+  bool add(unsigned long long id)
+  {
+    if (rowOf.empty() && (ids.empty() || id > ids.back()))
+    {
+      ids.push_back(id);
+      return true;
+    }
+    if (rowOf.empty())
+    {
+      rowOf.reserve(ids.capacity());
+      for (std::size_t row = 0; row < ids.size(); ++row)
+        rowOf.emplace(ids[row], row);
+    }
+    if (!rowOf.emplace(id, ids.size()).second)
+      return false;
+    ids.push_back(id);
+    return true;
+  }
+
+  /// The row of an id read before, or npos.
+  std::size_t find(unsigned long long id) const
+  {
+    if (rowOf.empty())
+    {
+      const auto found = std::lower_bound(ids.begin(), ids.end(), id);
+      return found != ids.end() && *found == id ? std::size_t(found - ids.begin()) : npos;
+    }
+    const auto found = rowOf.find(id);
+    return found == rowOf.end() ? npos : found->second;
+  }
+
+  std::vector<unsigned long long> takeIds() { return std::move(ids); }
+
+  static constexpr std::size_t npos = std::size_t(-1);
+
+private:
+  std::vector<unsigned long long> ids;
+  std::unordered_map<unsigned long long, std::size_t> rowOf;
+};
+
+// Reads the cases' ids into `cases` and their values into `builder`.
+void readCases(const fs::path& path, ProjectBuilder& builder, CaseIndex& cases)
 {
   const std::string contents = readFile(path);
   const std::string file = path.string();
@@ -49,7 +97,6 @@ void readCases(const fs::path& path,
                              inQuotes(trimmed(fields[0].text)));
   std::vector<ParsedColumn> columns(fields.size() - 1);
   std::unordered_map<std::string, std::size_t> columnOfName;
-  lineOfCase.reserve(text.size() / 32);
   for (std::size_t c = 1; c < fields.size(); ++c)
   {
     const std::string name(trimmed(fields[c].text));
@@ -65,26 +112,37 @@ void readCases(const fs::path& path,
   }
   const std::size_t width = fields.size();
 
-  // Where each record starts, to read the earlier values of a column again as texts when a
-  // later value shows that the column is not numeric.
-  std::vector<std::pair<std::size_t, std::size_t>> recordStarts;
-  std::vector<unsigned long long> caseIds;
-  std::size_t start = csv.position();
-  std::size_t startLine = csv.nextLine();
+  // Where the first record starts: the earlier values of a column are read again from there as
+  // texts when a later value shows that the column is not numeric.
+  const std::size_t firstStart = csv.position();
+  const std::size_t firstLine = csv.nextLine();
+  // A record a line, as nearly every file has it: the columns get their room once, instead of
+  // growing by doubling (ten million values would hold room for 16.7 million meanwhile).
+  const std::size_t expected =
+    std::size_t(std::count(text.begin() + std::ptrdiff_t(firstStart), text.end(), '\n')) + 1;
+  cases.reserve(expected);
+  for (auto& column : columns)
+    column.numbers.reserve(expected);
+  std::size_t rows = 0;
   while (csv.next(fields))
   {
-    recordStarts.emplace_back(start, startLine);
     checkFieldCount(csv, fields, width);
     const unsigned long long id = parseCaseId(csv, fields[0]);
-    const auto [previous, inserted] = lineOfCase.emplace(id, csv.recordLine());
-    if (!inserted)
+    if (!cases.add(id))
+    {
+      // The line of its first record, found by reading the records again up to it.
+      CsvTokenizer again(text, file);
+      again.seek(firstStart, firstLine);
+      std::vector<CsvTokenizer::Field> earlier;
+      for (std::size_t r = 0; r <= cases.find(id); ++r)
+        again.next(earlier);
       throw StudyFormatError(file,
                              csv.recordLine(),
                              fields[0].column,
                              "case id " + std::to_string(id) + " is repeated (first on line " +
-                               std::to_string(previous->second) + ")");
-    caseIds.push_back(id);
-    const std::size_t row = caseIds.size() - 1;
+                               std::to_string(again.recordLine()) + ")");
+    }
+    const std::size_t row = rows++;
 
     for (std::size_t c = 1; c < width; ++c)
     {
@@ -104,22 +162,19 @@ void readCases(const fs::path& path,
       column.isText = true;
       column.numbers.clear();
       column.numbers.shrink_to_fit();
-      column.texts.reserve(row + 1);
+      column.texts.reserve(std::max(expected, row + 1));
       CsvTokenizer again(text, file);
+      again.seek(firstStart, firstLine);
       std::vector<CsvTokenizer::Field> earlier;
       for (std::size_t r = 0; r < row; ++r)
       {
-        again.seek(recordStarts[r].first, recordStarts[r].second);
         again.next(earlier);
         column.texts.emplace_back(earlier[c].text);
       }
       column.texts.emplace_back(fields[c].text);
     }
-    start = csv.position();
-    startLine = csv.nextLine();
   }
 
-  builder.setCaseIds(std::move(caseIds));
   for (auto& column : columns)
   {
     if (column.isText)
@@ -144,9 +199,7 @@ std::vector<std::string> splitTags(std::string_view text)
   }
 }
 
-void readAuxFiles(const fs::path& path,
-                  ProjectBuilder& builder,
-                  const std::unordered_map<unsigned long long, std::size_t>& lineOfCase)
+void readAuxFiles(const fs::path& path, ProjectBuilder& builder, const CaseIndex& cases)
 {
   const std::string contents = readFile(path);
   const std::string file = path.string();
@@ -169,7 +222,7 @@ void readAuxFiles(const fs::path& path,
   {
     checkFieldCount(csv, fields, 3);
     const unsigned long long id = parseCaseId(csv, fields[0]);
-    if (lineOfCase.count(id) == 0)
+    if (cases.find(id) == CaseIndex::npos)
       throw StudyFormatError(file,
                              csv.recordLine(),
                              fields[0].column,
@@ -207,10 +260,11 @@ std::shared_ptr<const Project> readStudy(const std::string& folder)
 
   ProjectBuilder builder;
   builder.setFolder(root.lexically_normal().string());
-  std::unordered_map<unsigned long long, std::size_t> lineOfCase;
-  readCases(cases, builder, lineOfCase);
+  CaseIndex index;
+  readCases(cases, builder, index);
   const fs::path auxFiles = root / "auxfiles.csv";
   if (fs::exists(auxFiles, error))
-    readAuxFiles(auxFiles, builder, lineOfCase);
+    readAuxFiles(auxFiles, builder, index);
+  builder.setCaseIds(index.takeIds());
   return builder.build();
 }

@@ -66,6 +66,16 @@ TEST(StudyReader, CaseIdsCoverTheWholeUnsigned64BitRangeAndAuxFilesAreOptional)
     project->caseIds(),
     (std::vector<unsigned long long>{ 0, 9223372036854775808ULL, 18446744073709551615ULL }));
   EXPECT_TRUE(project->auxFiles().empty());
+
+  // Ids in no order keep the file's order, and their files find them.
+  TemporaryFolder unordered;
+  unordered.write("cases.csv", "case_id,x\n7,1\n3,2\n5,3\n");
+  unordered.write("auxfiles.csv", "case_id,path,tags\n3,a.png,t\n5,b.png,t\n5,c.png,t\n");
+  const auto study = readStudy(unordered.path());
+  EXPECT_EQ(study->caseIds(), (std::vector<unsigned long long>{ 7, 3, 5 }));
+  EXPECT_EQ(study->record(7).lock().auxFiles().size(), 0U);
+  EXPECT_EQ(study->record(3).lock().auxFiles().size(), 1U);
+  EXPECT_EQ(study->record(5).lock().auxFiles().size(), 2U);
 }
 
 TEST(StudyReader, MalformedFilesNameFileLineColumnAndProblem)
@@ -104,6 +114,19 @@ TEST(StudyReader, MalformedFilesNameFileLineColumnAndProblem)
       4,
       1,
       "case id 5 is repeated (first on line 2)" },
+    { "case_id,x\n5,1\n6,1\n6,2\n",
+      nullptr,
+      "cases.csv",
+      4,
+      1,
+      "case id 6 is repeated (first on line 3)" },
+    // Ids out of order, and a record over two lines before the repeat.
+    { "case_id,x\n9,1\n3,\"a\nb\"\n7,1\n3,2\n",
+      nullptr,
+      "cases.csv",
+      6,
+      1,
+      "case id 3 is repeated (first on line 3)" },
     { "case_id,x\n1,\"open\n", nullptr, "cases.csv", 2, 3, "quoted field is not closed" },
     { "case_id,x\n1,\"a\"b\n", nullptr, "cases.csv", 2, 6, "unexpected character after" },
     { "case_id,x\n1,caf\xC3\n", nullptr, "cases.csv", 2, 6, "not valid UTF-8" },
@@ -118,6 +141,12 @@ TEST(StudyReader, MalformedFilesNameFileLineColumnAndProblem)
       "case_id,path,tags\n2,a.png,\n",
       "auxfiles.csv",
       2,
+      1,
+      "case id 2 is not in cases.csv" },
+    { "case_id,x\n3,1\n1,2\n",
+      "case_id,path,tags\n1,a.png,\n2,b.png,\n",
+      "auxfiles.csv",
+      3,
       1,
       "case id 2 is not in cases.csv" },
     { "case_id,x\n1,2\n",
