@@ -58,5 +58,5 @@ WeakPtr<Record> AuxFile::record() const
   {
     return {};
   }
-  return aliasHandle<Record>(d, d->project->data().records[d->record]);
+  return aliasHandle<Record>(d, d->project->data().records()[d->record]);
 }

@@ -84,15 +84,16 @@ WeakPtr<Variable> Project::caseIdVariable() const
 
 std::size_t Project::numberOfRecords() const
 {
-  return d->records.size();
+  return d->caseIds.size();
 }
 
 std::vector<WeakPtr<Record>> Project::records() const
 {
   std::vector<WeakPtr<Record>> result;
-  result.reserve(d->records.size());
+  const auto& records = d->records();
+  result.reserve(records.size());
   const auto self = shared_from_this();
-  for (const auto& record : d->records)
+  for (const auto& record : records)
   {
     result.emplace_back(aliasHandle<Record>(self, record));
   }
@@ -106,7 +107,7 @@ WeakPtr<Record> Project::record(unsigned long long caseId) const
   {
     return {};
   }
-  return aliasHandle<Record>(shared_from_this(), d->records[row]);
+  return aliasHandle<Record>(shared_from_this(), d->records()[row]);
 }
 
 const std::vector<unsigned long long>& Project::caseIds() const
@@ -116,11 +117,11 @@ const std::vector<unsigned long long>& Project::caseIds() const
 
 WeakPtr<Record> Project::recordAt(std::size_t row) const
 {
-  if (row >= d->records.size())
+  if (row >= d->caseIds.size())
   {
     return {};
   }
-  return aliasHandle<Record>(shared_from_this(), d->records[row]);
+  return aliasHandle<Record>(shared_from_this(), d->records()[row]);
 }
 
 std::vector<std::size_t> Project::rowsOf(const std::vector<unsigned long long>& ascendingIds) const

@@ -189,7 +189,6 @@ std::shared_ptr<const Project> ProjectBuilder::build()
   unsigned long long nextId = base + 1;
 
   data->caseIds = std::move(input.caseIds);
-  data->records.resize(rows);
   // Ascending ids are searched, not hashed: a million cases do not need a million nodes.
   const bool ascending =
     std::adjacent_find(data->caseIds.begin(), data->caseIds.end(), std::greater_equal<>()) ==
@@ -370,7 +369,7 @@ std::shared_ptr<const Project> ProjectBuilder::withColumns(
 
   unsigned long long nextId = nextIdBlock.fetch_add(1) << 32;
   data->firstRecordId = nextId + 1;
-  nextId += data->records.size();
+  nextId += data->caseIds.size();
   data->caseIdVariable.id = ++nextId;
   for (auto& variable : data->variables)
     variable.id = ++nextId;
@@ -390,8 +389,7 @@ std::shared_ptr<const Project> ProjectBuilder::own(std::unique_ptr<ProjectData> 
   stored.caseIdVariable.project = owner;
   for (auto& variable : stored.variables)
     variable.project = owner;
-  for (auto& record : stored.records)
-    record.project = owner;
+  stored.owner = owner;
   for (auto& file : stored.auxFiles)
     file.project = owner;
   return project;

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -37,7 +38,7 @@ struct VariableData
 };
 
 // A record is its place among the project's records (its row); what else it has, the project
-// holds by row: ten million cases keep one pointer each.
+// holds by row: a record is one pointer.
 struct RecordData
 {
   const Project* project = nullptr;
@@ -63,6 +64,27 @@ struct TagGroupData
   std::vector<std::string> tags;
 };
 
+// The records of a project, made when first asked for: the views read the study's columns by
+// row, and a study whose cases are never handed out one by one keeps no record (80 MB at ten
+// million cases). A copy of the project makes its own, which point at it.
+class LazyRecords
+{
+public:
+  LazyRecords() = default;
+  LazyRecords(const LazyRecords&) {}
+  LazyRecords& operator=(const LazyRecords&) = delete;
+
+  const std::vector<RecordData>& of(const Project* project, std::size_t count) const
+  {
+    std::call_once(made, [&] { list.assign(count, RecordData{ project }); });
+    return list;
+  }
+
+private:
+  mutable std::once_flag made;
+  mutable std::vector<RecordData> list;
+};
+
 struct ProjectData
 {
   std::string folder;
@@ -72,7 +94,10 @@ struct ProjectData
   std::vector<ValueColumn> columns;
   std::vector<VariableData> variables;
   VariableData caseIdVariable;
-  std::vector<RecordData> records;
+  // The project that owns this storage (set as it takes it).
+  const Project* owner = nullptr;
+  LazyRecords lazyRecords;
+  const std::vector<RecordData>& records() const { return lazyRecords.of(owner, caseIds.size()); }
   // The records' ids, one after the other from the first record's.
   unsigned long long firstRecordId = 0;
   std::vector<AuxFileData> auxFiles;
@@ -105,7 +130,7 @@ struct ProjectData
   /// The row of a record of this project.
   std::size_t rowOf(const RecordData& record) const
   {
-    return static_cast<std::size_t>(&record - records.data());
+    return static_cast<std::size_t>(&record - records().data());
   }
 };
 

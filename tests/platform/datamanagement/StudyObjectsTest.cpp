@@ -170,6 +170,8 @@ TEST(StudyObjects, EveryObjectHasItsOwnIdAndACopyWithOtherColumnsKeepsTheCasesAn
   builder.addAuxFile(9, "nine.png", { "x" });
   builder.addAuxFile(5, "five.png", { "x" });
   const auto project = builder.build();
+  // The original's records are made before the copy; the copy's must be its own.
+  ASSERT_EQ(project->recordAt(2).lock().caseId(), 9u);
   const auto copy = ProjectBuilder::withColumns(*project, { "t" }, { { "y", { 7, 8, 9 } } });
 
   std::set<unsigned long long> ids;
