@@ -153,11 +153,11 @@ std::pair<const std::uint32_t*, const std::uint32_t*> Curve::rowsAt(std::size_t 
   return { rows.data() + firstRow[point], rows.data() + firstRow[point + 1] };
 }
 
-std::vector<std::uint32_t> orderByX(const std::vector<double>& x)
+std::vector<std::uint32_t> orderByX(Values x)
 {
   std::vector<std::pair<double, std::uint32_t>> keyed;
-  keyed.reserve(x.size());
-  for (std::size_t row = 0; row < x.size(); ++row)
+  keyed.reserve(x.size);
+  for (std::size_t row = 0; row < x.size; ++row)
     if (!std::isnan(x[row]))
       keyed.emplace_back(x[row], static_cast<std::uint32_t>(row));
   std::sort(keyed.begin(), keyed.end());

@@ -121,7 +121,7 @@ struct Values
 
 /// The rows that have an X, in X order (rows of equal X in row order). Made once per X, it spares
 /// each later change of Y or of the groups a sort.
-std::vector<std::uint32_t> orderByX(const std::vector<double>& x);
+std::vector<std::uint32_t> orderByX(Values x);
 
 /// Response curves: per group, the rows joined in X order; rows that share a group and an X
 /// value are aggregated into one point, with its band. Rows without X or Y, or with a value at

@@ -157,21 +157,27 @@ ColumnGroups groupsOf(vtkAbstractArray& column)
     { return "[" + numberText(edges[i]) + ", " + numberText(edges[i + 1]) + ")"; });
 }
 
-bool intoIntervals(std::vector<double>& x, std::size_t most)
+bool fewValues(const double* x, std::size_t size, std::size_t most)
 {
   std::unordered_set<double> seen;
+  for (std::size_t i = 0; i < size && seen.size() <= most; ++i)
+    if (std::isfinite(x[i]))
+      seen.insert(x[i]);
+  return seen.size() <= most;
+}
+
+bool intoIntervals(std::vector<double>& x, std::size_t most)
+{
+  if (fewValues(x.data(), x.size(), most))
+    return false;
   double min = std::numeric_limits<double>::infinity();
   double max = -std::numeric_limits<double>::infinity();
   for (double value : x)
     if (std::isfinite(value))
     {
-      if (seen.size() <= most)
-        seen.insert(value);
       min = std::min(min, value);
       max = std::max(max, value);
     }
-  if (seen.size() <= most)
-    return false;
   const std::vector<double> edges = niceEdges(min, max, most);
   for (double& value : x)
     if (std::isfinite(value))

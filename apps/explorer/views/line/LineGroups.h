@@ -42,6 +42,8 @@ std::vector<double> niceEdges(double min, double max, std::size_t most);
 /// their spread, instead of a line through every case. An X of at most `most` values (a sweep) is
 /// left as it is; the result says whether it was cut.
 bool intoIntervals(std::vector<double>& x, std::size_t most);
+/// Whether x has at most `most` finite values, and would be left as it is by intoIntervals.
+bool fewValues(const double* x, std::size_t size, std::size_t most);
 
 /// The groups of the rows by the columns given (none, one or two), only the combinations the
 /// rows hold, in the order of the first column's groups, then the second's.

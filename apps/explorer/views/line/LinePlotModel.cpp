@@ -114,17 +114,34 @@ void LinePlotModel::buildResponse(vtkTable& shown)
   if (orderedX != xName || xName.empty())
   {
     xCategories.clear();
-    if (xVariable.isNull())
+    auto* numbers = xVariable.isNull()
+                      ? nullptr
+                      : vtkDoubleArray::SafeDownCast(shown.GetColumnByName(xName.c_str()));
+    const std::size_t rows = caseIds().size();
+    xInIntervals = false;
+    if (numbers && fewValues(numbers->GetPointer(0), rows, xIntervalsAtMost))
     {
-      // Without X, the cases in their order, as the scatter plot shows them.
-      xValues.resize(caseIds().size());
-      std::iota(xValues.begin(), xValues.end(), 1.0);
-      xInIntervals = false;
+      numbers->Register(nullptr);
+      xOwner = std::shared_ptr<const void>(
+        numbers, [](vtkDoubleArray* array) { array->UnRegister(nullptr); });
+      xValues = Values(numbers->GetPointer(0), rows);
     }
     else
     {
-      xValues = numbersOf(shown, *project, xVariable, &xCategories);
-      xInIntervals = xCategories.empty() && intoIntervals(xValues, xIntervalsAtMost);
+      auto values = std::make_shared<std::vector<double>>();
+      if (xVariable.isNull())
+      {
+        // Without X, the cases in their order, as the scatter plot shows them.
+        values->resize(rows);
+        std::iota(values->begin(), values->end(), 1.0);
+      }
+      else
+      {
+        *values = numbersOf(shown, *project, xVariable, &xCategories);
+        xInIntervals = xCategories.empty() && intoIntervals(*values, xIntervalsAtMost);
+      }
+      xValues = Values(*values);
+      xOwner = std::move(values);
     }
     xOrder = orderByX(xValues);
     orderedX = xName;

@@ -97,8 +97,11 @@ private:
   CaseRowIndex rowOfCase;
   // The values of X (orderedX) for the shown cases, a text X's categories, and the rows in X
   // order; kept while X and the shown cases stay, so that a new Y or new groups cost no sort.
+  // A numeric X of few values is the shown table's column itself (ten million values are 80
+  // MB); other values are a list of their own. xOwner keeps either.
   std::string orderedX;
-  std::vector<double> xValues;
+  std::shared_ptr<const void> xOwner;
+  Values xValues{ nullptr, 0 };
   std::vector<std::string> xCategories;
   std::vector<std::uint32_t> xOrder;
   // Whether a continuous X was cut into intervals, each a point of the curves.
