@@ -144,12 +144,13 @@ void orderOf(const double* values,
   // Sorted by the upper 32 bits of each value's sort key (two passes of a radix sort of 16 bits,
   // the first reading the values, the second writing rows), then put right where values share
   // those bits: the order is nearly right, so an insertion sort by the values themselves costs
-  // little. One list of keys in between: ten million of them are 80 MB.
-  std::vector<std::uint64_t>& keys = scratch.keys;
+  // little. In between, each row and its key's upper 16 bits: ten million of them are 60 MB.
+  std::vector<std::uint32_t>& between = scratch.rows;
+  std::vector<std::uint16_t>& upper = scratch.upper;
   std::vector<std::size_t>& start = scratch.start;
-  const auto keyOf = [values](std::size_t row)
-  { return (sortKey(values[row]) & 0xffffffff00000000ULL) | row; };
-  const auto digit = [](std::uint64_t key, int shift) { return (key >> shift) & 0xffff; };
+  const auto keyOf = [values](std::size_t row) { return sortKey(values[row]); };
+  const auto digit = [](std::uint64_t key, int shift)
+  { return static_cast<std::uint16_t>((key >> shift) & 0xffff); };
   // Counts each digit's keys into start[digit + 1], then turns counts into starts; false when
   // every key has the same digit, and the pass would leave the order as it is.
   const auto starts = [&start](std::size_t total)
@@ -169,25 +170,27 @@ void orderOf(const double* values,
       ++start[digit(keyOf(row), 32) + 1];
       ++present;
     }
-  keys.resize(present);
+  between.resize(present);
+  upper.resize(present);
   const bool byLower = starts(present);
   std::size_t next = 0;
   for (std::size_t row = 0; row < rows; ++row)
     if (!std::isnan(values[row]))
     {
       const std::uint64_t key = keyOf(row);
-      keys[byLower ? start[digit(key, 32)]++ : next++] = key;
+      const std::size_t at = byLower ? start[digit(key, 32)]++ : next++;
+      between[at] = static_cast<std::uint32_t>(row);
+      upper[at] = digit(key, 48);
     }
 
   std::fill(start.begin(), start.end(), 0);
-  for (std::uint64_t key : keys)
-    ++start[digit(key, 48) + 1];
+  for (std::uint16_t d : upper)
+    ++start[d + 1];
   const bool byUpper = starts(present);
   order.resize(present);
   next = 0;
-  for (std::uint64_t key : keys)
-    order[byUpper ? start[digit(key, 48)]++ : next++] =
-      static_cast<std::uint32_t>(key & 0xffffffffULL);
+  for (std::size_t i = 0; i < present; ++i)
+    order[byUpper ? start[upper[i]]++ : next++] = between[i];
 
   for (std::size_t i = 1; i < order.size(); ++i)
   {
@@ -216,7 +219,8 @@ std::vector<InputImportance> importanceOf(const double* output,
   // before would otherwise move its keys and rows to a larger block while both are held, a
   // moment at which ten million cases hold 120 MB more.
   OrderScratch scratch;
-  scratch.keys.reserve(rowCount);
+  scratch.rows.reserve(rowCount);
+  scratch.upper.reserve(rowCount);
   std::vector<std::uint32_t> outputOrder;
   orderOf(output, rowCount, scratch, outputOrder);
   std::vector<std::uint32_t> inputOrder;

@@ -44,7 +44,9 @@ std::vector<std::uint32_t> orderOf(const double* values, std::size_t rows);
 /// more than the sort.
 struct OrderScratch
 {
-  std::vector<std::uint64_t> keys;
+  // Between the two passes of the sort: each row and the upper 16 bits of its key.
+  std::vector<std::uint32_t> rows;
+  std::vector<std::uint16_t> upper;
   std::vector<std::size_t> start;
 };
 void orderOf(const double* values,
