@@ -106,10 +106,6 @@ public:
   std::vector<int> rowsOf(const std::vector<unsigned long long>& selection) const;
 
 private:
-  // The id at a position of the ids in increasing order, and its row.
-  unsigned long long idAt(std::size_t position) const;
-  int rowAt(std::size_t position) const;
-
   // The ids in row order, and the rows in increasing order of their ids when the rows are in
   // another order: rows usually come in case id order, and then the ids are all the index holds.
   CaseIds ids;
