@@ -69,7 +69,13 @@ public:
     return found == rowOf.end() ? npos : found->second;
   }
 
-  std::vector<unsigned long long> takeIds() { return std::move(ids); }
+  /// The ids, in the file's order; the index is left empty (its table of ids, if any, goes before
+  /// the study is built with its own).
+  std::vector<unsigned long long> takeIds()
+  {
+    rowOf = {};
+    return std::move(ids);
+  }
 
   static constexpr std::size_t npos = std::size_t(-1);
 
@@ -134,7 +140,8 @@ void readCases(const fs::path& path, ProjectBuilder& builder, CaseIndex& cases)
       CsvTokenizer again(text, file);
       again.seek(firstStart, firstLine);
       std::vector<CsvTokenizer::Field> earlier;
-      for (std::size_t r = 0; r <= cases.find(id); ++r)
+      const std::size_t firstRow = cases.find(id);
+      for (std::size_t r = 0; r <= firstRow; ++r)
         again.next(earlier);
       throw StudyFormatError(file,
                              csv.recordLine(),
