@@ -27,25 +27,33 @@ class Places
 {
 public:
   /// `count` places, none of them placed.
-  void assign(std::size_t count) { codes.assign(count, none); }
+  void assign(std::size_t count) { codes.assign(count, noCode); }
   void set(std::size_t i, float place)
   {
     // Rounded to the nearest step: a half step up, then floored by the conversion (no call to
     // lround per place); the ends keep what lies beyond them.
-    codes[i] = std::isnan(place) ? none
+    codes[i] = std::isnan(place) ? noCode
                                  : static_cast<std::uint16_t>(std::clamp(
-                                     (place + 1.0f) * steps + 0.5f, 0.5f, float(none) - 0.5f));
+                                     (place + 1.0f) * steps + 0.5f, 0.5f, float(noCode) - 0.5f));
   }
-  float operator[](std::size_t i) const
-  {
-    return codes[i] == none ? std::numeric_limits<float>::quiet_NaN()
-                            : static_cast<float>(codes[i]) / steps - 1.0f;
-  }
+  float operator[](std::size_t i) const { return placeOfCode(codes[i]); }
   std::size_t size() const { return codes.size(); }
+
+  /// How a place is kept: the same place for the same code, whichever case it is of. A reader
+  /// that maps every place the same way maps each of the 65,536 codes once (`placeOfCode`).
+  std::uint16_t codeAt(std::size_t i) const { return codes[i]; }
+  static constexpr std::size_t codeCount = 0x10000;
+  static constexpr std::uint16_t noCode = 0xffff;
+  static float placeOfCode(std::uint16_t code)
+  {
+    return code == noCode ? std::numeric_limits<float>::quiet_NaN()
+                          : static_cast<float>(code) / steps - 1.0f;
+  }
+  /// The mean of places from the mean of their codes (a place is linear in its code).
+  static float placeOfMeanCode(double code) { return static_cast<float>(code / steps - 1.0); }
 
 private:
   static constexpr float steps = 16384.0f;
-  static constexpr std::uint16_t none = 0xffff;
   std::vector<std::uint16_t> codes;
 };
 
