@@ -6,6 +6,7 @@
 #include "support/RenderedView.h"
 
 #include <QImage>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <vtkAxis.h>
 #include <vtkChartXY.h>
@@ -14,6 +15,7 @@
 #include <vtkDoubleArray.h>
 #include <vtkIdTypeArray.h>
 #include <vtkIntArray.h>
+#include <vtkLookupTable.h>
 #include <vtkTable.h>
 
 namespace
@@ -104,6 +106,48 @@ TEST(DensityPlotPoints, ADensityShowsThePointsAndTheSelectionDarkerOverThem)
     count("selected.png", [](QRgb c) { return qRed(c) < 80 && qGreen(c) < 80 && qBlue(c) < 80; }),
     1)
     << "the selected point drawn dark";
+}
+
+TEST(DensityPlotPoints, ABinTakesTheMeanColourOfItsPoints)
+{
+  testsupport::RenderedView shown(200, 200);
+  auto chart = vtkSmartPointer<vtkChartXY>::New();
+  shown.view().GetScene()->AddItem(chart);
+  // The three points on (1, 1) coloured red, blue, blue: one bin of a third red, two thirds blue.
+  vtkSmartPointer<vtkTable> table = points();
+  auto colour = vtkSmartPointer<vtkDoubleArray>::New();
+  colour->SetName("c");
+  for (double c : { 0, 0, 1, 0, 1 })
+    colour->InsertNextValue(c);
+  table->AddColumn(colour);
+  auto redToBlue = vtkSmartPointer<vtkLookupTable>::New();
+  redToBlue->SetNumberOfTableValues(2);
+  redToBlue->SetTableRange(0, 1);
+  redToBlue->SetTableValue(0, 1, 0, 0);
+  redToBlue->SetTableValue(1, 0, 0, 1);
+  auto plot = vtkSmartPointer<vtkDensityPlotPoints>::New();
+  chart->AddPlot(plot);
+  plot->SetInputData(table, "x", "y");
+  plot->SetLookupTable(redToBlue);
+  plot->SelectColorArray("c");
+  plot->SetScalarVisibility(true);
+  plot->SetDrawDensity(true);
+  for (int axis : { vtkAxis::BOTTOM, vtkAxis::LEFT })
+  {
+    chart->GetAxis(axis)->SetBehavior(vtkAxis::FIXED);
+    chart->GetAxis(axis)->SetRange(0, 5);
+  }
+  shown.render();
+  const QImage image(QString::fromStdString(shown.save("mean-colour.png")));
+  int mixed = 0;
+  for (int x = 0; x < image.width(); ++x)
+    for (int y = 0; y < image.height(); ++y)
+    {
+      // The fullest bin is opaque: its pixels are the mean colour itself, (85, 0, 170).
+      const QRgb c = image.pixel(x, y);
+      mixed += std::abs(qRed(c) - 85) <= 3 && qGreen(c) <= 3 && std::abs(qBlue(c) - 170) <= 3;
+    }
+  EXPECT_GE(mixed, 1) << "a bin of 2 x 2 pixels in the mean of red, blue and blue";
 }
 
 // The points within a rectangle, its edges included; points that are not numbers or infinite
