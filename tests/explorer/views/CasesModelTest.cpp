@@ -65,6 +65,13 @@ TEST(CasesModel, SortsByAnyColumnAndFindsTheRowsOfCases)
   {
     model.sortBy(sort.column, sort.descending);
     EXPECT_EQ(shown(), sort.order) << "column " << sort.column;
+    std::vector<unsigned long long> ranged{ 42 };
+    model.addCasesOfRows(1, 2, ranged);
+    EXPECT_EQ(ranged, (std::vector<unsigned long long>{ 42, sort.order[1], sort.order[2] }))
+      << "a range of rows after what was there, column " << sort.column;
+    std::vector<unsigned long long> all;
+    model.addCasesOfRows(-3, 10, all);
+    EXPECT_EQ(all, sort.order) << "rows beyond the table are none, column " << sort.column;
     if (sort.column >= 0)
     {
       EXPECT_EQ(model.sortedCases(), sort.order) << "column " << sort.column;

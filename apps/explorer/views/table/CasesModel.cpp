@@ -111,6 +111,17 @@ unsigned long long CasesModel::caseOfRow(int row) const
   return rowOfCase.caseIds()[static_cast<std::size_t>(tableRow(row))];
 }
 
+void CasesModel::addCasesOfRows(int first, int last, std::vector<unsigned long long>& ids) const
+{
+  const CaseIds& caseIds = rowOfCase.caseIds();
+  const auto from = static_cast<std::size_t>(std::max(first, 0));
+  const auto to = std::min(static_cast<std::size_t>(std::max(last + 1, 0)),
+                           order.empty() ? caseIds.size() : order.size());
+  ids.reserve(ids.size() + (to > from ? to - from : 0));
+  for (std::size_t row = from; row < to; ++row)
+    ids.push_back(caseIds[order.empty() ? row : order[row]]);
+}
+
 std::vector<unsigned long long> CasesModel::sortedCases() const
 {
   std::vector<unsigned long long> ids;

@@ -47,6 +47,9 @@ public:
   void sortBy(int column, bool descending);
 
   unsigned long long caseOfRow(int row) const;
+  /// Adds the cases of the shown rows from `first` to `last` (both included) to `ids`, in that
+  /// order: a million selected rows without a call per row.
+  void addCasesOfRows(int first, int last, std::vector<unsigned long long>& ids) const;
   /// The shown cases in the shown order when sorted; empty in the study's order.
   std::vector<unsigned long long> sortedCases() const;
   /// The largest case id shown, whose text is the widest of the case id column.

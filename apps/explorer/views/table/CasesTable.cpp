@@ -245,8 +245,7 @@ private:
   {
     MasterSelection::Cases ids;
     for (const QItemSelectionRange& range : selection.selection())
-      for (int row = range.top(); row <= range.bottom(); ++row)
-        ids.push_back(model.caseOfRow(row));
+      model.addCasesOfRows(range.top(), range.bottom(), ids);
     const ScopedValue<bool> quiet(writing, true);
     master->setCases(std::move(ids));
   }
