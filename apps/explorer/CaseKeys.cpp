@@ -71,10 +71,23 @@ bool CaseKeys::keyOf(unsigned long long caseId, unsigned long long& key) const
 std::vector<unsigned long long> CaseKeys::keysOf(
   const std::vector<unsigned long long>& ascendingIds) const
 {
-  // Sorted ids are searched or walked along; sequential ones and others convert one by one.
+  // Sorted ids are searched or walked along; sequential ones convert by an offset, others one by
+  // one.
   if (sorted && !sequential)
     return positionsIn<unsigned long long>(ids.begin(), ids.size(), ascendingIds);
   std::vector<unsigned long long> keys;
+  if (sequential)
+  {
+    if (ids.empty())
+      return keys;
+    const unsigned long long first = ids[0];
+    const auto from = std::lower_bound(ascendingIds.begin(), ascendingIds.end(), first);
+    const auto to = std::upper_bound(from, ascendingIds.end(), ids[ids.size() - 1]);
+    keys.reserve(static_cast<std::size_t>(to - from));
+    for (auto id = from; id != to; ++id)
+      keys.push_back(*id - first);
+    return keys;
+  }
   keys.reserve(std::min(ascendingIds.size(), ids.size()));
   unsigned long long key = 0;
   for (unsigned long long id : ascendingIds)

@@ -15,6 +15,7 @@
 #include <vtkTable.h>
 #include <vtkTypeUInt64Array.h>
 
+#include <algorithm>
 #include <limits>
 
 using explorer::CaseKeys;
@@ -52,6 +53,20 @@ TEST(CaseKeys, TranslateEveryIdOfAnyShapeBothWays)
       ASSERT_TRUE(keys.caseIdOf(key, id)) << study.shape;
       EXPECT_EQ(id, study.ids[position]) << study.shape;
     }
+    // The keys of ascending ids, those the study lacks left out, before, among and after its own.
+    std::vector<unsigned long long> asked = { 3, 4 };
+    std::vector<unsigned long long> expected;
+    for (std::size_t position = 0; position < study.ids.size(); ++position)
+      if (position % 2 == 0)
+      {
+        asked.push_back(study.ids[position]);
+        expected.push_back(position);
+      }
+    std::sort(asked.begin(), asked.end());
+    std::sort(expected.begin(), expected.end());
+    if (std::find(study.ids.begin(), study.ids.end(), top) == study.ids.end())
+      asked.push_back(top);
+    EXPECT_EQ(keys.keysOf(asked), expected) << study.shape;
     unsigned long long unused = 7;
     EXPECT_FALSE(keys.keyOf(3, unused)) << study.shape << ": an id the study lacks";
     EXPECT_FALSE(keys.caseIdOf(study.ids.size(), unused)) << study.shape << ": a key too far";
