@@ -3,6 +3,7 @@
 
 #include "views/scatter/ScatterPlotModel.h"
 #include "CaseKeys.h"
+#include "views/scatter/vtkCaseKeysFilter.h"
 
 #include "datamanagement/Project.h"
 #include "datamanagement/ProjectBuilder.h"
@@ -11,8 +12,11 @@
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <vtkDoubleArray.h>
 #include <vtkIdTypeArray.h>
+#include <vtkIntArray.h>
 #include <vtkTable.h>
+#include <vtkTypeUInt64Array.h>
 
 #include <algorithm>
 #include <cmath>
@@ -238,4 +242,59 @@ TEST(ScatterPlotModel, TheRowsOfCasesAreFoundWhateverTheShapeOfTheIdsAndTheSelec
       EXPECT_EQ(plot.model->rowsOfCases(*selection), expected) << shape << " " << selection->size();
     }
   }
+}
+
+TEST(ScatterPlotModel, TheKeysOfTheRowsAreMadeAgainOnlyWhenTheRowsChange)
+{
+  // Cases 30, 10 and 20 of a study of 10, 20, 30 and 40: keys 2, 0, 1.
+  const auto keys =
+    std::make_shared<explorer::CaseKeys>(std::vector<unsigned long long>{ 10, 20, 30, 40 });
+  const auto tableOf = [](const std::vector<unsigned long long>& caseIds)
+  {
+    auto table = vtkSmartPointer<vtkTable>::New();
+    auto ids = vtkSmartPointer<vtkTypeUInt64Array>::New();
+    ids->SetName("case_id");
+    auto speed = vtkSmartPointer<vtkDoubleArray>::New();
+    speed->SetName("speed");
+    for (unsigned long long id : caseIds)
+    {
+      ids->InsertNextValue(id);
+      speed->InsertNextValue(static_cast<double>(id) / 10);
+    }
+    table->AddColumn(ids);
+    table->AddColumn(speed);
+    return table;
+  };
+  auto filter = vtkSmartPointer<explorer::vtkCaseKeysFilter>::New();
+  filter->SetKeys(keys);
+  const auto keysOut = [&]
+  {
+    filter->Update();
+    auto* column = vtkIntArray::SafeDownCast(filter->GetOutput()->GetColumn(0));
+    std::vector<int> values;
+    for (vtkIdType row = 0; column && row < column->GetNumberOfValues(); ++row)
+      values.push_back(column->GetValue(row));
+    return std::make_pair(static_cast<vtkAbstractArray*>(column), values);
+  };
+  vtkSmartPointer<vtkTable> input = tableOf({ 30, 10, 20 });
+  filter->SetInputData(input);
+  filter->SetColumns({ "speed" });
+  const auto [first, firstKeys] = keysOut();
+  EXPECT_EQ(firstKeys, (std::vector<int>{ 2, 0, 1 }));
+  EXPECT_EQ(filter->GetOutput()->GetNumberOfColumns(), 2);
+
+  filter->SetColumns({ "speed", explorer::vtkCaseKeysFilter::caseOrderColumnName });
+  const auto [again, againKeys] = keysOut();
+  EXPECT_EQ(again, first) << "other columns shown, the same rows: the same keys passed on";
+  EXPECT_EQ(filter->GetOutput()->GetValueByName(0, "case order").ToDouble(), 3.0);
+
+  // The same id column changed in place, then a new table of other rows.
+  vtkTypeUInt64Array::SafeDownCast(input->GetColumnByName("case_id"))->SetValue(0, 40);
+  input->GetColumnByName("case_id")->Modified();
+  input->Modified();
+  EXPECT_EQ(keysOut().second, (std::vector<int>{ 3, 0, 1 })) << "an id changed in place";
+  EXPECT_EQ(filter->GetOutput()->GetValueByName(0, "case order").ToDouble(), 4.0)
+    << "the order follows the new keys";
+  filter->SetInputData(tableOf({ 20, 40 }));
+  EXPECT_EQ(keysOut().second, (std::vector<int>{ 1, 3 })) << "other rows";
 }

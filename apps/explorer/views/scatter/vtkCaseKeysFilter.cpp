@@ -26,6 +26,8 @@ void vtkCaseKeysFilter::PrintSelf(ostream& os, vtkIndent indent)
 void vtkCaseKeysFilter::SetKeys(std::shared_ptr<const CaseKeys> keys)
 {
   this->Keys = std::move(keys);
+  this->KeyColumn = nullptr;
+  this->OrderColumn = nullptr;
   this->Modified();
 }
 
@@ -44,18 +46,30 @@ int vtkCaseKeysFilter::RequestData(vtkInformation*,
   vtkTable* input = vtkTable::GetData(inputVector[0], 0);
   vtkTable* output = vtkTable::GetData(outputVector, 0);
   auto table = vtkSmartPointer<vtkTable>::New();
-  const CaseIds ids(*input);
-  auto keys = vtkSmartPointer<vtkIntArray>::New();
-  keys->SetName(keyColumnName);
-  keys->SetNumberOfValues(static_cast<vtkIdType>(ids.size()));
-  for (std::size_t row = 0; row < ids.size(); ++row)
+  vtkAbstractArray* idColumn = input->GetColumnByName("case_id");
+  const vtkIdType rows = input->GetNumberOfRows();
+  if (!this->KeyColumn || !idColumn || idColumn != this->KeyedIds ||
+      idColumn->GetMTime() != this->KeyedIdsTime || rows != this->KeyedRows)
   {
-    unsigned long long key = row;
-    // Every row of the pipeline is a case of the study; a row without one keeps its number.
-    if (this->Keys)
-      this->Keys->keyOf(ids[row], key);
-    keys->SetValue(static_cast<vtkIdType>(row), static_cast<int>(key));
+    const CaseIds ids(*input);
+    auto keys = vtkSmartPointer<vtkIntArray>::New();
+    keys->SetName(keyColumnName);
+    keys->SetNumberOfValues(static_cast<vtkIdType>(ids.size()));
+    for (std::size_t row = 0; row < ids.size(); ++row)
+    {
+      unsigned long long key = row;
+      // Every row of the pipeline is a case of the study; a row without one keeps its number.
+      if (this->Keys)
+        this->Keys->keyOf(ids[row], key);
+      keys->SetValue(static_cast<vtkIdType>(row), static_cast<int>(key));
+    }
+    this->KeyColumn = keys;
+    this->OrderColumn = nullptr;
+    this->KeyedIds = idColumn;
+    this->KeyedIdsTime = idColumn ? idColumn->GetMTime() : 0;
+    this->KeyedRows = rows;
   }
+  vtkIntArray* keys = this->KeyColumn;
   table->AddColumn(keys);
   for (const std::string& name : this->Columns)
   {
@@ -63,12 +77,15 @@ int vtkCaseKeysFilter::RequestData(vtkInformation*,
       continue;
     if (name == caseOrderColumnName)
     {
-      auto order = vtkSmartPointer<vtkDoubleArray>::New();
-      order->SetName(name.c_str());
-      order->SetNumberOfValues(keys->GetNumberOfValues());
-      for (vtkIdType row = 0; row < keys->GetNumberOfValues(); ++row)
-        order->SetValue(row, keys->GetValue(row) + 1.0);
-      table->AddColumn(order);
+      if (!this->OrderColumn)
+      {
+        this->OrderColumn = vtkSmartPointer<vtkDoubleArray>::New();
+        this->OrderColumn->SetName(name.c_str());
+        this->OrderColumn->SetNumberOfValues(keys->GetNumberOfValues());
+        for (vtkIdType row = 0; row < keys->GetNumberOfValues(); ++row)
+          this->OrderColumn->SetValue(row, keys->GetValue(row) + 1.0);
+      }
+      table->AddColumn(this->OrderColumn);
     }
     else if (vtkAbstractArray* column = input->GetColumnByName(name.c_str()))
       table->AddColumn(column);

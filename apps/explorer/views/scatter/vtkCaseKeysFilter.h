@@ -1,6 +1,10 @@
 #pragma once
 
+#include <vtkDoubleArray.h>
+#include <vtkIntArray.h>
+#include <vtkSmartPointer.h>
 #include <vtkTableAlgorithm.h>
+#include <vtkWeakPointer.h>
 
 #include <memory>
 #include <string>
@@ -18,6 +22,9 @@ class CaseKeys;
 ///
 /// A shown column named caseOrderColumnName is the case's order in the study (1 for the first
 /// case), so that a variable can be plotted against it.
+///
+/// The keys are made again only when the input's rows change: another column shown (a new X)
+/// passes the same key column on.
 class vtkCaseKeysFilter : public vtkTableAlgorithm
 {
 public:
@@ -48,6 +55,14 @@ private:
 
   std::shared_ptr<const CaseKeys> Keys;
   std::vector<std::string> Columns;
+  // The keys of the rows last keyed, and their order column once asked for; what they were
+  // made from: the input's case id column (a new one is a new object, or the same one modified)
+  // and its row count.
+  vtkSmartPointer<vtkIntArray> KeyColumn;
+  vtkSmartPointer<vtkDoubleArray> OrderColumn;
+  vtkWeakPointer<vtkAbstractArray> KeyedIds;
+  vtkMTimeType KeyedIdsTime = 0;
+  vtkIdType KeyedRows = -1;
 };
 
 } // namespace explorer
