@@ -10,6 +10,7 @@
 #include <vtkIntArray.h>
 #include <vtkStringArray.h>
 #include <vtkTable.h>
+#include <vtkWeakPointer.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -50,6 +51,29 @@ InvalidPointsFilter::RelevanceDependentVariableProperty::retrieveValue() const
 
 // ---------------------------------------------------------------------------------------------
 // InvalidPointsFilter
+
+struct InvalidPointsFilter::Kept
+{
+  // A column's kept numbers: the input column, as it was when copied, and the copy.
+  struct Copy
+  {
+    vtkWeakPointer<vtkAbstractArray> input;
+    vtkMTimeType inputTime = 0;
+    vtkSmartPointer<vtkDataArray> copy;
+  };
+
+  std::vector<unsigned char> valid;
+  std::vector<Copy> copies;
+
+  // The copy of `input` made under the same rows, unchanged since; null if none.
+  vtkDataArray* copyOf(vtkAbstractArray* input) const
+  {
+    for (const Copy& earlier : copies)
+      if (earlier.input == input && earlier.inputTime == input->GetMTime())
+        return earlier.copy;
+    return nullptr;
+  }
+};
 
 namespace
 {
@@ -273,22 +297,37 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
   if (std::find(valid.begin(), valid.end(), 0) == valid.end() && evenColumns(*input, rows))
   {
     passEveryRow(*input, *output, rows);
+    lastKept.reset();
     return 1;
   }
-  std::vector<vtkIdType> kept;
-  kept.reserve(static_cast<std::size_t>(rows));
+  std::vector<vtkIdType> keptRows;
+  keptRows.reserve(static_cast<std::size_t>(rows));
   for (vtkIdType row = 0; row < rows; ++row)
   {
     if (valid[static_cast<std::size_t>(row)])
-      kept.push_back(row);
+      keptRows.push_back(row);
   }
 
   // The output's columns are sized once, to the rows kept, rather than to the input's rows and
   // shrunk after the copy: the result is the same (uncopied columns hold unset values either
   // way) without allocating and shrinking every column.
-  output->SetNumberOfRows(static_cast<vtkIdType>(kept.size()));
+  output->SetNumberOfRows(static_cast<vtkIdType>(keptRows.size()));
 
-  // Copy the kept rows, per column type, packed to the front.
+  // Copy the kept rows, per column type, packed to the front; numbers kept under the same rows
+  // before are shared.
+  auto kept = std::make_unique<Kept>();
+  const Kept* before = lastKept && lastKept->valid == valid ? lastKept.get() : nullptr;
+  const auto copyNumbers = [&](vtkAbstractArray* in, vtkAbstractArray* out, auto gather)
+  {
+    auto* numbers = vtkDataArray::SafeDownCast(out);
+    if (in->GetNumberOfComponents() != 1 || !numbers)
+      return; // numbers of several components are left uncopied
+    if (vtkDataArray* earlier = before ? before->copyOf(in) : nullptr)
+      numbers->ShallowCopy(earlier);
+    else
+      gather(in, out, keptRows);
+    kept->copies.push_back({ in, in->GetMTime(), numbers });
+  };
   for (vtkIdType c = 0; c < input->GetNumberOfColumns(); ++c)
   {
     vtkAbstractArray* in = input->GetColumn(c);
@@ -300,24 +339,26 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
     switch (in->GetDataType())
     {
       case VTK_BIT:
-        gatherAs<vtkBitArray>(in, out, kept);
+        gatherAs<vtkBitArray>(in, out, keptRows);
         break;
       case VTK_CHAR:
-        gatherAs<vtkCharArray>(in, out, kept);
+        gatherAs<vtkCharArray>(in, out, keptRows);
         break;
       case VTK_STRING:
-        gatherAs<vtkStringArray>(in, out, kept);
+        gatherAs<vtkStringArray>(in, out, keptRows);
         break;
       case VTK_DOUBLE:
-        gatherSingleComponent<vtkDoubleArray>(in, out, kept);
+        copyNumbers(in, out, gatherSingleComponent<vtkDoubleArray>);
         break;
       case VTK_INT:
-        gatherSingleComponent<vtkIntArray>(in, out, kept);
+        copyNumbers(in, out, gatherSingleComponent<vtkIntArray>);
         break;
       default:
         // Other types are deliberately not copied.
         break;
     }
   }
+  kept->valid = std::move(valid);
+  lastKept = std::move(kept);
   return 1;
 }

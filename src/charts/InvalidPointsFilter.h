@@ -9,6 +9,7 @@
 #include <vtkSmartPointer.h>
 #include <vtkTableAlgorithm.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,9 @@
 /// component) and string are filled; columns of other types (float, among others) are left as
 /// the row-count change left them, on purpose. A variable that no longer exists is ignored; a
 /// variable without a column, or no checked column at all, passes the input through unchanged.
-/// Choosing another variable re-runs the filter on the next update.
+/// Choosing another variable re-runs the filter on the next update. A run that keeps the rows
+/// the one before kept shares the numbers that run copied from a column unchanged since: a plot
+/// given a new X copies its Y again only when other rows are dropped.
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT InvalidPointsFilter : public vtkTableAlgorithm
 {
 public:
@@ -74,4 +77,7 @@ private:
 
   std::vector<boost::shared_ptr<const VariableProperty>> variableProperties;
   SignalConnectionCollection connections;
+  // What the last run that dropped rows kept, and the numbers it copied.
+  struct Kept;
+  std::unique_ptr<Kept> lastKept;
 };

@@ -28,7 +28,7 @@ std::shared_ptr<const Project> variables()
 {
   ProjectBuilder builder;
   builder.setCaseIds({ 1 });
-  for (const char* name : { "x", "y", "count", "ratio", "absent" })
+  for (const char* name : { "x", "y", "z", "count", "ratio", "absent" })
     builder.addNumericVariable(name, { 0 });
   return builder.build();
 }
@@ -191,6 +191,54 @@ TEST_F(InvalidPoints, ChoosingAnotherVariableReExecutesOnTheNextUpdate)
   chosen->setValue(project->variable("y"));
   filter->Update();
   EXPECT_EQ(caseIds(filter->GetOutput()), (std::vector<int>{ 10, 13 }));
+}
+
+TEST_F(InvalidPoints, NumbersCopiedUnderTheSameRowsAreSharedUntilTheirColumnChanges)
+{
+  // A plot of y against x, then against z: the same rows dropped (y's NaN), y copied once.
+  auto chosen = property("x");
+  auto filter = InvalidPointsFilter::New({ chosen, property("y") });
+  auto table = vtkSmartPointer<vtkTable>::New();
+  table->AddColumn(column<vtkIntArray>("case_id", { 10, 11, 12, 13 }));
+  table->AddColumn(column<vtkDoubleArray, double>("x", { 1, 2, 3, 4 }));
+  table->AddColumn(column<vtkDoubleArray, double>("z", { 40, 30, 20, 10 }));
+  auto y = column<vtkDoubleArray, double>("y", { 1, notANumber, 3, 4 });
+  table->AddColumn(y);
+  const auto values = [&](const char* name)
+  {
+    auto* numbers = vtkDoubleArray::SafeDownCast(filter->GetOutput()->GetColumnByName(name));
+    std::vector<double> result;
+    for (vtkIdType row = 0; numbers && row < numbers->GetNumberOfValues(); ++row)
+      result.push_back(numbers->GetValue(row));
+    return result;
+  };
+  const auto at = [&](const char* name)
+  { return filter->GetOutput()->GetColumnByName(name)->GetVoidPointer(0); };
+  run(*filter, table);
+  const void* yCopied = at("y");
+  const void* idsCopied = at("case_id");
+
+  chosen->setValue(project->variable("z"));
+  filter->Update();
+  EXPECT_EQ(caseIds(filter->GetOutput()), (std::vector<int>{ 10, 12, 13 }));
+  EXPECT_EQ(values("z"), (std::vector<double>{ 40, 20, 10 })) << "z copied";
+  EXPECT_EQ(values("y"), (std::vector<double>{ 1, 3, 4 }));
+  EXPECT_EQ(at("y"), yCopied) << "y shared, the same rows dropped";
+  EXPECT_EQ(at("case_id"), idsCopied);
+
+  // y changed in place, then other rows dropped: copied again.
+  y->SetValue(2, 33);
+  y->Modified();
+  table->Modified();
+  filter->Update();
+  EXPECT_EQ(values("y"), (std::vector<double>{ 1, 33, 4 })) << "a changed column";
+  EXPECT_EQ(at("case_id"), idsCopied) << "the unchanged ids stay shared";
+  vtkDoubleArray::SafeDownCast(table->GetColumnByName("z"))->SetValue(0, notANumber);
+  table->GetColumnByName("z")->Modified();
+  table->Modified();
+  filter->Update();
+  EXPECT_EQ(caseIds(filter->GetOutput()), (std::vector<int>{ 12, 13 }));
+  EXPECT_EQ(values("y"), (std::vector<double>{ 33, 4 })) << "other rows kept";
 }
 
 TEST_F(InvalidPoints, ARelevanceDependentVariableCountsOnlyWhileRelevant)
