@@ -305,26 +305,53 @@ TEST(ParallelCoordinatesModel, ManyRowsArePlacedByThreadsAsOneThreadPlacesThem)
   ASSERT_EQ(model.axes().size(), 3u);
   EXPECT_EQ(model.axes()[1].notPositive, notPositive) << "counted over every thread's rows";
 
-  // One thread's places: each value placed alone, then kept as every place is.
-  explorer::Places expected;
-  expected.assign(count);
-  std::size_t differ = 0;
-  for (std::size_t a = 0; a < axes.size(); ++a)
+  // One thread's places: each value of case i placed alone, then kept as every place is.
+  const auto expected = [&](std::size_t a, std::size_t i)
   {
-    const explorer::ParallelAxis& axis = model.axes()[a];
-    for (std::size_t i = 0; i < count; ++i)
-    {
-      const double value =
-        a == 0   ? linear[i]
-        : a == 1 ? (logarithmic[i] <= 0 ? missing : logarithmic[i])
-                 : static_cast<double>(
-                     std::find(axis.categories.begin(), axis.categories.end(), texts[i]) -
-                     axis.categories.begin());
-      expected.set(i, model.positionOf(a, value));
-      const float got = axis.position[i];
-      if (!(got == expected[i] || (std::isnan(got) && std::isnan(expected[i]))))
-        ++differ;
-    }
-  }
-  EXPECT_EQ(differ, 0u);
+    const auto& categories = model.axes()[a].categories;
+    const double value =
+      a == 0   ? linear[i]
+      : a == 1 ? (logarithmic[i] <= 0 ? missing : logarithmic[i])
+               : static_cast<double>(std::find(categories.begin(), categories.end(), texts[i]) -
+                                     categories.begin());
+    explorer::Places one;
+    one.assign(1);
+    one.set(0, model.positionOf(a, value));
+    return one[0];
+  };
+  // The shown rows' places compared with their cases' own, on every axis.
+  const auto differing = [&]
+  {
+    std::size_t differ = 0;
+    const explorer::CaseIds& shown = model.caseIds();
+    for (std::size_t a = 0; a < axes.size(); ++a)
+      for (std::size_t row = 0; row < shown.size(); ++row)
+      {
+        const float got = model.axes()[a].position[row];
+        const float want = expected(a, static_cast<std::size_t>(shown[row] - 1));
+        if (!(got == want || (std::isnan(got) && std::isnan(want))))
+          ++differ;
+      }
+    return differ;
+  };
+  EXPECT_EQ(differing(), 0u);
+
+  // Filtered, then not: the shown cases keep their places, and the logarithmic axis counts
+  // only the shown cases at or below zero.
+  pipeline.setRangeFilter(axes[0], 0, 400);
+  pipeline.output()->Update();
+  model.reload(*pipeline.output()->GetOutput(), *project, axes, {}, { axes[1] });
+  const explorer::CaseIds& shown = model.caseIds();
+  ASSERT_GT(shown.size(), 1000u);
+  ASSERT_LT(shown.size(), count / 2);
+  std::size_t shownNotPositive = 0;
+  for (unsigned long long id : shown)
+    shownNotPositive += logarithmic[id - 1] <= 0 ? 1 : 0;
+  EXPECT_EQ(model.axes()[1].notPositive, shownNotPositive);
+  EXPECT_EQ(differing(), 0u) << "filtered";
+  pipeline.setFilterEnabled(axes[0], false);
+  pipeline.output()->Update();
+  model.reload(*pipeline.output()->GetOutput(), *project, axes, {}, { axes[1] });
+  ASSERT_EQ(model.caseIds().size(), count);
+  EXPECT_EQ(differing(), 0u) << "every case shown again";
 }
