@@ -57,6 +57,21 @@ struct Lines
   }
 };
 
+// `count` lines over `axisCount` axes and their colours, no place set yet.
+struct LinesToDraw
+{
+  LinesToDraw(std::size_t count, std::size_t axisCount)
+    : axes(axisCount)
+  {
+    colour.assign(count);
+    for (auto& axis : axes)
+      axis.position.assign(count);
+  }
+
+  std::vector<explorer::ParallelAxis> axes;
+  explorer::Places colour;
+};
+
 } // namespace
 
 TEST(ParallelCoordinatesModel, PlacesEachCaseOnEachAxis)
@@ -199,11 +214,8 @@ TEST(ParallelCoordinatesModel, ADensityIsColouredByTheMeanOfItsColouredLines)
   for (const Row& row : rows)
   {
     const std::size_t count = row.colours.size();
-    std::vector<explorer::ParallelAxis> axes(2);
-    explorer::Places colour;
-    colour.assign(count);
-    for (auto& axis : axes)
-      axis.position.assign(count);
+    LinesToDraw lines(count, 2);
+    auto& [axes, colour] = lines;
     for (std::size_t i = 0; i < count; ++i)
     {
       axes[0].position.set(i, 0.5f);
@@ -225,11 +237,8 @@ TEST(ParallelCoordinatesModel, LinesBinnedByThreadsMakeTheDensityOfOneThread)
   // Many coloured lines over three axes, some missing, shared by one to three threads; all
   // lines, then every third.
   const std::size_t count = 50000;
-  std::vector<explorer::ParallelAxis> axes(3);
-  explorer::Places colour;
-  colour.assign(count);
-  for (auto& axis : axes)
-    axis.position.assign(count);
+  LinesToDraw lines(count, 3);
+  auto& [axes, colour] = lines;
   for (std::size_t i = 0; i < count; ++i)
   {
     for (std::size_t a = 0; a < axes.size(); ++a)
