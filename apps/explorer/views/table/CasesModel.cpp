@@ -117,7 +117,6 @@ void CasesModel::addCasesOfRows(int first, int last, std::vector<unsigned long l
   const auto from = static_cast<std::size_t>(std::max(first, 0));
   const auto to = std::min(static_cast<std::size_t>(std::max(last + 1, 0)),
                            order.empty() ? caseIds.size() : order.size());
-  ids.reserve(ids.size() + (to > from ? to - from : 0));
   for (std::size_t row = from; row < to; ++row)
     ids.push_back(caseIds[order.empty() ? row : order[row]]);
 }
