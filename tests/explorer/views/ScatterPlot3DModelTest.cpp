@@ -44,6 +44,8 @@ TEST(ScatterPlot3DModel, PointsInTheBoxOnRoundAxes)
   EXPECT_FLOAT_EQ(model.positions()[0][2], 0.5f) << "a constant in the middle of the box";
   EXPECT_FALSE(model.coloured());
   EXPECT_EQ(model.labels(0), (std::vector<std::string>{ "0", "2", "4", "6", "8" }));
+  EXPECT_EQ(model.labels(1), (std::vector<std::string>{ "", "1.5", "2", "2.5", "3" }))
+    << "Y's first label, at the corner where X ends, left out";
 
   // A projection that maps the unit box's x and y onto a 100 x 100 view, depth from z.
   ScatterPlot3DModel::Projection flat{};
@@ -93,5 +95,10 @@ TEST(ScatterPlot3DModel, LabelsAlongAShortAxisNeverRunTogether)
                  { project->variable("u"), project->variable("u"), project->variable("u") },
                  {});
     EXPECT_EQ(model.labels(2), c.labels) << c.lowest << " to " << c.highest;
+    // Y starts where X ends: its first label goes where X's last is shown.
+    std::vector<std::string> y = c.labels;
+    if (!c.labels.back().empty())
+      y.front().clear();
+    EXPECT_EQ(model.labels(1), y) << c.lowest << " to " << c.highest;
   }
 }

@@ -108,6 +108,11 @@ std::vector<std::string> ScatterPlot3DModel::labels(int axis) const
   for (std::size_t i = 0; i < texts.size(); ++i)
     if (i % every != 0)
       texts[i].clear();
+  // As the box is first shown, Y starts at the corner where X ends, and two labels there read as
+  // one number ("8" and "0" as "80"): Y leaves its first label out when X has a last one; its
+  // tick stays.
+  if (axis == 1 && texts.size() > 2 && !labels(0).back().empty())
+    texts.front().clear();
   return texts;
 }
 
