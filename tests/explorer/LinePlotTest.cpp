@@ -204,4 +204,14 @@ TEST_F(LinePlotTest, EachRunsSeriesIsReadFromItsFileAndABrokenFileIsNamed)
                          [](const std::string& note)
                          { return note.find("has no column \"altitude\"") != std::string::npos; }),
             lacking.end());
+
+  // A tag no file of the study has: nothing to read, nothing to plot.
+  line->seriesTag()->setValue("series:none");
+  waitForSeries();
+  EXPECT_TRUE(line->curves().curves.empty());
+  EXPECT_EQ(line->notes(), std::vector<std::string>{ "Nothing to plot" });
+  line->seriesTag()->setValue("series:flight");
+  line->seriesY()->setValue("y");
+  waitForSeries();
+  EXPECT_EQ(line->curves().curves.size(), 47u) << "back to the flights";
 }

@@ -196,8 +196,13 @@ void LinePlotModel::readSeries(vtkTable& shown, QObject* context, std::function<
           colourOfRow[row] = high > low ? static_cast<float>((value - low) / (high - low)) : 0.5f;
       }
     }
-  seriesPaths.assign(caseIds().size(), std::string());
-  for (std::size_t row = 0; row < caseIds().size(); ++row)
+  // Without a file of the tag in the study no case has a series: no record to ask for per case
+  // (ten million at the largest), no list of empty paths.
+  seriesPaths.clear();
+  const std::vector<std::string>& tags = project->tags();
+  if (std::binary_search(tags.begin(), tags.end(), settings.seriesTag))
+    seriesPaths.assign(caseIds().size(), std::string());
+  for (std::size_t row = 0; row < seriesPaths.size(); ++row)
   {
     const Record record = project->record(caseIds()[row]).lock();
     if (record.isNull())
@@ -226,7 +231,7 @@ void LinePlotModel::takeInSeries()
     return;
   const std::array<QRgb, 256>& colours = colourScale();
   waiting = 0;
-  for (std::size_t row = 0; row < caseIds().size(); ++row)
+  for (std::size_t row = 0; row < seriesPaths.size(); ++row)
   {
     if (seriesPaths[row].empty() || seriesTaken[row])
       continue;
