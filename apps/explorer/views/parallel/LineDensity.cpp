@@ -64,8 +64,8 @@ QImage lineDensity(const std::vector<ParallelAxis>& axes,
     {
       const float at = Places::placeOfCode(static_cast<std::uint16_t>(code));
       const double y = std::clamp(std::isnan(at) ? missingY : y0 + at * slope, 0.0, lowest);
-      // The bin of the pixel row nearest y: floor(floor(y + 0.5) / h) is floor((y + 0.5) / h),
-      // and for y >= 0 a conversion to an integer floors.
+      // The bin of the pixel row nearest y: floor(floor(y + 0.5) / binHeight) is
+      // floor((y + 0.5) / binHeight), and for y >= 0 a conversion to an integer floors.
       binOfCode[code] = static_cast<std::uint16_t>((y + 0.5) / binHeight);
     }
   }
