@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <sstream>
 #include <vector>
 
@@ -190,32 +191,41 @@ bool vtkDensityPlotPoints::Paint(vtkContext2D* painter)
   return true;
 }
 
-void vtkDensityPlotPoints::Bin(const Grid& grid,
-                               const vtkIdType* rows,
-                               vtkIdType count,
-                               bool colored,
-                               const unsigned char plain[4],
-                               vtkImageData* image) const
+namespace
 {
-  const double* area = grid.area;
-  const int* size = grid.size;
-  const std::size_t bins = static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]);
-  std::vector<unsigned> counts(bins, 0);
-  // Colour sums in integers: exact, and added faster than doubles.
-  std::vector<std::uint64_t> sums(colored ? bins * 3 : 0, 0);
+
+// The points each bin received, followed by the sums of their red, green and blue when the points
+// are coloured: one place in memory per point, where separate arrays would be two or more.
+template<typename Sum, int Width>
+struct BinTotals
+{
+  Sum values[Width] = {};
+  Sum count() const { return values[0]; }
+};
+
+// Adds the points (the `count` rows listed in `rows`, or all of them when `rows` is null) to the
+// bins of `totals`, a grid of `size` bins over `area`.
+template<typename Sum, int Width>
+void addPoints(const double area[4],
+               const int size[2],
+               vtkPoints2D& points,
+               const vtkIdType* rows,
+               vtkIdType count,
+               const unsigned char* rgba,
+               int stride,
+               std::vector<BinTotals<Sum, Width>>& totals)
+{
   const double toBinX = size[0] / (area[1] - area[0]);
   const double toBinY = size[1] / (area[3] - area[2]);
   // The plot keeps its points as floats: read them in place rather than one virtual call each.
-  auto* floats = vtkFloatArray::SafeDownCast(this->Points->GetData());
+  auto* floats = vtkFloatArray::SafeDownCast(points.GetData());
   const float* xy = floats ? floats->GetPointer(0) : nullptr;
   const vtkIdType components = floats ? floats->GetNumberOfComponents() : 0;
-  const vtkIdType points = this->Points->GetNumberOfPoints();
-  const unsigned char* rgba = colored ? this->Colors->GetPointer(0) : nullptr;
-  const int stride = colored ? this->Colors->GetNumberOfComponents() : 0;
+  const vtkIdType pointCount = points.GetNumberOfPoints();
   for (vtkIdType k = 0; k < count; ++k)
   {
     const vtkIdType i = rows ? rows[k] : k;
-    if (i < 0 || i >= points)
+    if (i < 0 || i >= pointCount)
       continue;
     double p[3] = { 0, 0, 0 };
     if (xy)
@@ -224,31 +234,46 @@ void vtkDensityPlotPoints::Bin(const Grid& grid,
       p[1] = xy[components * i + 1];
     }
     else
-      this->Points->GetPoint(i, p);
+      points.GetPoint(i, p);
     const double bx = (p[0] - area[0]) * toBinX;
     const double by = (p[1] - area[2]) * toBinY;
     // Points outside the axes' range, and non-finite ones, fall outside every bin. Within it a
-    // conversion to an integer floors (std::floor would be a call per coordinate).
+    // conversion to an integer floors (std::floor would be a call per coordinate), and an int
+    // is converted faster than an unsigned 64-bit size.
     if (!(bx >= 0 && bx < size[0] && by >= 0 && by < size[1]))
       continue;
-    const std::size_t bin = static_cast<std::size_t>(by) * static_cast<std::size_t>(size[0]) +
-                            static_cast<std::size_t>(bx);
-    ++counts[bin];
-    if (rgba)
+    Sum* bin =
+      totals[static_cast<std::size_t>(static_cast<int>(by) * size[0] + static_cast<int>(bx))]
+        .values;
+    ++bin[0];
+    if constexpr (Width == 4)
     {
       const unsigned char* colour = rgba + i * stride;
-      for (std::size_t c = 0; c < 3; ++c)
-        sums[bin * 3 + c] += colour[c];
+      bin[1] += colour[0];
+      bin[2] += colour[1];
+      bin[3] += colour[2];
     }
   }
-  const unsigned most = std::max(1u, *std::max_element(counts.begin(), counts.end()));
-  image->SetDimensions(size[0], size[1], 1);
-  image->AllocateScalars(VTK_UNSIGNED_CHAR, 4);
-  auto* pixels = static_cast<unsigned char*>(image->GetScalarPointer());
-  for (std::size_t bin = 0; bin < bins; ++bin)
+}
+
+// Writes the bins into `image`: each in the mean colour of its points (or `plain` without
+// colours), a lone point visible and the densest bin opaque.
+template<typename Sum, int Width>
+void paintBins(const std::vector<BinTotals<Sum, Width>>& totals,
+               const int size[2],
+               const unsigned char plain[4],
+               vtkImageData& image)
+{
+  Sum most = 1;
+  for (const auto& bin : totals)
+    most = std::max(most, bin.count());
+  image.SetDimensions(size[0], size[1], 1);
+  image.AllocateScalars(VTK_UNSIGNED_CHAR, 4);
+  auto* pixels = static_cast<unsigned char*>(image.GetScalarPointer());
+  for (std::size_t b = 0; b < totals.size(); ++b)
   {
-    unsigned char* pixel = pixels + bin * 4;
-    const unsigned n = counts[bin];
+    unsigned char* pixel = pixels + b * 4;
+    const auto n = static_cast<std::uint64_t>(totals[b].count());
     if (n == 0)
     {
       std::fill(pixel, pixel + 4, 0);
@@ -256,14 +281,60 @@ void vtkDensityPlotPoints::Bin(const Grid& grid,
     }
     // The mean colour, rounded to the nearest integer.
     for (std::size_t c = 0; c < 3; ++c)
-      pixel[c] =
-        colored ? static_cast<unsigned char>((2 * sums[bin * 3 + c] + n) / (2 * std::uint64_t(n)))
-                : plain[c];
-    // A lone point stays visible; the densest bin is opaque.
-    const double weight = std::log1p(n) / std::log1p(most);
+      pixel[c] = Width == 4
+                   ? static_cast<unsigned char>(
+                       (2 * static_cast<std::uint64_t>(totals[b].values[c + 1]) + n) / (2 * n))
+                   : plain[c];
+    const double weight = std::log1p(double(n)) / std::log1p(double(most));
     pixel[3] = static_cast<unsigned char>(96 + 159 * weight);
   }
-  image->Modified();
+  image.Modified();
+}
+
+template<typename Sum, int Width>
+void binInto(const double area[4],
+             const int size[2],
+             vtkPoints2D& points,
+             const vtkIdType* rows,
+             vtkIdType count,
+             const unsigned char* rgba,
+             int stride,
+             const unsigned char plain[4],
+             vtkImageData& image)
+{
+  std::vector<BinTotals<Sum, Width>> totals(static_cast<std::size_t>(size[0]) *
+                                            static_cast<std::size_t>(size[1]));
+  addPoints(area, size, points, rows, count, rgba, stride, totals);
+  paintBins(totals, size, plain, image);
+}
+
+} // namespace
+
+void vtkDensityPlotPoints::Bin(const Grid& grid,
+                               const vtkIdType* rows,
+                               vtkIdType count,
+                               bool colored,
+                               const unsigned char plain[4],
+                               vtkImageData* image) const
+{
+  const unsigned char* rgba = colored ? this->Colors->GetPointer(0) : nullptr;
+  const int stride = colored ? this->Colors->GetNumberOfComponents() : 0;
+  vtkPoints2D& points = *this->Points;
+  // Sums of 32 bits hold the colours of up to 16,843,009 points exactly, in half the room.
+  if (count <= vtkIdType(std::numeric_limits<std::uint32_t>::max() / 255))
+  {
+    if (colored)
+      binInto<std::uint32_t, 4>(
+        grid.area, grid.size, points, rows, count, rgba, stride, plain, *image);
+    else
+      binInto<std::uint32_t, 1>(
+        grid.area, grid.size, points, rows, count, nullptr, 0, plain, *image);
+  }
+  else if (colored)
+    binInto<std::uint64_t, 4>(
+      grid.area, grid.size, points, rows, count, rgba, stride, plain, *image);
+  else
+    binInto<std::uint64_t, 1>(grid.area, grid.size, points, rows, count, nullptr, 0, plain, *image);
 }
 
 void vtkDensityPlotPoints::SetCaseIdOfKey(CaseIdOfKey caseIdOfKey)
