@@ -34,6 +34,50 @@ void vtkDensityPlotPoints::PrintSelf(ostream& os, vtkIndent indent)
   os << indent << "DrawSelectionDensity: " << this->DrawSelectionDensity << "\n";
 }
 
+bool vtkDensityPlotPoints::BoundsSource::operator==(const BoundsSource& other) const
+{
+  return std::equal(arrays, arrays + 3, other.arrays) &&
+         std::equal(times, times + 3, other.times) && logX == other.logX && logY == other.logY &&
+         indexForX == other.indexForX;
+}
+
+vtkDensityPlotPoints::BoundsSource vtkDensityPlotPoints::BoundsSourceNow() const
+{
+  BoundsSource source;
+  vtkTable* table = this->Data->GetInput();
+  vtkAbstractArray* columns[3] = {
+    table && !this->UseIndexForXSeries ? this->Data->GetInputArrayToProcess(0, table) : nullptr,
+    table ? this->Data->GetInputArrayToProcess(1, table) : nullptr,
+    this->BadPoints,
+  };
+  for (int i = 0; i < 3; ++i)
+  {
+    source.arrays[i] = columns[i];
+    source.times[i] = columns[i] ? columns[i]->GetMTime() : 0;
+  }
+  source.logX = this->LogX;
+  source.logY = this->LogY;
+  source.indexForX = this->UseIndexForXSeries;
+  return source;
+}
+
+void vtkDensityPlotPoints::GetBounds(double bounds[4])
+{
+  if (!this->Points)
+  {
+    this->Superclass::GetBounds(bounds);
+    return;
+  }
+  const BoundsSource source = this->BoundsSourceNow();
+  if (!this->HasBounds || !(source == this->BoundsFrom))
+  {
+    this->Superclass::GetBounds(this->Bounds);
+    this->HasBounds = true;
+    this->BoundsFrom = source;
+  }
+  std::copy(this->Bounds, this->Bounds + 4, bounds);
+}
+
 void vtkDensityPlotPoints::ApplyPointOpacity()
 {
   const auto alpha = static_cast<unsigned char>(std::lround(this->PointOpacity * 255));

@@ -45,6 +45,11 @@ public:
 
   bool Paint(vtkContext2D* painter) override;
 
+  /// The points plot's bounds, kept until what they come from changes (the input's X and Y
+  /// columns, the points left out as bad, the logarithmic axes): the chart asks for them on every
+  /// draw and the view again to fit an axis, each time a pass over every point.
+  void GetBounds(double bounds[4]) override;
+
   /// A new selection keeps the points' cache: the points did not change, and rebuilding the
   /// cache would also drop the sorted points a rubber band searches (a million points sorted
   /// again on each selection).
@@ -121,4 +126,20 @@ private:
   vtkMTimeType BinnedSelectionPointsTime = 0;
   double BinnedSelectionArea[4] = { 0, 0, 0, 0 };
   int BinnedSelectionSize[2] = { 0, 0 };
+
+  // What the kept bounds were computed from. Modification times count up across every VTK object,
+  // so an array made anew at the address of an old one still differs.
+  struct BoundsSource
+  {
+    const void* arrays[3] = { nullptr, nullptr, nullptr }; // x, y, bad points
+    vtkMTimeType times[3] = { 0, 0, 0 };
+    bool logX = false;
+    bool logY = false;
+    bool indexForX = false;
+    bool operator==(const BoundsSource& other) const;
+  };
+  BoundsSource BoundsSourceNow() const;
+  bool HasBounds = false;
+  BoundsSource BoundsFrom;
+  double Bounds[4] = { 0, 0, 0, 0 };
 };

@@ -6,7 +6,9 @@
 #include "support/RenderedView.h"
 
 #include <QImage>
+#include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
 #include <vtkAxis.h>
 #include <vtkChartXY.h>
@@ -225,4 +227,59 @@ TEST(DensityPlotPoints, ANewSelectionOrItsDensityKeepsThePointsCache)
   EXPECT_EQ(plot->GetNearestPoint({ 4, 2 }, near, &at, &segment), -1) << "changed data is read";
   EXPECT_EQ(plot->GetNearestPoint({ 4, 9 }, near, &at, &segment), 3);
   EXPECT_EQ(plot->GetSelection(), nullptr);
+}
+
+// The bounds are kept between draws and made again when the columns they come from change, other
+// columns are plotted, an axis turns logarithmic or bad points are left out.
+TEST(DensityPlotPoints, BoundsAreKeptUntilWhatTheyComeFromChanges)
+{
+  auto chart = vtkSmartPointer<vtkChartXY>::New();
+  auto plot = vtkSmartPointer<vtkDensityPlotPoints>::New();
+  chart->AddPlot(plot);
+  auto table = points();
+  plot->SetInputData(table, "x", "y");
+  plot->Update();
+  auto* x = vtkDoubleArray::SafeDownCast(table->GetColumnByName("x"));
+  const auto boundsNow = [&]
+  {
+    plot->Update();
+    std::vector<double> bounds(4, -1);
+    plot->GetBounds(bounds.data());
+    return bounds;
+  };
+  const struct
+  {
+    const char* change;
+    std::function<void()> make;
+    std::vector<double> bounds;
+  } steps[] = {
+    { "none", [] {}, { 1, 4, 1, 3 } },
+    { "a value written behind the column's back",
+      [&] { x->GetPointer(0)[3] = 8; },
+      { 1, 4, 1, 3 } },
+    { "the column told of it", [&] { x->Modified(); }, { 1, 8, 1, 3 } },
+    { "another column as Y", [&] { plot->SetInputArray(1, "x"); }, { 1, 8, 1, 8 } },
+    { "X on a logarithmic axis",
+      [&]
+      {
+        chart->GetAxis(vtkAxis::BOTTOM)->SetLogScale(true);
+        chart->GetAxis(vtkAxis::BOTTOM)->SetUnscaledRange(1, 8);
+      },
+      { 0, std::log10(8.0), 1, 8 } },
+    { "a value that is not a number, left out",
+      [&]
+      {
+        x->SetValue(1, std::nan(""));
+        x->Modified();
+      },
+      { 0, std::log10(8.0), 1, 8 } },
+  };
+  for (const auto& step : steps)
+  {
+    step.make();
+    const std::vector<double> bounds = boundsNow();
+    for (int i = 0; i < 4; ++i)
+      EXPECT_NEAR(bounds[std::size_t(i)], step.bounds[std::size_t(i)], 1e-12)
+        << step.change << ", bound " << i;
+  }
 }
