@@ -286,9 +286,9 @@ void addPoints(const double area[4],
     // is converted faster than an unsigned 64-bit size.
     if (!(bx >= 0 && bx < size[0] && by >= 0 && by < size[1]))
       continue;
-    Sum* bin =
-      totals[static_cast<std::size_t>(static_cast<int>(by) * size[0] + static_cast<int>(bx))]
-        .values;
+    const auto column = static_cast<std::size_t>(static_cast<int>(bx));
+    const auto row = static_cast<std::size_t>(static_cast<int>(by));
+    Sum* bin = totals[row * static_cast<std::size_t>(size[0]) + column].values;
     ++bin[0];
     if constexpr (Width == 4)
     {
