@@ -63,6 +63,7 @@ Plotted::Plotted()
   builder.addNumericVariable("b", { 10, 20, missing, 40, 50 });
   builder.addNumericVariable("c", { 0.5, missing, 0.7, missing, 0.9 });
   builder.addNumericVariable("sweep", { 1, 1, 2, 2, 3 }, Variable::Discrete);
+  builder.addNumericVariable("steps", { 0, 10, 0, 10, 0 }, Variable::Discrete);
   builder.addNumericVariable("signed", { -1, 0, 2, 3, missing });
   project = builder.build();
   plot();
@@ -84,6 +85,17 @@ TEST(ScatterPlotModel, PlotsTheCasesWithXAndYAndSaysWhatItLeavesOut)
   EXPECT_EQ(table->GetNumberOfRows(), 3) << "cases 7, 2^32 and 13 have a and b";
   EXPECT_EQ(plot.model->leftOutNote(), "2 of 5 cases have no value of a or b and are not shown.");
   EXPECT_EQ(plot.model->withoutColour(), 1u) << "case 2^32 is drawn grey";
+  plot.colour->setValue(plot.project->variable("a"));
+  table = plot.model->update();
+  EXPECT_EQ(plot.model->withoutColour(), 0u) << "another colour column is counted";
+  auto* colours = vtkDoubleArray::SafeDownCast(table->GetColumnByName("a"));
+  ASSERT_NE(colours, nullptr);
+  colours->SetValue(0, missing);
+  colours->Modified();
+  EXPECT_EQ(plot.model->withoutColour(), 1u) << "a changed column is counted again";
+  plot.colour->setValue(plot.project->variable("c"));
+  table = plot.model->update();
+  ASSERT_NE(table, nullptr);
   EXPECT_EQ(plot.model->rowOfCase(4294967296ULL), 1);
   EXPECT_EQ(plot.model->rowOfCase(18446744073709551615ULL), -1) << "it has no b";
   EXPECT_EQ(plot.model->rowsOfCases({ 7, 12, 13, 4294967296ULL, 18446744073709551615ULL }),
@@ -153,8 +165,12 @@ TEST(ScatterPlotModel, AxesShowEveryPointWholeOnRoundNumbers)
   EXPECT_EQ(from, 7) << "left alone";
 
   Plotted plot;
-  EXPECT_DOUBLE_EQ(plot.model->halfGap(plot.project->variable("sweep").lock()), 0.5);
-  EXPECT_EQ(plot.model->halfGap(plot.project->variable("a").lock()), 0) << "continuous";
+  for (int time = 0; time < 2; ++time) // counted, then kept: each variable its own
+  {
+    EXPECT_DOUBLE_EQ(plot.model->halfGap(plot.project->variable("sweep").lock()), 0.5);
+    EXPECT_DOUBLE_EQ(plot.model->halfGap(plot.project->variable("steps").lock()), 5);
+    EXPECT_EQ(plot.model->halfGap(plot.project->variable("a").lock()), 0) << "continuous";
+  }
 }
 
 TEST(ScatterPlotModel, ACustomGridSpacingTicksEveryMultipleInsideTheRange)

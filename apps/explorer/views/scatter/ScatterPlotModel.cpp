@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace explorer
 {
@@ -56,6 +57,14 @@ struct ScatterPlotModel::Impl
   bool logY = false;
   // Cases with a value at or below zero on a logarithmic axis, at the last update.
   vtkIdType notPositive = 0;
+  // Answers that take a pass over a whole column (ten million values in a large study), kept
+  // for the next time they are asked: the half gap by variable id (a study's values never
+  // change), and the colour column's missing values by the column counted and its modification
+  // time (which counts up across every VTK object, so a new column at an old address differs).
+  mutable std::map<unsigned long long, double> halfGaps;
+  mutable const void* countedColour = nullptr;
+  mutable vtkMTimeType countedColourTime = 0;
+  mutable std::size_t withoutColour = 0;
 
   // The plotted rows without those a logarithmic axis cannot place.
   void leaveOutNotPositive(const std::string& xName, const std::string& yName)
@@ -182,10 +191,17 @@ std::size_t ScatterPlotModel::withoutColour() const
   auto* values = d->table && !name.empty()
                    ? vtkDoubleArray::SafeDownCast(d->table->GetColumnByName(name.c_str()))
                    : nullptr;
-  std::size_t count = 0;
-  for (vtkIdType row = 0; values && row < values->GetNumberOfTuples(); ++row)
-    count += std::isnan(values->GetValue(row)) ? 1 : 0;
-  return count;
+  if (!values)
+    return 0;
+  if (values != d->countedColour || values->GetMTime() != d->countedColourTime)
+  {
+    const double* first = values->GetPointer(0);
+    d->withoutColour = static_cast<std::size_t>(std::count_if(
+      first, first + values->GetNumberOfValues(), [](double v) { return std::isnan(v); }));
+    d->countedColour = values;
+    d->countedColourTime = values->GetMTime();
+  }
+  return d->withoutColour;
 }
 
 long long ScatterPlotModel::rowOfCase(unsigned long long caseId) const
@@ -259,15 +275,20 @@ double ScatterPlotModel::halfGap(const Variable& variable) const
                          : d->project->numericValues(variable);
   if (!values)
     return 0;
+  const auto kept = d->halfGaps.find(variable.id());
+  if (kept != d->halfGaps.end())
+    return kept->second;
   // A discrete variable has few values: a short list searched in order.
   std::vector<double> distinct;
   for (double value : *values)
     if (!std::isnan(value) && std::find(distinct.begin(), distinct.end(), value) == distinct.end())
       distinct.push_back(value);
   const auto range = variable.range();
-  return distinct.size() < 2
-           ? 0
-           : (range.second - range.first) / (2.0 * static_cast<double>(distinct.size() - 1));
+  const double gap = distinct.size() < 2 ? 0
+                                         : (range.second - range.first) /
+                                             (2.0 * static_cast<double>(distinct.size() - 1));
+  d->halfGaps.emplace(variable.id(), gap);
+  return gap;
 }
 
 bool ScatterPlotModel::axisRange(double min,
