@@ -98,4 +98,25 @@ std::vector<unsigned long long> CaseKeys::keysOf(
   return keys;
 }
 
+void CaseKeys::keysOfEach(const unsigned long long* caseIds, std::size_t count, int* keys) const
+{
+  if (sequential && !ids.empty())
+  {
+    // An id below the first wraps around to a large offset, beyond the study like one above it.
+    const unsigned long long first = ids[0];
+    for (std::size_t i = 0; i < count; ++i)
+    {
+      const unsigned long long offset = caseIds[i] - first;
+      keys[i] = static_cast<int>(offset < ids.size() ? offset : i);
+    }
+    return;
+  }
+  for (std::size_t i = 0; i < count; ++i)
+  {
+    unsigned long long key = i;
+    keyOf(caseIds[i], key);
+    keys[i] = static_cast<int>(key);
+  }
+}
+
 } // namespace explorer

@@ -34,6 +34,9 @@ public:
   bool keyOf(unsigned long long caseId, unsigned long long& key) const;
   /// The keys of the cases (ids in increasing order) the study has, in increasing order.
   std::vector<unsigned long long> keysOf(const std::vector<unsigned long long>& ascendingIds) const;
+  /// The key of each of `count` cases in turn into `keys`; a case the study lacks gets its place
+  /// in the list. A whole column of ids in one call, without a call per id.
+  void keysOfEach(const unsigned long long* caseIds, std::size_t count, int* keys) const;
 
 private:
   CaseIds ids;

@@ -67,6 +67,20 @@ TEST(CaseKeys, TranslateEveryIdOfAnyShapeBothWays)
     if (std::find(study.ids.begin(), study.ids.end(), top) == study.ids.end())
       asked.push_back(top);
     EXPECT_EQ(keys.keysOf(asked), expected) << study.shape;
+    // A column of ids in any order, one at a time and all at once: ids the study lacks keep
+    // their place in the column.
+    std::vector<unsigned long long> column = { 3,       study.ids.back(),  study.ids.back() + 1,
+                                               top - 1, study.ids.front(), 0 };
+    if (study.ids.size() > 2)
+      column.push_back(study.ids[2]);
+    std::vector<int> each(column.size(), -1);
+    keys.keysOfEach(column.data(), column.size(), each.data());
+    for (std::size_t i = 0; i < column.size(); ++i)
+    {
+      const auto found = std::find(study.ids.begin(), study.ids.end(), column[i]);
+      const auto key = found == study.ids.end() ? i : std::size_t(found - study.ids.begin());
+      EXPECT_EQ(each[i], int(key)) << study.shape << ", id " << column[i];
+    }
     unsigned long long unused = 7;
     EXPECT_FALSE(keys.keyOf(3, unused)) << study.shape << ": an id the study lacks";
     EXPECT_FALSE(keys.caseIdOf(study.ids.size(), unused)) << study.shape << ": a key too far";

@@ -9,6 +9,8 @@
 #include <vtkObjectFactory.h>
 #include <vtkTable.h>
 
+#include <numeric>
+
 namespace explorer
 {
 
@@ -55,14 +57,11 @@ int vtkCaseKeysFilter::RequestData(vtkInformation*,
     auto keys = vtkSmartPointer<vtkIntArray>::New();
     keys->SetName(keyColumnName);
     keys->SetNumberOfValues(static_cast<vtkIdType>(ids.size()));
-    for (std::size_t row = 0; row < ids.size(); ++row)
-    {
-      unsigned long long key = row;
-      // Every row of the pipeline is a case of the study; a row without one keeps its number.
-      if (this->Keys)
-        this->Keys->keyOf(ids[row], key);
-      keys->SetValue(static_cast<vtkIdType>(row), static_cast<int>(key));
-    }
+    // Every row of the pipeline is a case of the study; a row without one keeps its number.
+    if (this->Keys)
+      this->Keys->keysOfEach(ids.begin(), ids.size(), keys->GetPointer(0));
+    else
+      std::iota(keys->GetPointer(0), keys->GetPointer(0) + ids.size(), 0);
     this->KeyColumn = keys;
     this->OrderColumn = nullptr;
     this->KeyedIds = idColumn;
