@@ -62,6 +62,14 @@ void CaseRowIndex::assign(CaseIds caseIds)
                    [&](int a, int b) { return ids[std::size_t(a)] < ids[std::size_t(b)]; });
 }
 
+unsigned long long CaseRowIndex::largest() const
+{
+  if (ids.empty())
+    return 0;
+  return rowOfSorted.empty() ? ids[ids.size() - 1]
+                             : ids[static_cast<std::size_t>(rowOfSorted.back())];
+}
+
 std::vector<int> CaseRowIndex::rowsOf(const std::vector<unsigned long long>& selection) const
 {
   // Read in place, with no call per row: a selection of ten million is walked against as many

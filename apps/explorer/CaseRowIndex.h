@@ -102,6 +102,8 @@ public:
   void assign(CaseIds caseIds);
   /// The case ids of the rows, in row order.
   const CaseIds& caseIds() const { return ids; }
+  /// The largest case id of the rows, 0 without rows; known from the index, without a pass.
+  unsigned long long largest() const;
   /// The rows whose case is selected (case ids in increasing order), in case id order.
   std::vector<int> rowsOf(const std::vector<unsigned long long>& selection) const;
 

@@ -120,6 +120,7 @@ TEST(CaseRowIndex, FindsTheRowsOfSelectedCasesInAnyRowOrder)
     { { 10, 20, 30, 40 }, { 20, 40, 99 }, { 1, 3 } },
     { { 40, 10, 30, 20 }, { 20, 40, 99 }, { 3, 0 } },
     { { 5, top, 5, 0 }, { 0, 5, top }, { 3, 0, 2, 1 } },
+    { { 30, 10, 20 }, { 10 }, { 1 } },
     { { 7, 8 }, {}, {} },
     { {}, { 1 }, {} },
   };
@@ -131,6 +132,8 @@ TEST(CaseRowIndex, FindsTheRowsOfSelectedCasesInAnyRowOrder)
     const explorer::CaseIds& kept = index.caseIds();
     EXPECT_EQ(std::vector<unsigned long long>(kept.begin(), kept.end()), c.rowIds)
       << "kept in row order";
+    EXPECT_EQ(index.largest(),
+              c.rowIds.empty() ? 0 : *std::max_element(c.rowIds.begin(), c.rowIds.end()));
   }
   // A few cases among many rows are searched for, many are walked to: the same answers.
   std::vector<unsigned long long> ids;

@@ -132,8 +132,7 @@ std::vector<unsigned long long> CasesModel::sortedCases() const
 
 unsigned long long CasesModel::largestCaseId() const
 {
-  const auto& caseIds = rowOfCase.caseIds();
-  return caseIds.empty() ? 0 : *std::max_element(caseIds.begin(), caseIds.end());
+  return rowOfCase.largest();
 }
 
 std::vector<int> CasesModel::rowsOf(const std::vector<unsigned long long>& sortedIds) const
