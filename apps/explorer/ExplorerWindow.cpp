@@ -93,6 +93,7 @@ struct ExplorerWindow::Impl
   std::shared_ptr<const Project> project;
   std::shared_ptr<DataPipelineManager> pipeline;
   std::shared_ptr<FileLocator> files;
+  MissingFiles missingFiles;
   std::shared_ptr<VariableRoles> roles;
   boost::shared_ptr<MasterSelection> selection = boost::make_shared<MasterSelection>();
   ImageCache cache;
@@ -406,10 +407,8 @@ void ExplorerWindow::showShownCount()
 
 void ExplorerWindow::showMissingFiles()
 {
-  std::size_t missing = 0;
-  std::size_t urls = 0;
-  d->files->countMissing(*d->project, missing, urls);
-  d->status->showMissingFiles(missing, urls, d->project->auxFiles().size());
+  const MissingFiles::Count count = d->missingFiles.of(*d->files, *d->project);
+  d->status->showMissingFiles(count.missing, count.urls, d->project->auxFiles().size());
 }
 
 VariableRoles& ExplorerWindow::roles() const

@@ -13,6 +13,7 @@
 #include <deque>
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -36,7 +37,7 @@ class LocatingLoader : public ImageFileLoaderInterface
 public:
   LocatingLoader(std::shared_ptr<const FileLocator> locator,
                  std::shared_ptr<ImageFileLoaderInterface> loader)
-    : locator(locator)
+    : locator(std::move(locator))
     , loader(std::move(loader))
   {
   }
@@ -123,7 +124,8 @@ void FileLocator::countMissing(const Project& project,
   for (const auto& handle : project.auxFiles())
   {
     const std::string path = handle.lock().filePath();
-    if (exists(locate(path)))
+    // A file where it was written is looked for once, not again by locate().
+    if (exists(path) || exists(locate(path)))
       continue;
     ++missing;
     urls += AuxFile::isUrl(path) ? 1 : 0;
@@ -191,7 +193,8 @@ bool FileLocator::proposeLocation(const Project& project,
   for (const auto& handle : project.auxFiles())
   {
     const std::string path = handle.lock().filePath();
-    if (exists(locate(path)))
+    // A file where it was written is looked for once, not again by locate().
+    if (exists(path) || exists(locate(path)))
       continue;
     const std::size_t slash = path.find_last_of('/');
     const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
@@ -219,6 +222,27 @@ bool FileLocator::proposeLocation(const Project& project,
     return true;
   }
   return false;
+}
+
+MissingFiles::Count MissingFiles::of(const FileLocator& locator, const Project& project)
+{
+  std::size_t fingerprint = std::hash<std::string>{}(project.folder());
+  const auto mix = [&fingerprint](const std::string& text)
+  {
+    fingerprint ^= std::hash<std::string>{}(text) + 0x9e3779b97f4a7c15ULL + (fingerprint << 6) +
+                   (fingerprint >> 2);
+  };
+  for (const auto& handle : project.auxFiles())
+    mix(handle.lock().filePath());
+  for (const std::string& text : locator.locations()->value())
+    mix(text);
+  if (!counted || fingerprint != countedFor)
+  {
+    locator.countMissing(project, count.missing, count.urls);
+    counted = true;
+    countedFor = fingerprint;
+  }
+  return count;
 }
 
 } // namespace explorer

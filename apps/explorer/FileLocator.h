@@ -79,4 +79,23 @@ private:
   std::unique_ptr<Impl> d;
 };
 
+/// How many of a study's files are missing, counted again only when the study names other files
+/// or the locations changed since the last count: a study made anew for a derived variable names
+/// the same files, and looking for each is a call to the file system (a second for 200,000).
+class MissingFiles
+{
+public:
+  struct Count
+  {
+    std::size_t missing = 0;
+    std::size_t urls = 0;
+  };
+  Count of(const FileLocator& locator, const Project& project);
+
+private:
+  bool counted = false;
+  std::size_t countedFor = 0; // a fingerprint of the files' paths and the locations
+  Count count;
+};
+
 } // namespace explorer

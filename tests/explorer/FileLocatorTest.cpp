@@ -80,11 +80,31 @@ TEST(FileLocator, CountsAndNamesWhatIsNotFoundAndLocationsAreUndoneAndSaved)
   EXPECT_EQ(proposed.prefix, "https://host/data/");
   EXPECT_EQ(proposed.folder, here.path() + "/mine");
 
+  // The count is kept for a study naming the same files (one made anew for a derived variable):
+  // a file put in place meanwhile is not looked for again until the files or locations change.
+  explorer::MissingFiles kept;
+  EXPECT_EQ(kept.of(locator, *project).missing, 3u);
+  builder.setFolder(here.path());
+  builder.setCaseIds({ 1, 2, 3 });
+  builder.addNumericVariable("x", { 1, 2, 3 });
+  builder.addNumericVariable("derived", { 2, 4, 6 });
+  builder.addAuxFile(1, "https://host/data/run1.png", { "img" });
+  builder.addAuxFile(2, "https://host/data/run2.png", { "img" });
+  builder.addAuxFile(3, "images/run3.png", { "img" });
+  const auto remade = builder.build();
+  here.write("images/run3.png", "x");
+  EXPECT_EQ(kept.of(locator, *remade).missing, 3u) << "the same files: not looked for again";
+
   UndoStack().clear();
   locator.addLocation(proposed);
   locator.countMissing(*project, missing, urls);
-  EXPECT_EQ(missing, 1u);
+  EXPECT_EQ(missing, 0u) << "located, and the file put in place";
   EXPECT_EQ(urls, 0u);
+  EXPECT_EQ(kept.of(locator, *remade).missing, 0u) << "other locations: counted again";
+  builder.setFolder(here.path());
+  builder.setCaseIds({ 1 });
+  builder.addAuxFile(1, "images/run4.png", { "img" });
+  EXPECT_EQ(kept.of(locator, *builder.build()).missing, 1u) << "other files: counted again";
   EXPECT_TRUE(locator.problem(files[1].lock()).isEmpty());
 
   QDomDocument document;
@@ -140,6 +160,15 @@ TEST(StudyFiles, ImageViewsTakeImageFilesOnly)
   EXPECT_EQ(explorer::studyfiles::imageTags(*project), std::vector<std::string>{ "FILE_image" })
     << "a tag whose files are all images";
   EXPECT_TRUE(explorer::studyfiles::hasOtherFiles(*project));
+  EXPECT_EQ(explorer::studyfiles::seriesTags(*project), std::vector<std::string>{ "FILE_table" });
+  // The answers are kept for a study, and another study has its own.
+  builder.setCaseIds({ 1 });
+  builder.addAuxFile(1, "1.png", { "FILE_mixed" });
+  const auto imagesOnly = builder.build();
+  EXPECT_EQ(explorer::studyfiles::imageTags(*imagesOnly), std::vector<std::string>{ "FILE_mixed" });
+  EXPECT_FALSE(explorer::studyfiles::hasOtherFiles(*imagesOnly));
+  EXPECT_TRUE(explorer::studyfiles::seriesTags(*imagesOnly).empty());
+  EXPECT_TRUE(explorer::studyfiles::hasOtherFiles(*project)) << "the first study, asked again";
   const auto images = explorer::studyfiles::imagesOf(project->record(1).lock(), "");
   ASSERT_EQ(images.size(), 2u) << "the table is left out, the images kept in order";
   EXPECT_EQ(images[0].relativePath(), "1.png");
