@@ -247,28 +247,36 @@ struct BinTotals
   Sum count() const { return values[0]; }
 };
 
-// Adds the points (the `count` rows listed in `rows`, or all of them when `rows` is null) to the
-// bins of `totals`, a grid of `size` bins over `area`.
-template<typename Sum, int Width>
-void addPoints(const double area[4],
-               const int size[2],
-               vtkPoints2D& points,
-               const vtkIdType* rows,
-               vtkIdType count,
-               const unsigned char* rgba,
-               int stride,
-               std::vector<BinTotals<Sum, Width>>& totals)
+// The points to bin and where: the `count` rows listed in `rows` (all of them when `rows` is null),
+// coloured by `rgba` (`stride` bytes a point) or not at all when it is null, on a grid of `size`
+// bins over `area`.
+struct PointsToBin
 {
+  const double* area;
+  const int* size;
+  vtkPoints2D& points;
+  const vtkIdType* rows;
+  vtkIdType count;
+  const unsigned char* rgba;
+  int stride;
+};
+
+// Adds the points to the bins of `totals`.
+template<typename Sum, int Width>
+void addPoints(const PointsToBin& in, std::vector<BinTotals<Sum, Width>>& totals)
+{
+  const double* area = in.area;
+  const int* size = in.size;
   const double toBinX = size[0] / (area[1] - area[0]);
   const double toBinY = size[1] / (area[3] - area[2]);
   // The plot keeps its points as floats: read them in place rather than one virtual call each.
-  auto* floats = vtkFloatArray::SafeDownCast(points.GetData());
+  auto* floats = vtkFloatArray::SafeDownCast(in.points.GetData());
   const float* xy = floats ? floats->GetPointer(0) : nullptr;
   const vtkIdType components = floats ? floats->GetNumberOfComponents() : 0;
-  const vtkIdType pointCount = points.GetNumberOfPoints();
-  for (vtkIdType k = 0; k < count; ++k)
+  const vtkIdType pointCount = in.points.GetNumberOfPoints();
+  for (vtkIdType k = 0; k < in.count; ++k)
   {
-    const vtkIdType i = rows ? rows[k] : k;
+    const vtkIdType i = in.rows ? in.rows[k] : k;
     if (i < 0 || i >= pointCount)
       continue;
     double p[3] = { 0, 0, 0 };
@@ -278,7 +286,7 @@ void addPoints(const double area[4],
       p[1] = xy[components * i + 1];
     }
     else
-      points.GetPoint(i, p);
+      in.points.GetPoint(i, p);
     const double bx = (p[0] - area[0]) * toBinX;
     const double by = (p[1] - area[2]) * toBinY;
     // Points outside the axes' range, and non-finite ones, fall outside every bin. Within it a
@@ -292,7 +300,7 @@ void addPoints(const double area[4],
     ++bin[0];
     if constexpr (Width == 4)
     {
-      const unsigned char* colour = rgba + i * stride;
+      const unsigned char* colour = in.rgba + i * in.stride;
       bin[1] += colour[0];
       bin[2] += colour[1];
       bin[3] += colour[2];
@@ -336,20 +344,12 @@ void paintBins(const std::vector<BinTotals<Sum, Width>>& totals,
 }
 
 template<typename Sum, int Width>
-void binInto(const double area[4],
-             const int size[2],
-             vtkPoints2D& points,
-             const vtkIdType* rows,
-             vtkIdType count,
-             const unsigned char* rgba,
-             int stride,
-             const unsigned char plain[4],
-             vtkImageData& image)
+void binInto(const PointsToBin& in, const unsigned char plain[4], vtkImageData& image)
 {
-  std::vector<BinTotals<Sum, Width>> totals(static_cast<std::size_t>(size[0]) *
-                                            static_cast<std::size_t>(size[1]));
-  addPoints(area, size, points, rows, count, rgba, stride, totals);
-  paintBins(totals, size, plain, image);
+  std::vector<BinTotals<Sum, Width>> totals(static_cast<std::size_t>(in.size[0]) *
+                                            static_cast<std::size_t>(in.size[1]));
+  addPoints(in, totals);
+  paintBins(totals, in.size, plain, image);
 }
 
 } // namespace
@@ -361,24 +361,21 @@ void vtkDensityPlotPoints::Bin(const Grid& grid,
                                const unsigned char plain[4],
                                vtkImageData* image) const
 {
-  const unsigned char* rgba = colored ? this->Colors->GetPointer(0) : nullptr;
-  const int stride = colored ? this->Colors->GetNumberOfComponents() : 0;
-  vtkPoints2D& points = *this->Points;
+  const PointsToBin in{ grid.area,
+                        grid.size,
+                        *this->Points,
+                        rows,
+                        count,
+                        colored ? this->Colors->GetPointer(0) : nullptr,
+                        colored ? this->Colors->GetNumberOfComponents() : 0 };
   // Sums of 32 bits hold the colours of up to 16,843,009 points exactly, in half the room.
-  if (count <= vtkIdType(std::numeric_limits<std::uint32_t>::max() / 255))
-  {
-    if (colored)
-      binInto<std::uint32_t, 4>(
-        grid.area, grid.size, points, rows, count, rgba, stride, plain, *image);
-    else
-      binInto<std::uint32_t, 1>(
-        grid.area, grid.size, points, rows, count, nullptr, 0, plain, *image);
-  }
-  else if (colored)
-    binInto<std::uint64_t, 4>(
-      grid.area, grid.size, points, rows, count, rgba, stride, plain, *image);
+  const bool narrow = count <= vtkIdType(std::numeric_limits<std::uint32_t>::max() / 255);
+  if (narrow)
+    colored ? binInto<std::uint32_t, 4>(in, plain, *image)
+            : binInto<std::uint32_t, 1>(in, plain, *image);
   else
-    binInto<std::uint64_t, 1>(grid.area, grid.size, points, rows, count, nullptr, 0, plain, *image);
+    colored ? binInto<std::uint64_t, 4>(in, plain, *image)
+            : binInto<std::uint64_t, 1>(in, plain, *image);
 }
 
 void vtkDensityPlotPoints::SetCaseIdOfKey(CaseIdOfKey caseIdOfKey)
