@@ -1,4 +1,5 @@
 #include "images/ScalingImageLoader.h"
+#include "images/ImageScaling.h"
 
 ScalingImageLoader::ScalingImageLoader(std::shared_ptr<ImageFileLoaderInterface> source,
                                        const QSize& size)
@@ -35,6 +36,5 @@ std::shared_ptr<QImage> ScalingImageLoader::produceImage(const std::string& file
   {
     return std::make_shared<QImage>();
   }
-  return std::make_shared<QImage>(
-    original->scaled(targetSize, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+  return std::make_shared<QImage>(scaledSmoothly(*original, targetSize));
 }
