@@ -6,6 +6,8 @@
 #include "views/line/LineGroups.h"
 #include "views/line/LinePlotPainter.h"
 
+#include <QImage>
+#include <QPainter>
 #include <gtest/gtest.h>
 #include <vtkDoubleArray.h>
 #include <vtkNew.h>
@@ -13,6 +15,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 using namespace explorer;
 
@@ -94,6 +98,7 @@ TEST(LineGroups, AContinuousXIsCutIntoIntervalsAndASweepIsNot)
   EXPECT_EQ(sweep[0], 15);
 
   std::vector<double> continuous;
+  continuous.reserve(101);
   for (int i = 0; i < 100; ++i)
     continuous.push_back(0.013 * i + 0.004); // 0.004 to 1.291
   continuous.push_back(NAN);
@@ -270,4 +275,67 @@ TEST(CurveDrawing, LongSeriesKeepTheirSpikesAndTheDensityCountsEverySegment)
   EXPECT_EQ(qAlpha(alone.pixel(20, 20)), 0);
   EXPECT_GT(qAlpha(both.pixel(50, 50)), qAlpha(both.pixel(20, 20)))
     << "two segments through the crossing, one elsewhere";
+}
+
+TEST(CurveDrawing, ADensityCountedInSlicesIsTheDensityCountedAtOnce)
+{
+  // Twelve zigzags of 20 points, each shifted and coloured differently.
+  PlotFrame frame;
+  frame.right = 120;
+  frame.bottom = 80;
+  frame.xMax = 19;
+  frame.yMax = 14;
+  CurveSet set;
+  std::vector<float> scale;
+  for (int c = 0; c < 12; ++c)
+  {
+    std::vector<double> x, y;
+    for (int i = 0; i < 20; ++i)
+    {
+      x.push_back(i);
+      y.push_back(c + (i % 2 ? 2.5 : 0.0));
+    }
+    addSeriesCurve(set, static_cast<std::uint32_t>(c), "zigzag", x, y, {});
+    scale.push_back(c == 5 ? NAN : static_cast<float>(c) / 11.f);
+  }
+  const QSize size(121, 81);
+  const QImage atOnce = curveDensity(set, frame, size, scale, {}, 0xff000000);
+
+  CurveDensity sliced;
+  sliced.reset(frame, size);
+  std::vector<std::size_t> progress;
+  for (int slice = 0; slice < 20 && sliced.curves() < set.curves.size(); ++slice)
+  {
+    sliced.add(set, scale, {}, 30);
+    progress.push_back(sliced.curves());
+  }
+  // Each slice stops after the curve that brings it to 30 points: two curves of 20.
+  EXPECT_EQ(progress, (std::vector<std::size_t>{ 2, 4, 6, 8, 10, 12 }));
+  EXPECT_EQ(sliced.image(0xff000000), atOnce);
+
+  // The painter counts a slice per paint and says when curves are left for the next.
+  LinePlotPainter::Look look;
+  look.density = true;
+  look.scale = scale;
+  const auto paintedWith = [&](LinePlotPainter& painter, std::size_t mostPoints)
+  {
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    QPainter on(&image);
+    painter.paint(on, size, set, frame, {}, look, mostPoints);
+    return image;
+  };
+  LinePlotPainter whole;
+  const QImage wholePicture = paintedWith(whole, std::numeric_limits<std::size_t>::max());
+  EXPECT_FALSE(whole.curvesLeftToCount());
+  LinePlotPainter inSlices;
+  int paints = 1;
+  QImage picture = paintedWith(inSlices, 100);
+  EXPECT_NE(picture, wholePicture) << "the first paint holds five curves of twelve";
+  while (inSlices.curvesLeftToCount() && paints < 20)
+  {
+    picture = paintedWith(inSlices, 100);
+    ++paints;
+  }
+  EXPECT_EQ(paints, 3);
+  EXPECT_EQ(picture, wholePicture);
 }

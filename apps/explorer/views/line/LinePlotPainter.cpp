@@ -132,7 +132,8 @@ void CurveDensity::reset(const PlotFrame& frame, const QSize& size)
 
 void CurveDensity::add(const CurveSet& set,
                        const std::vector<float>& colour,
-                       const std::vector<char>& drawn)
+                       const std::vector<char>& drawn,
+                       std::size_t mostPoints)
 {
   const int w = std::max(countedSize.width(), 1);
   const int h = std::max(countedSize.height(), 1);
@@ -152,12 +153,15 @@ void CurveDensity::add(const CurveSet& set,
       toned[pixel] += 1;
     }
   };
-  for (std::size_t c = counted; c < set.curves.size(); ++c)
+  std::size_t pointsCounted = 0;
+  std::size_t c = counted;
+  for (; c < set.curves.size() && pointsCounted < mostPoints; ++c)
   {
     if (!drawn.empty() && !drawn[c])
       continue;
     const float tone = c < colour.size() ? colour[c] : NAN;
     const auto points = reducedForDrawing(set.curves[c], countedFrame);
+    pointsCounted += points.size();
     if (points.size() == 1)
       mark(static_cast<int>(points[0].first), static_cast<int>(points[0].second), tone);
     // Each segment counts its pixels once; the pixel it shares with the last one is the last's.
@@ -178,7 +182,7 @@ void CurveDensity::add(const CurveSet& set,
         mark(static_cast<int>(x), static_cast<int>(y), tone);
     }
   }
-  counted = set.curves.size();
+  counted = c;
 }
 
 QImage CurveDensity::image(QRgb plain) const
@@ -204,7 +208,8 @@ void LinePlotPainter::paint(QPainter& painter,
                             const CurveSet& set,
                             const PlotFrame& frame,
                             const std::vector<char>& selectedRows,
-                            const Look& look)
+                            const Look& look,
+                            std::size_t mostPoints)
 {
   painter.fillRect(QRect(QPoint(0, 0), size), Qt::white);
   drawAxes(painter, frame, look);
@@ -215,17 +220,20 @@ void LinePlotPainter::paint(QPainter& painter,
       // Curves added to those counted in the same frame are counted alone.
       if (!onlyAdded || !density.fits(frame, size) || density.curves() > set.curves.size())
         density.reset(frame, size);
-      density.add(set, look.scale, {});
+      density.add(set, look.scale, {}, mostPoints);
       curvesLayer = density.image(0xff4682b4);
+      leftToCount = density.curves() < set.curves.size();
     }
     else
     {
+      leftToCount = false;
       curvesLayer = QImage(size, QImage::Format_ARGB32_Premultiplied);
       curvesLayer.fill(Qt::transparent);
       QPainter layer(&curvesLayer);
       drawCurves(layer, set, frame, look);
     }
-    curvesValid = true;
+    // Curves left to count are counted by the next paint, added to those counted.
+    curvesValid = !leftToCount;
     onlyAdded = true;
   }
   painter.drawImage(0, 0, curvesLayer);

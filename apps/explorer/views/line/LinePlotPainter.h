@@ -8,6 +8,8 @@
 #include <QRgb>
 #include <QSize>
 
+#include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -42,8 +44,12 @@ public:
   /// Counts nothing, for a frame and size.
   void reset(const PlotFrame& frame, const QSize& size);
   /// Counts the curves of the set not counted yet whose `drawn` flag is set (all when empty);
-  /// `colour` gives each curve's place on the colour scale.
-  void add(const CurveSet& set, const std::vector<float>& colour, const std::vector<char>& drawn);
+  /// `colour` gives each curve's place on the colour scale. Stops after the curve that brings
+  /// the points counted in this call to `mostPoints`: the rest is counted by the next calls.
+  void add(const CurveSet& set,
+           const std::vector<float>& colour,
+           const std::vector<char>& drawn,
+           std::size_t mostPoints = std::numeric_limits<std::size_t>::max());
   /// The curves counted so far.
   std::size_t curves() const { return counted; }
   /// Opacity growing with the logarithm of the count, coloured by the mean of the counted
@@ -94,12 +100,16 @@ public:
     QRectF rubberBand;
   };
 
+  /// Draws the plot; a density counts at most about `mostPoints` points of curves not counted
+  /// yet, and says whether some are left (curvesLeftToCount) for the next paint.
   void paint(QPainter& painter,
              const QSize& size,
              const CurveSet& set,
              const PlotFrame& frame,
              const std::vector<char>& selectedRows,
-             const Look& look);
+             const Look& look,
+             std::size_t mostPoints = std::numeric_limits<std::size_t>::max());
+  bool curvesLeftToCount() const { return leftToCount; }
   /// The curves changed, or curves were only added to the end of the set.
   void curvesChanged()
   {
@@ -127,6 +137,7 @@ private:
   QImage curvesLayer;
   bool curvesValid = false;
   bool onlyAdded = false;
+  bool leftToCount = false;
   CurveDensity density;
 };
 

@@ -30,6 +30,7 @@
 #include <vtkTableAlgorithm.h>
 
 #include <algorithm>
+#include <limits>
 #include <sstream>
 
 namespace explorer
@@ -187,10 +188,26 @@ struct LinePlotView::Impl
     return drawn;
   }
 
+  // While series come in, a paint counts a slice of the curves that came (some 25 ms of work
+  // here) and the next paint the rest, so that the window keeps answering however fast the
+  // files are read; the curves there are once all are in are counted at once.
+  static constexpr std::size_t pointsPerSlice = 400000;
+
   void paint(QPainter& on)
   {
     changes->catchUp();
-    painter.paint(on, canvas->size(), model->curves(), frame(), model->selectedRows(), look());
+    const bool arriving = model->seriesWaiting() > 0;
+    painter.paint(on,
+                  canvas->size(),
+                  model->curves(),
+                  frame(),
+                  model->selectedRows(),
+                  look(),
+                  arriving ? pointsPerSlice : std::numeric_limits<std::size_t>::max());
+    if (painter.curvesLeftToCount())
+    {
+      QTimer::singleShot(0, canvas, [target = canvas.data()] { target->update(); });
+    }
   }
 
   // A move with the button down moves the legend, or draws a rubber band once the pointer is
