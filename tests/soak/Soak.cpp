@@ -28,6 +28,7 @@
 #include <malloc.h>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <unistd.h>
 #include <vector>
 
@@ -70,6 +71,15 @@ std::size_t residentMemory()
   std::size_t resident = 0;
   statm >> pages >> resident;
   return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+// Bytes in blocks the program holds from the allocator: when resident memory grows and this does
+// not, the growth is outside malloc (OpenGL's or the X server's shared buffers, say), not a block
+// the program forgot.
+std::size_t heapInUse()
+{
+  const struct mallinfo2 info = mallinfo2();
+  return info.uordblks + info.hblkhd;
 }
 
 namespace
@@ -349,6 +359,45 @@ std::string firstDifference(const QString& expected, const QString& actual)
 
 } // namespace
 
+// What the window shows: its settings (derived variables included), the page of each tab and
+// the selection. What the views hold depends on what they show (the 3-D view, the image matrix at
+// a large zoom or the line plot's series hold tens of MB each), so memory is compared between two
+// moments in the same state: two moments in different states differ by more than the leaks the
+// check looks for.
+class ShownState
+{
+public:
+  void capture(explorer::ExplorerWindow& window, const std::string& file)
+  {
+    settingsFile = QString::fromStdString(file);
+    QString error;
+    if (!window.saveSettings(settingsFile, error))
+      throw std::runtime_error("cannot save the settings to compare memory: " +
+                               error.toStdString());
+    pages.clear();
+    for (const QTabWidget* tabs : window.findChildren<QTabWidget*>())
+      pages.push_back(tabs->currentIndex());
+    selection = window.selection().cases();
+  }
+
+  void restore(explorer::ExplorerWindow& window) const
+  {
+    QString error;
+    if (!window.loadSettings(settingsFile, error))
+      throw std::runtime_error("cannot load the settings to compare memory: " +
+                               error.toStdString());
+    const auto tabs = window.findChildren<QTabWidget*>();
+    for (int i = 0; i < tabs.size() && i < static_cast<int>(pages.size()); ++i)
+      tabs[i]->setCurrentIndex(pages[static_cast<std::size_t>(i)]);
+    window.selection().setCases(*selection);
+  }
+
+private:
+  QString settingsFile;
+  std::vector<int> pages;
+  explorer::MasterSelection::SharedCases selection;
+};
+
 Report run(explorer::ExplorerWindow& window,
            int steps,
            unsigned seed,
@@ -378,6 +427,11 @@ Report run(explorer::ExplorerWindow& window,
   // Memory is compared from the 1,000th step on, once caches have filled; a short run takes its
   // first tenth.
   const int warmUp = steps >= 2000 ? 1000 : std::max(1, steps / 10);
+  // QUEN_SOAK_LOG_EVERY=N logs memory more often, to find the action after which it grew.
+  const int logEvery = qEnvironmentVariableIsSet("QUEN_SOAK_LOG_EVERY")
+                         ? std::max(1, qEnvironmentVariableIntValue("QUEN_SOAK_LOG_EVERY"))
+                         : 500;
+  ShownState warmedUp;
   auto lastSelection = window.selection().cases();
   for (int step = 0; step < steps; ++step)
   {
@@ -394,16 +448,24 @@ Report run(explorer::ExplorerWindow& window,
       lastSelection = window.selection().cases();
     }
     if (step + 1 == warmUp)
+    {
+      warmedUp.capture(window, scratch + "/warmed-up-settings.xml");
+      warmedUp.restore(window);
+      settle();
       report.residentAfterWarmUp = residentMemory();
+    }
     // Where memory grew, for whoever reads the log of a failed run.
-    if (log && (step + 1) % 500 == 0)
-      *log << "# after " << step + 1 << " steps: " << residentMemory() / (1 << 20) << " MB, "
+    if (log && (step + 1) % logEvery == 0)
+      *log << "# after " << step + 1 << " steps: " << residentMemory() / (1 << 20)
+           << " MB resident, " << heapInUse() / (1 << 20) << " MB in live heap blocks, "
            << window.derivedVariables().size() << " derived variables, " << UndoStack().index()
            << " steps to undo" << std::endl;
   }
   report.steps = steps;
-  report.residentAtEnd = residentMemory();
   report.undoSteps = UndoStack().index();
+  warmedUp.restore(window);
+  settle();
+  report.residentAtEnd = residentMemory();
 
   while (UndoStack().canUndo())
     UndoStack().qUndoStack().undo();

@@ -27,7 +27,8 @@ struct Report
   /// How many times each kind of action ran.
   std::map<std::string, int> actions;
   /// Resident memory after the first 1,000 steps (the first tenth of a run under 2,000) and at
-  /// the end.
+  /// the end, both measured with the window brought back to what it showed after those steps
+  /// (settings, tabs, selection).
   std::size_t residentAfterWarmUp = 0;
   std::size_t residentAtEnd = 0;
   /// Steps on the undo stack at the end, derived variables the study held at most, and selection
