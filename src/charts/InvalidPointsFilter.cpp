@@ -75,6 +75,25 @@ struct InvalidPointsFilter::Kept
   }
 };
 
+// The rows holding NaN of the double columns checked lately, so that a column checked again
+// unchanged (a plot's Y when X changes, an X chosen again) is not scanned again. A list of rows
+// rather than a mask: NaN is the exception in a column that is plotted.
+struct InvalidPointsFilter::ScannedColumns
+{
+  struct Scan
+  {
+    vtkWeakPointer<vtkDoubleArray> column;
+    vtkMTimeType time = 0;
+    vtkIdType values = 0;
+    std::vector<vtkIdType> nanRows;
+  };
+  // A plot's X, Y and the X chosen before it, with room to spare.
+  static constexpr std::size_t kept = 6;
+  std::vector<Scan> scans; // the latest last
+
+  const std::vector<vtkIdType>& nanRowsOf(vtkDoubleArray& column, vtkIdType rows);
+};
+
 namespace
 {
 
@@ -86,21 +105,33 @@ inline bool isNaN(double value)
   return (bits & 0x7FFFFFFFFFFFFFFFULL) > 0x7FF0000000000000ULL;
 }
 
-// Every row of the input, in order: what is kept when no row is invalid, without a list of them.
+// Every row of the input, in order: what is kept when no row is invalid.
 struct AllRows
 {
   std::size_t count;
   std::size_t size() const { return count; }
-  vtkIdType operator[](std::size_t row) const { return static_cast<vtkIdType>(row); }
+  bool operator[](std::size_t) const { return true; }
 };
 
-// Gathers the kept rows of one column into the output column, per column type.
+// The rows kept: a flag per input row, and how many rows the flags cover.
+struct KeptRows
+{
+  const unsigned char* flags;
+  std::size_t count;
+  std::size_t size() const { return count; }
+  bool operator[](std::size_t row) const { return flags[row] != 0; }
+};
+
+// Gathers the kept rows of one column into the output column, for the types copied value by
+// value through VTK's accessors.
 template<typename ArrayT, typename Rows>
 void gather(ArrayT& input, ArrayT& output, const Rows& rows)
 {
-  for (std::size_t out = 0; out < rows.size(); ++out)
+  vtkIdType out = 0;
+  for (std::size_t row = 0; row < rows.size(); ++row)
   {
-    output.SetValue(static_cast<vtkIdType>(out), input.GetValue(rows[out]));
+    if (rows[row])
+      output.SetValue(out++, input.GetValue(static_cast<vtkIdType>(row)));
   }
 }
 
@@ -116,10 +147,10 @@ void gatherAs(vtkAbstractArray* input, vtkAbstractArray* output, const Rows& row
 }
 
 // Numbers are copied as a row's single value; a column of several components is not copied.
+// Every row up to the last kept one is written to the next free place, which moves on only past
+// a kept row: no branch on the flags, and no write beyond the kept rows.
 template<typename ArrayT>
-void gatherSingleComponent(vtkAbstractArray* input,
-                           vtkAbstractArray* output,
-                           const std::vector<vtkIdType>& rows)
+void gatherSingleComponent(vtkAbstractArray* input, vtkAbstractArray* output, const KeptRows& rows)
 {
   auto* in = ArrayT::SafeDownCast(input);
   auto* out = ArrayT::SafeDownCast(output);
@@ -127,11 +158,16 @@ void gatherSingleComponent(vtkAbstractArray* input,
   {
     return;
   }
+  std::size_t end = rows.count;
+  while (end > 0 && rows.flags[end - 1] == 0)
+    --end;
   const auto* source = in->GetPointer(0);
   auto* target = out->GetPointer(0);
-  for (std::size_t row = 0; row < rows.size(); ++row)
+  std::size_t next = 0;
+  for (std::size_t row = 0; row < end; ++row)
   {
-    target[row] = source[rows[row]];
+    target[next] = source[row];
+    next += rows.flags[row];
   }
 }
 
@@ -191,6 +227,34 @@ bool evenColumns(vtkTable& table, vtkIdType rows)
 }
 
 } // namespace
+
+const std::vector<vtkIdType>& InvalidPointsFilter::ScannedColumns::nanRowsOf(vtkDoubleArray& column,
+                                                                             vtkIdType rows)
+{
+  const vtkIdType values = std::min(rows, column.GetNumberOfValues());
+  for (auto scan = scans.begin(); scan != scans.end(); ++scan)
+  {
+    if (scan->column == &column && scan->time == column.GetMTime() && scan->values == values)
+    {
+      std::rotate(scan, scan + 1, scans.end());
+      return scans.back().nanRows;
+    }
+  }
+  Scan scan;
+  scan.column = &column;
+  scan.time = column.GetMTime();
+  scan.values = values;
+  const double* data = column.GetPointer(0);
+  for (vtkIdType row = 0; row < values; ++row)
+  {
+    if (isNaN(data[row]))
+      scan.nanRows.push_back(row);
+  }
+  if (scans.size() == kept)
+    scans.erase(scans.begin());
+  scans.push_back(std::move(scan));
+  return scans.back().nanRows;
+}
 
 vtkSmartPointer<InvalidPointsFilter> InvalidPointsFilter::New(
   std::vector<boost::shared_ptr<const VariableProperty>> variableProperties)
@@ -260,9 +324,9 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
       output->ShallowCopy(input);
       return 1;
     }
-    if (in->GetDataType() == VTK_DOUBLE)
+    if (auto* numbers = vtkDoubleArray::SafeDownCast(in))
     {
-      checked.emplace_back(vtkDoubleArray::SafeDownCast(in), out);
+      checked.emplace_back(numbers, out);
     }
   }
   if (checked.empty())
@@ -273,17 +337,24 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
   std::sort(checked.begin(), checked.end());
   checked.erase(std::unique(checked.begin(), checked.end()), checked.end());
 
-  // Which rows are valid, one column at a time.
-  std::vector<unsigned char> valid(static_cast<std::size_t>(rows), 1);
+  // Which rows are valid: none with NaN in a checked column or marked invalid. No flags are
+  // made while every row is valid.
+  std::vector<unsigned char> valid;
+  std::size_t dropped = 0;
+  const auto drop = [&](vtkIdType row)
+  {
+    if (valid.empty())
+      valid.assign(static_cast<std::size_t>(rows), 1);
+    unsigned char& flag = valid[static_cast<std::size_t>(row)];
+    dropped += flag;
+    flag = 0;
+  };
+  if (!scanned)
+    scanned = std::make_unique<ScannedColumns>();
   for (const auto& pair : checked)
   {
-    const double* values = pair.first->GetPointer(0);
-    const vtkIdType count = std::min(rows, pair.first->GetNumberOfValues());
-    for (vtkIdType row = 0; row < count; ++row)
-    {
-      if (isNaN(values[row]))
-        valid[static_cast<std::size_t>(row)] = 0;
-    }
+    for (const vtkIdType row : scanned->nanRowsOf(*pair.first, rows))
+      drop(row);
   }
   if (auto* mask = vtkCharArray::SafeDownCast(input->GetColumnByName(validPointsArrayName.c_str())))
   {
@@ -291,27 +362,23 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
     for (vtkIdType row = 0; row < count; ++row)
     {
       if (mask->GetValue(row) == 0)
-        valid[static_cast<std::size_t>(row)] = 0;
+        drop(row);
     }
   }
-  if (std::find(valid.begin(), valid.end(), 0) == valid.end() && evenColumns(*input, rows))
+  if (valid.empty() && evenColumns(*input, rows))
   {
     passEveryRow(*input, *output, rows);
     lastKept.reset();
     return 1;
   }
-  std::vector<vtkIdType> keptRows;
-  keptRows.reserve(static_cast<std::size_t>(rows));
-  for (vtkIdType row = 0; row < rows; ++row)
-  {
-    if (valid[static_cast<std::size_t>(row)])
-      keptRows.push_back(row);
-  }
+  if (valid.empty())
+    valid.assign(static_cast<std::size_t>(rows), 1);
+  const KeptRows keptRows{ valid.data(), valid.size() };
 
   // The output's columns are sized once, to the rows kept, rather than to the input's rows and
   // shrunk after the copy: the result is the same (uncopied columns hold unset values either
   // way) without allocating and shrinking every column.
-  output->SetNumberOfRows(static_cast<vtkIdType>(keptRows.size()));
+  output->SetNumberOfRows(rows - static_cast<vtkIdType>(dropped));
 
   // Copy the kept rows, per column type, packed to the front; numbers kept under the same rows
   // before are shared.

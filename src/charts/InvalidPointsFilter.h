@@ -24,7 +24,8 @@
 /// variable without a column, or no checked column at all, passes the input through unchanged.
 /// Choosing another variable re-runs the filter on the next update. A run that keeps the rows
 /// the one before kept shares the numbers that run copied from a column unchanged since: a plot
-/// given a new X copies its Y again only when other rows are dropped.
+/// given a new X copies its Y again only when other rows are dropped. Likewise the rows of NaN in
+/// the last few columns checked are kept until a column's modification time changes.
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT InvalidPointsFilter : public vtkTableAlgorithm
 {
 public:
@@ -80,4 +81,6 @@ private:
   // What the last run that dropped rows kept, and the numbers it copied.
   struct Kept;
   std::unique_ptr<Kept> lastKept;
+  struct ScannedColumns;
+  std::unique_ptr<ScannedColumns> scanned;
 };

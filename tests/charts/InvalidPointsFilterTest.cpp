@@ -15,6 +15,8 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -30,6 +32,8 @@ std::shared_ptr<const Project> variables()
   builder.setCaseIds({ 1 });
   for (const char* name : { "x", "y", "z", "count", "ratio", "absent" })
     builder.addNumericVariable(name, { 0 });
+  for (int i = 0; i < 8; ++i)
+    builder.addNumericVariable("x" + std::to_string(i), { 0 });
   return builder.build();
 }
 
@@ -239,6 +243,57 @@ TEST_F(InvalidPoints, NumbersCopiedUnderTheSameRowsAreSharedUntilTheirColumnChan
   filter->Update();
   EXPECT_EQ(caseIds(filter->GetOutput()), (std::vector<int>{ 12, 13 }));
   EXPECT_EQ(values("y"), (std::vector<double>{ 33, 4 })) << "other rows kept";
+}
+
+TEST_F(InvalidPoints, EachOfManyXsChosenInTurnDropsItsOwnRowsFirstAndLastIncluded)
+{
+  // Eight columns of 1,000 rows, each with NaN in rows of its own (its first or its last row
+  // among them), chosen as X twice round, more than the filter remembers scans of.
+  constexpr int rows = 1000;
+  auto table = vtkSmartPointer<vtkTable>::New();
+  auto ids = vtkSmartPointer<vtkIntArray>::New();
+  ids->SetName("case_id");
+  auto y = vtkSmartPointer<vtkDoubleArray>::New();
+  y->SetName("y");
+  for (int row = 0; row < rows; ++row)
+  {
+    ids->InsertNextValue(row);
+    y->InsertNextValue(row == 500 ? notANumber : row);
+  }
+  table->AddColumn(ids);
+  table->AddColumn(y);
+  const auto isNaNIn = [](int x, int row)
+  { return row % (x + 2) == 1 || (x % 2 ? row == 0 : row == rows - 1); };
+  for (int x = 0; x < 8; ++x)
+  {
+    auto values = vtkSmartPointer<vtkDoubleArray>::New();
+    values->SetName(("x" + std::to_string(x)).c_str());
+    for (int row = 0; row < rows; ++row)
+      values->InsertNextValue(isNaNIn(x, row) ? notANumber : -row);
+    table->AddColumn(values);
+  }
+  auto chosen = property("x0");
+  auto filter = InvalidPointsFilter::New({ chosen, property("y") });
+  filter->SetInputData(table);
+  for (int turn = 0; turn < 16; ++turn)
+  {
+    const int x = turn % 8;
+    const std::string name = "x" + std::to_string(x);
+    chosen->setValue(project->variable(name));
+    filter->Update();
+    std::vector<int> expected;
+    for (int row = 0; row < rows; ++row)
+      if (row != 500 && !isNaNIn(x, row))
+        expected.push_back(row);
+    ASSERT_EQ(caseIds(filter->GetOutput()), expected) << name;
+    auto* kept = vtkDoubleArray::SafeDownCast(filter->GetOutput()->GetColumnByName(name.c_str()));
+    auto* keptY = vtkDoubleArray::SafeDownCast(filter->GetOutput()->GetColumnByName("y"));
+    for (std::size_t i = 0; i < expected.size(); ++i)
+    {
+      ASSERT_EQ(kept->GetValue(static_cast<vtkIdType>(i)), -expected[i]) << name << " row " << i;
+      ASSERT_EQ(keptY->GetValue(static_cast<vtkIdType>(i)), expected[i]) << name << " row " << i;
+    }
+  }
 }
 
 TEST_F(InvalidPoints, ARelevanceDependentVariableCountsOnlyWhileRelevant)
