@@ -282,9 +282,9 @@ TEST(ParallelCoordinatesModel, LinesBinnedByThreadsMakeTheDensityOfOneThread)
 
 TEST(ParallelCoordinatesModel, ManyRowsArePlacedByThreadsAsOneThreadPlacesThem)
 {
-  // Enough rows for several threads: a linear axis, a logarithmic one with values at or below
-  // zero, a text axis; some values missing.
-  const std::size_t count = 100000;
+  // Enough rows for several threads (2^18 places of colour): a linear axis, a logarithmic one
+  // with values at or below zero, a text axis; some values missing. Coloured by the linear one.
+  const std::size_t count = 300000;
   std::vector<unsigned long long> ids(count);
   std::vector<double> linear(count);
   std::vector<double> logarithmic(count);
@@ -310,7 +310,7 @@ TEST(ParallelCoordinatesModel, ManyRowsArePlacedByThreadsAsOneThreadPlacesThem)
                                              project->variable("logarithmic"),
                                              project->variable("text") };
   ParallelCoordinatesModel model;
-  model.reload(*pipeline.output()->GetOutput(), *project, axes, {}, { axes[1] });
+  model.reload(*pipeline.output()->GetOutput(), *project, axes, axes[0], { axes[1] });
   ASSERT_EQ(model.axes().size(), 3u);
   EXPECT_EQ(model.axes()[1].notPositive, notPositive) << "counted over every thread's rows";
 
@@ -341,6 +341,17 @@ TEST(ParallelCoordinatesModel, ManyRowsArePlacedByThreadsAsOneThreadPlacesThem)
         if (!(got == want || (std::isnan(got) && std::isnan(want))))
           ++differ;
       }
+    // Colours: -250 to 749 over the scale.
+    for (std::size_t row = 0; row < shown.size(); ++row)
+    {
+      const double value = linear[static_cast<std::size_t>(shown[row] - 1)];
+      explorer::Places one;
+      one.assign(1);
+      one.set(0, static_cast<float>((value + 250) / 999));
+      const float got = model.colour()[row];
+      if (!(got == one[0] || (std::isnan(got) && std::isnan(value))))
+        ++differ;
+    }
     return differ;
   };
   EXPECT_EQ(differing(), 0u);
@@ -349,7 +360,7 @@ TEST(ParallelCoordinatesModel, ManyRowsArePlacedByThreadsAsOneThreadPlacesThem)
   // only the shown cases at or below zero.
   pipeline.setRangeFilter(axes[0], 0, 400);
   pipeline.output()->Update();
-  model.reload(*pipeline.output()->GetOutput(), *project, axes, {}, { axes[1] });
+  model.reload(*pipeline.output()->GetOutput(), *project, axes, axes[0], { axes[1] });
   const explorer::CaseIds& shown = model.caseIds();
   ASSERT_GT(shown.size(), 1000u);
   ASSERT_LT(shown.size(), count / 2);
@@ -360,7 +371,7 @@ TEST(ParallelCoordinatesModel, ManyRowsArePlacedByThreadsAsOneThreadPlacesThem)
   EXPECT_EQ(differing(), 0u) << "filtered";
   pipeline.setFilterEnabled(axes[0], false);
   pipeline.output()->Update();
-  model.reload(*pipeline.output()->GetOutput(), *project, axes, {}, { axes[1] });
+  model.reload(*pipeline.output()->GetOutput(), *project, axes, axes[0], { axes[1] });
   ASSERT_EQ(model.caseIds().size(), count);
   EXPECT_EQ(differing(), 0u) << "every case shown again";
 }

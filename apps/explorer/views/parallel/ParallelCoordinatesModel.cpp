@@ -159,16 +159,25 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
     colourVariable.isNull()
       ? nullptr
       : vtkDoubleArray::SafeDownCast(shown.GetColumnByName(colourVariable.name().c_str()));
-  if (numbers)
+  if (numbers && static_cast<std::size_t>(numbers->GetNumberOfValues()) >= ids.size())
   {
-    const auto range = colourVariable.range();
-    const double span = range.second - range.first;
-    for (std::size_t row = 0; row < ids.size(); ++row)
-    {
-      const double value = numbers->GetValue(static_cast<vtkIdType>(row));
-      if (!std::isnan(value))
-        colours.set(row, span > 0 ? static_cast<float>((value - range.first) / span) : 0.5f);
-    }
+    // Like the axes, ten million colours are placed by several threads.
+    const auto [first, last] = colourVariable.range();
+    const double span = last - first;
+    const double* values = numbers->GetPointer(0);
+    const std::size_t count = ids.size();
+    const std::size_t colourShares = sharesOf(count);
+    eachShare(colourShares,
+              [&, from = first](std::size_t share)
+              {
+                const std::size_t end = shareStart(count, colourShares, share + 1);
+                for (std::size_t row = shareStart(count, colourShares, share); row < end; ++row)
+                {
+                  const double value = values[row];
+                  if (!std::isnan(value))
+                    colours.set(row, span > 0 ? static_cast<float>((value - from) / span) : 0.5f);
+                }
+              });
   }
   selected.clear();
 }
