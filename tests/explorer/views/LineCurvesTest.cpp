@@ -279,12 +279,8 @@ TEST(CurveDrawing, LongSeriesKeepTheirSpikesAndTheDensityCountsEverySegment)
 
 TEST(CurveDrawing, ADensityCountedInSlicesIsTheDensityCountedAtOnce)
 {
-  // Twelve zigzags of 20 points, each shifted and coloured differently.
-  PlotFrame frame;
-  frame.right = 120;
-  frame.bottom = 80;
-  frame.xMax = 19;
-  frame.yMax = 14;
+  // Twelve zigzags of 20 points, each shifted and coloured differently, over 120 x 80 pixels.
+  const PlotFrame frame{ 0, 0, 120, 80, 0, 19, 0, 14, {} };
   CurveSet set;
   std::vector<float> scale;
   for (int c = 0; c < 12; ++c)
