@@ -77,7 +77,9 @@ struct InvalidPointsFilter::Kept
 
 // The rows holding NaN of the double columns checked lately, so that a column checked again
 // unchanged (a plot's Y when X changes, an X chosen again) is not scanned again. A list of rows
-// rather than a mask: NaN is the exception in a column that is plotted.
+// rather than a mask: NaN is the exception in a column that is plotted; a column with NaN in more
+// than a sixteenth of its rows is scanned each time instead (its list would take more than half
+// the flags of the rows).
 struct InvalidPointsFilter::ScannedColumns
 {
   struct Scan
@@ -91,7 +93,9 @@ struct InvalidPointsFilter::ScannedColumns
   static constexpr std::size_t kept = 6;
   std::vector<Scan> scans; // the latest last
 
-  const std::vector<vtkIdType>& nanRowsOf(vtkDoubleArray& column, vtkIdType rows);
+  /// Calls drop(row) for each row among the first `rows` whose value in `column` is NaN.
+  template<typename Drop>
+  void eachNaNRow(vtkDoubleArray& column, vtkIdType rows, const Drop& drop);
 };
 
 namespace
@@ -228,32 +232,50 @@ bool evenColumns(vtkTable& table, vtkIdType rows)
 
 } // namespace
 
-const std::vector<vtkIdType>& InvalidPointsFilter::ScannedColumns::nanRowsOf(vtkDoubleArray& column,
-                                                                             vtkIdType rows)
+template<typename Drop>
+void InvalidPointsFilter::ScannedColumns::eachNaNRow(vtkDoubleArray& column,
+                                                     vtkIdType rows,
+                                                     const Drop& drop)
 {
+  // The scan of a column that is gone cannot be asked for again.
+  scans.erase(std::remove_if(scans.begin(), scans.end(), [](const Scan& s) { return !s.column; }),
+              scans.end());
   const vtkIdType values = std::min(rows, column.GetNumberOfValues());
   for (auto scan = scans.begin(); scan != scans.end(); ++scan)
   {
     if (scan->column == &column && scan->time == column.GetMTime() && scan->values == values)
     {
       std::rotate(scan, scan + 1, scans.end());
-      return scans.back().nanRows;
+      for (const vtkIdType row : scans.back().nanRows)
+        drop(row);
+      return;
     }
   }
   Scan scan;
   scan.column = &column;
   scan.time = column.GetMTime();
   scan.values = values;
+  const auto longest = static_cast<std::size_t>(values / 16);
+  bool keep = true;
   const double* data = column.GetPointer(0);
   for (vtkIdType row = 0; row < values; ++row)
   {
-    if (isNaN(data[row]))
+    if (!isNaN(data[row]))
+      continue;
+    drop(row);
+    if (keep && scan.nanRows.size() == longest)
+    {
+      keep = false;
+      std::vector<vtkIdType>().swap(scan.nanRows);
+    }
+    if (keep)
       scan.nanRows.push_back(row);
   }
+  if (!keep)
+    return;
   if (scans.size() == kept)
     scans.erase(scans.begin());
   scans.push_back(std::move(scan));
-  return scans.back().nanRows;
 }
 
 vtkSmartPointer<InvalidPointsFilter> InvalidPointsFilter::New(
@@ -352,10 +374,7 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
   if (!scanned)
     scanned = std::make_unique<ScannedColumns>();
   for (const auto& pair : checked)
-  {
-    for (const vtkIdType row : scanned->nanRowsOf(*pair.first, rows))
-      drop(row);
-  }
+    scanned->eachNaNRow(*pair.first, rows, drop);
   if (auto* mask = vtkCharArray::SafeDownCast(input->GetColumnByName(validPointsArrayName.c_str())))
   {
     const vtkIdType count = std::min(rows, mask->GetNumberOfValues());

@@ -32,7 +32,7 @@ std::shared_ptr<const Project> variables()
   builder.setCaseIds({ 1 });
   for (const char* name : { "x", "y", "z", "count", "ratio", "absent" })
     builder.addNumericVariable(name, { 0 });
-  for (int i = 0; i < 8; ++i)
+  for (int i = 0; i < 9; ++i)
     builder.addNumericVariable("x" + std::to_string(i), { 0 });
   return builder.build();
 }
@@ -247,8 +247,9 @@ TEST_F(InvalidPoints, NumbersCopiedUnderTheSameRowsAreSharedUntilTheirColumnChan
 
 TEST_F(InvalidPoints, EachOfManyXsChosenInTurnDropsItsOwnRowsFirstAndLastIncluded)
 {
-  // Eight columns of 1,000 rows, each with NaN in rows of its own (its first or its last row
-  // among them), chosen as X twice round, more than the filter remembers scans of.
+  // Eight columns of 1,000 rows, each with NaN in about twenty rows of its own (its first or its
+  // last row among them), chosen as X twice round, more than the filter remembers scans of; and
+  // one with NaN in every other row, more than it remembers the rows of.
   constexpr int rows = 1000;
   auto table = vtkSmartPointer<vtkTable>::New();
   auto ids = vtkSmartPointer<vtkIntArray>::New();
@@ -263,8 +264,12 @@ TEST_F(InvalidPoints, EachOfManyXsChosenInTurnDropsItsOwnRowsFirstAndLastInclude
   table->AddColumn(ids);
   table->AddColumn(y);
   const auto isNaNIn = [](int x, int row)
-  { return row % (x + 2) == 1 || (x % 2 ? row == 0 : row == rows - 1); };
-  for (int x = 0; x < 8; ++x)
+  {
+    if (x == 8)
+      return row % 2 == 1;
+    return row % (50 + x) == 1 || (x % 2 ? row == 0 : row == rows - 1);
+  };
+  for (int x = 0; x < 9; ++x)
   {
     auto values = vtkSmartPointer<vtkDoubleArray>::New();
     values->SetName(("x" + std::to_string(x)).c_str());
@@ -275,9 +280,9 @@ TEST_F(InvalidPoints, EachOfManyXsChosenInTurnDropsItsOwnRowsFirstAndLastInclude
   auto chosen = property("x0");
   auto filter = InvalidPointsFilter::New({ chosen, property("y") });
   filter->SetInputData(table);
-  for (int turn = 0; turn < 16; ++turn)
+  for (int turn = 0; turn < 18; ++turn)
   {
-    const int x = turn % 8;
+    const int x = turn % 9;
     const std::string name = "x" + std::to_string(x);
     chosen->setValue(project->variable(name));
     filter->Update();
