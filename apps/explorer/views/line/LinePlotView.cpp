@@ -189,8 +189,8 @@ struct LinePlotView::Impl
   }
 
   // While series come in, a paint counts a slice of the curves that came (some 25 ms of work
-  // here) and the next paint the rest, so that the window keeps answering however fast the
-  // files are read; the curves there are once all are in are counted at once.
+  // here) and asks for another paint for the rest, so that the window keeps answering however
+  // fast the files are read; once every series is in, what is left is counted in one paint.
   static constexpr std::size_t pointsPerSlice = 400000;
 
   void paint(QPainter& on)
