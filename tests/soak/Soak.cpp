@@ -23,10 +23,7 @@
 #include <QUndoStack>
 #include <QWheelEvent>
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
-#endif
-
+#include <cstddef>
 #include <fstream>
 #include <functional>
 #include <malloc.h>
@@ -35,6 +32,11 @@
 #include <stdexcept>
 #include <unistd.h>
 #include <vector>
+
+#if defined(__SANITIZE_ADDRESS__)
+// ASan's count of the bytes its allocator hands out (GCC ships no header that declares it).
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+#endif
 
 namespace soak
 {
