@@ -464,6 +464,7 @@ Report run(explorer::ExplorerWindow& window,
       warmedUp.restore(window);
       settle();
       report.residentAfterWarmUp = residentMemory();
+      report.heapAfterWarmUp = heapInUse();
     }
     // Where memory grew, for whoever reads the log of a failed run.
     if (log && (step + 1) % logEvery == 0)
@@ -477,6 +478,7 @@ Report run(explorer::ExplorerWindow& window,
   warmedUp.restore(window);
   settle();
   report.residentAtEnd = residentMemory();
+  report.heapAtEnd = heapInUse();
 
   while (UndoStack().canUndo())
     UndoStack().qUndoStack().undo();

@@ -31,6 +31,9 @@ struct Report
   /// (settings, tabs, selection).
   std::size_t residentAfterWarmUp = 0;
   std::size_t residentAtEnd = 0;
+  /// The bytes of the blocks the program holds from its allocator, at the same two moments.
+  std::size_t heapAfterWarmUp = 0;
+  std::size_t heapAtEnd = 0;
   /// Steps on the undo stack at the end, derived variables the study held at most, and selection
   /// changes: what the actions did.
   int undoSteps = 0;
@@ -53,5 +56,8 @@ Report run(explorer::ExplorerWindow& window,
 
 /// The resident memory of this process, in bytes.
 std::size_t residentMemory();
+
+/// The bytes of the blocks this process holds from its allocator (ASan's when built with it).
+std::size_t heapInUse();
 
 } // namespace soak

@@ -59,12 +59,27 @@ int main(int argc, char** argv)
   std::cout << report.undoSteps << " steps to undo at the end, " << report.selectionChanges
             << " selection changes, at most " << report.mostDerivedVariables << " derived variables"
             << std::endl;
-  const double growth = report.residentAfterWarmUp == 0
-                          ? 0.0
-                          : double(report.residentAtEnd) / double(report.residentAfterWarmUp) - 1;
+  const auto growthOf = [](std::size_t before, std::size_t after)
+  { return before == 0 ? 0.0 : double(after) / double(before) - 1; };
+  const double residentGrowth = growthOf(report.residentAfterWarmUp, report.residentAtEnd);
+  const double heapGrowth = growthOf(report.heapAfterWarmUp, report.heapAtEnd);
   std::cout << "resident memory: " << report.residentAfterWarmUp / (1 << 20) << " MB after the "
             << "warm-up, " << report.residentAtEnd / (1 << 20)
-            << " MB at the end, showing the same (" << (growth * 100) << "%)" << std::endl;
+            << " MB at the end, showing the same (" << (residentGrowth * 100) << "%)\n"
+            << "heap blocks held: " << report.heapAfterWarmUp / (1 << 20) << " MB after the "
+            << "warm-up, " << report.heapAtEnd / (1 << 20) << " MB at the end ("
+            << (heapGrowth * 100) << "%)" << std::endl;
+#if defined(__SANITIZE_ADDRESS__)
+  // Under ASan resident memory also holds what ASan keeps for itself and never gives back (a
+  // stack trace of every place that allocated, shadow of every page the heap ever used): it
+  // grew by 10% where the same run without ASan shrank by 7%. The program's own blocks are
+  // ASan's count of them.
+  const double growth = heapGrowth;
+  const char* const grown = "the heap's blocks grew by more than 5%";
+#else
+  const double growth = residentGrowth;
+  const char* const grown = "resident memory grew by more than 5%";
+#endif
   bool ok = true;
   if (!report.undoneToStart)
   {
@@ -74,7 +89,7 @@ int main(int argc, char** argv)
   }
   if (steps >= 2000 && growth > 0.05)
   {
-    std::cout << "resident memory grew by more than 5%" << std::endl;
+    std::cout << grown << std::endl;
     ok = false;
   }
   if (!ok)
