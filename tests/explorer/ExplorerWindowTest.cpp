@@ -269,6 +269,9 @@ TEST_F(ExplorerWindowTest, RefusedSettingsChangeNothingAndSayWhy)
       "<ExplorerSettings><ScatterPlot2D><ColorLegendPlacement x=\"2\" y=\"0\" width=\"0.1\" "
       "height=\"0.1\"/></ScatterPlot2D></ExplorerSettings>",
       "ScatterPlot2D/ColorLegendPlacement: '2' is not a fraction of the view" },
+    { "a zoom beyond the slider's (Qt crashes scaling to 75,050 pixels)",
+      "<ExplorerSettings><ImageMatrix><Zoom>10000</Zoom></ImageMatrix></ExplorerSettings>",
+      "ImageMatrix/Zoom: '10000' is not a zoom level" },
     { "a filter that is not a number",
       "<ExplorerSettings><Filters><Filter variable=\"angle\" min=\"a\" max=\"1\"/></Filters>"
       "</ExplorerSettings>",

@@ -40,6 +40,7 @@
 #include <QSlider>
 #include <QStackedLayout>
 #include <QVBoxLayout>
+#include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
 #include <vtkInformation.h>
 #include <vtkObjectFactory.h>
@@ -47,8 +48,10 @@
 
 #include <charconv>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 
 namespace explorer
 {
@@ -73,6 +76,42 @@ protected:
   }
 };
 vtkStandardNewMacro(vtkNoCases);
+
+// The most a cell is zoomed to, as the zoom slider goes (800 pixels a side). A saved level beyond
+// it asks for images Qt cannot scale to (at level 10,000, 75,050 pixels a side, its smooth
+// scaling crashes; at 4,000 it makes an image of 2.7 GB per file).
+constexpr unsigned long long mostZoom = 100;
+
+/// The zoom level as a whole number of 0 to mostZoom; another text or level is refused as a text
+/// that is no value (boost::bad_lexical_cast) and leaves the zoom as it was.
+class ZoomSerializer : public Serializer
+{
+public:
+  explicit ZoomSerializer(boost::shared_ptr<plexa::PropertyAbstract<unsigned long long>> zoom)
+    : Serializer("Zoom")
+    , zoom(std::move(zoom))
+  {
+  }
+
+private:
+  void serializeSelf(QDomElement& element) const override
+  {
+    element.appendChild(element.ownerDocument().createTextNode(QString::number(zoom->value())));
+  }
+
+  void deserializeSelf(QDomElement& element) const override
+  {
+    const std::string text = element.text().trimmed().toStdString();
+    unsigned long long level = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), level);
+    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() ||
+        level > mostZoom)
+      throw boost::bad_lexical_cast(typeid(std::string), typeid(unsigned long long));
+    zoom->setValue(level);
+  }
+
+  boost::shared_ptr<plexa::PropertyAbstract<unsigned long long>> zoom;
+};
 
 /// Saves a value as its text; reads a text that is a number back as a number.
 class VariantTextSerializer : public Serializer
@@ -319,8 +358,8 @@ ImageMatrixView::ImageMatrixView(const ViewContext& context)
     "VariablesInLabel", p->variablesInLabel(), variables));
   saveSetting(boost::make_shared<TagGroupsToShowSerializer>(p->tagGroupsToShow()));
   saveSetting(boost::make_shared<TagsToShowSerializer>(p->tagsToShow(), knownTags));
-  saveSetting(boost::make_shared<GenericSerializer<unsigned long long>>("Zoom", p->zoom()),
-              "a whole number");
+  saveSetting(boost::make_shared<ZoomSerializer>(p->zoom()),
+              "a zoom level, a whole number of 0 to " + std::to_string(mostZoom));
 }
 
 ImageMatrixView::~ImageMatrixView()
@@ -455,11 +494,11 @@ std::vector<SettingsSection> ImageMatrixView::settingsSections(PropertyEditors& 
                  p->tagsToShow().get()));
 
   auto* zoom = new QSlider(Qt::Horizontal);
-  zoom->setRange(0, 100);
+  zoom->setRange(0, static_cast<int>(mostZoom));
   const auto showZoom = [zoom, p]
   {
     const QSignalBlocker blocker(zoom);
-    zoom->setValue(static_cast<int>(std::min<unsigned long long>(p->zoom()->value(), 100)));
+    zoom->setValue(static_cast<int>(std::min(p->zoom()->value(), mostZoom)));
   };
   showZoom();
   editors.follow(*p->zoom(), showZoom);
