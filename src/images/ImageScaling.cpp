@@ -52,11 +52,12 @@ QImage scaledSmoothly(const QImage& image, const QSize& box)
   const QSize target = image.size().scaled(box, Qt::KeepAspectRatio);
   // Halving stops while Qt would still have a reduction of at least two left (a last average over
   // less than two pixels of halves blurs the edges of thin lines visibly more than Qt's), and at
-  // odd sizes, where the blocks would no longer tile the image.
+  // odd sizes, where the blocks would no longer tile the image. (Compared in 64 bits: a box zoomed
+  // in far, and so the target, may be near the largest int.)
   const auto halvable = [&target](const QImage& from)
   {
-    return from.width() % 2 == 0 && from.height() % 2 == 0 && from.width() >= 4 * target.width() &&
-           from.height() >= 4 * target.height();
+    return from.width() % 2 == 0 && from.height() % 2 == 0 &&
+           from.width() >= 4LL * target.width() && from.height() >= 4LL * target.height();
   };
   if (target.isEmpty() || !halvable(image))
     return image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
