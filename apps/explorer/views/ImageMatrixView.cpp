@@ -101,11 +101,8 @@ private:
 
   void deserializeSelf(QDomElement& element) const override
   {
-    const std::string text = element.text().trimmed().toStdString();
-    unsigned long long level = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), level);
-    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() ||
-        level > mostZoom)
+    const auto level = savedtext::parse<unsigned long long>(element.text().toStdString());
+    if (level > mostZoom)
       throw boost::bad_lexical_cast(typeid(std::string), typeid(unsigned long long));
     zoom->setValue(level);
   }

@@ -162,13 +162,14 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
   if (numbers && static_cast<std::size_t>(numbers->GetNumberOfValues()) >= ids.size())
   {
     // Like the axes, ten million colours are placed by several threads.
-    const auto [first, last] = colourVariable.range();
-    const double span = last - first;
+    const auto range = colourVariable.range();
+    const double from = range.first;
+    const double span = range.second - range.first;
     const double* values = numbers->GetPointer(0);
     const std::size_t count = ids.size();
     const std::size_t colourShares = sharesOf(count);
     eachShare(colourShares,
-              [&, from = first](std::size_t share)
+              [&](std::size_t share)
               {
                 const std::size_t end = shareStart(count, colourShares, share + 1);
                 for (std::size_t row = shareStart(count, colourShares, share); row < end; ++row)
