@@ -192,10 +192,23 @@ bool copiedType(const vtkAbstractArray& column)
   }
 }
 
+// Puts `column` into the output in place of `out`, a column of the same name; false, changing
+// nothing, where the name does not single `out` out (no name, or an earlier column of the name).
+bool replaceColumn(vtkTable& output, vtkAbstractArray* out, vtkAbstractArray* column)
+{
+  const char* name = out->GetName();
+  if (!name || !*name || !column->GetName() || std::strcmp(column->GetName(), name) != 0 ||
+      output.GetColumnByName(name) != out)
+    return false;
+  output.GetRowData()->AddArray(column);
+  return true;
+}
+
 // When every row is valid, the output's copied columns hold the input's values: the numbers and
-// chars share the input's buffers (a plot of ten million points would otherwise copy each of its
-// columns on every change of axis), bits and texts are copied whole, and the columns of other
-// types get the row count only, as when rows are dropped.
+// chars are the input's own columns (a plot of ten million points would otherwise copy each of its
+// columns on every change of axis, and would see a new column where nothing changed), bits and
+// texts are copied whole, and the columns of other types get the row count only, as when rows are
+// dropped.
 void passEveryRow(vtkTable& input, vtkTable& output, vtkIdType rows)
 {
   const AllRows all{ static_cast<std::size_t>(rows) };
@@ -206,7 +219,8 @@ void passEveryRow(vtkTable& input, vtkTable& output, vtkIdType rows)
     const int type = in->GetDataType();
     if (copiedType(*in) && type != VTK_BIT && type != VTK_STRING)
     {
-      vtkDataArray::SafeDownCast(out)->ShallowCopy(vtkDataArray::SafeDownCast(in));
+      if (!replaceColumn(output, out, in))
+        vtkDataArray::SafeDownCast(out)->ShallowCopy(vtkDataArray::SafeDownCast(in));
       continue;
     }
     out->SetNumberOfTuples(rows);
@@ -399,8 +413,9 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
   // way) without allocating and shrinking every column.
   output->SetNumberOfRows(rows - static_cast<vtkIdType>(dropped));
 
-  // Copy the kept rows, per column type, packed to the front; numbers kept under the same rows
-  // before are shared.
+  // Copy the kept rows, per column type, packed to the front. Numbers copied under the same rows
+  // before, from a column unchanged since, are that copy itself, unmodified: what is drawn from
+  // it (a plot's Y when X changes) need not be made again.
   auto kept = std::make_unique<Kept>();
   const Kept* before = lastKept && lastKept->valid == valid ? lastKept.get() : nullptr;
   const auto copyNumbers = [&](vtkAbstractArray* in, vtkAbstractArray* out, auto gather)
@@ -408,7 +423,10 @@ int InvalidPointsFilter::RequestData(vtkInformation*,
     auto* numbers = vtkDataArray::SafeDownCast(out);
     if (in->GetNumberOfComponents() != 1 || !numbers)
       return; // numbers of several components are left uncopied
-    if (vtkDataArray* earlier = before ? before->copyOf(in) : nullptr)
+    vtkDataArray* earlier = before ? before->copyOf(in) : nullptr;
+    if (earlier && replaceColumn(*output, out, earlier))
+      numbers = earlier;
+    else if (earlier)
       numbers->ShallowCopy(earlier);
     else
       gather(in, out, keptRows);

@@ -22,10 +22,12 @@
 /// component) and string are filled; columns of other types (float, among others) are left as
 /// the row-count change left them, on purpose. A variable that no longer exists is ignored; a
 /// variable without a column, or no checked column at all, passes the input through unchanged.
-/// Choosing another variable re-runs the filter on the next update. A run that keeps the rows
-/// the one before kept shares the numbers that run copied from a column unchanged since: a plot
-/// given a new X copies its Y again only when other rows are dropped. Likewise the rows of NaN in
-/// the last few columns checked are kept until a column's modification time changes.
+/// Choosing another variable re-runs the filter on the next update. With no row dropped, the
+/// number columns are the input's own. A run that keeps the rows the one before kept outputs the
+/// very columns of numbers that run copied from a column unchanged since, unmodified: a plot
+/// given a new X sees its Y unchanged, and copies it again only when other rows are dropped.
+/// Likewise the rows of NaN in the last few columns checked are kept until a column's modification
+/// time changes.
 class QUEN_ANALYZER_DATAVIEWS_COMMON_EXPORT InvalidPointsFilter : public vtkTableAlgorithm
 {
 public:

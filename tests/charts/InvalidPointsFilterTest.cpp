@@ -124,9 +124,8 @@ TEST_F(InvalidPoints, WhenNoRowIsDroppedTheNumbersAreTheInputsOwnAndOtherTypesSt
   ASSERT_EQ(output->GetNumberOfColumns(), 9);
   for (const char* name : { "case_id", "x", "y", "grade", "count" })
   {
-    EXPECT_EQ(output->GetColumnByName(name)->GetVoidPointer(0),
-              table->GetColumnByName(name)->GetVoidPointer(0))
-      << name << " is the input's values, not a copy";
+    EXPECT_EQ(output->GetColumnByName(name), table->GetColumnByName(name))
+      << name << " is the input's column, not a copy";
   }
   EXPECT_EQ(vtkStringArray::SafeDownCast(output->GetColumnByName("label"))->GetValue(3), "d");
   EXPECT_EQ(vtkBitArray::SafeDownCast(output->GetColumnByName("failed"))->GetValue(3), 1);
@@ -216,18 +215,19 @@ TEST_F(InvalidPoints, NumbersCopiedUnderTheSameRowsAreSharedUntilTheirColumnChan
       result.push_back(numbers->GetValue(row));
     return result;
   };
-  const auto at = [&](const char* name)
-  { return filter->GetOutput()->GetColumnByName(name)->GetVoidPointer(0); };
+  const auto at = [&](const char* name) { return filter->GetOutput()->GetColumnByName(name); };
   run(*filter, table);
-  const void* yCopied = at("y");
-  const void* idsCopied = at("case_id");
+  const vtkAbstractArray* yCopied = at("y");
+  const vtkMTimeType yCopiedTime = at("y")->GetMTime();
+  const vtkAbstractArray* idsCopied = at("case_id");
 
   chosen->setValue(project->variable("z"));
   filter->Update();
   EXPECT_EQ(caseIds(filter->GetOutput()), (std::vector<int>{ 10, 12, 13 }));
   EXPECT_EQ(values("z"), (std::vector<double>{ 40, 20, 10 })) << "z copied";
   EXPECT_EQ(values("y"), (std::vector<double>{ 1, 3, 4 }));
-  EXPECT_EQ(at("y"), yCopied) << "y shared, the same rows dropped";
+  EXPECT_EQ(at("y"), yCopied) << "y's copy passed on, the same rows dropped";
+  EXPECT_EQ(at("y")->GetMTime(), yCopiedTime) << "and unmodified";
   EXPECT_EQ(at("case_id"), idsCopied);
 
   // y changed in place, then other rows dropped: copied again.

@@ -49,8 +49,10 @@ struct ScatterPlotModel::Impl
   vtkSmartPointer<InvalidPointsFilter> plottable;
   vtkSmartPointer<vtkTable> table;
   // Whether the table's keys ascend with its rows, as the pipeline keeps the study's order; if
-  // not, the rows by case id. Found when a selection first asks after an update.
-  mutable bool rowIndexStale = true;
+  // not, the rows by case id. Found when a selection first asks after the key column changed
+  // (not on a change of X alone: the same rows keep the same key column).
+  mutable const void* indexedKeys = nullptr;
+  mutable vtkMTimeType indexedKeysTime = 0;
   mutable bool keysAscend = false;
   mutable CaseRowIndex rowOfCase;
   bool logX = false;
@@ -134,7 +136,6 @@ void ScatterPlotModel::setLogAxes(bool x, bool y)
 vtkSmartPointer<vtkTable> ScatterPlotModel::update()
 {
   d->table = nullptr;
-  d->rowIndexStale = true;
   if (d->y->value().lock().isNull())
     return nullptr;
   d->keyed->SetColumns({ xColumn(), yColumn(), d->colour->value().lock().name() });
@@ -219,7 +220,7 @@ std::vector<int> ScatterPlotModel::rowsOfCases(
   const int* first = keys->GetPointer(0);
   const auto count = static_cast<std::size_t>(keys->GetNumberOfTuples());
   const int* last = first + count;
-  if (d->rowIndexStale)
+  if (keys != d->indexedKeys || keys->GetMTime() != d->indexedKeysTime)
   {
     d->keysAscend = (count == 0 || first[0] >= 0) &&
                     std::adjacent_find(first, last, std::greater_equal<>()) == last;
@@ -231,7 +232,8 @@ std::vector<int> ScatterPlotModel::rowsOfCases(
         d->keys->caseIdOf(static_cast<unsigned long long>(first[row]), caseIds[row]);
       d->rowOfCase.assign(CaseIds(std::move(caseIds)));
     }
-    d->rowIndexStale = false;
+    d->indexedKeys = keys;
+    d->indexedKeysTime = keys->GetMTime();
   }
   if (!d->keysAscend)
   {
