@@ -3,6 +3,7 @@
 #include <vtkAxis.h>
 #include <vtkContext2D.h>
 #include <vtkContextMapper2D.h>
+#include <vtkDoubleArray.h>
 #include <vtkFloatArray.h>
 #include <vtkIdTypeArray.h>
 #include <vtkImageData.h>
@@ -12,15 +13,111 @@
 #include <vtkScalarsToColors.h>
 #include <vtkTable.h>
 #include <vtkUnsignedCharArray.h>
+#include <vtkWeakPointer.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 vtkStandardNewMacro(vtkDensityPlotPoints);
+
+namespace
+{
+
+// A column of coordinates as it was scanned: its rows that are not finite, and its range.
+struct CoordinateScan
+{
+  vtkWeakPointer<vtkDataArray> column;
+  vtkMTimeType time = 0;
+  std::vector<vtkIdType> notFinite;
+  double range[2] = { 0, 0 };
+
+  bool of(vtkDataArray* other) const { return column == other && time == other->GetMTime(); }
+};
+
+// Scans `column` and, when `xy` is given, copies it into component `component` of the points as
+// the points plot does: shifted, scaled, then made a float. Four ranges are kept side by side so
+// that no comparison waits for the one before (which of two equal values is kept does not
+// matter), and the rows that are not finite, rare, are listed by a second pass only if there are
+// any.
+CoordinateScan scanCoordinate(vtkDoubleArray& column,
+                              float* xy,
+                              int component,
+                              double shift,
+                              double scale)
+{
+  CoordinateScan scan;
+  scan.column = &column;
+  scan.time = column.GetMTime();
+  const double* values = column.GetPointer(0);
+  const vtkIdType count = column.GetNumberOfTuples();
+  constexpr double most = std::numeric_limits<double>::max();
+  constexpr vtkIdType lanes = 4;
+  double low[lanes] = { most, most, most, most };
+  double high[lanes] = { -most, -most, -most, -most };
+  bool finite = true;
+  const auto take = [&](vtkIdType i, vtkIdType lane)
+  {
+    const double value = values[i];
+    if (xy)
+      xy[2 * i + component] = static_cast<float>((value + shift) * scale);
+    low[lane] = value < low[lane] ? value : low[lane];
+    high[lane] = value > high[lane] ? value : high[lane];
+    finite &= std::abs(value) <= most;
+  };
+  vtkIdType i = 0;
+  for (; i + lanes <= count; i += lanes)
+    for (vtkIdType lane = 0; lane < lanes; ++lane)
+      take(i + lane, lane);
+  for (; i < count; ++i)
+    take(i, 0);
+  scan.range[0] = *std::min_element(low, low + lanes);
+  scan.range[1] = *std::max_element(high, high + lanes);
+  for (i = 0; !finite && i < count; ++i)
+    if (!(std::abs(values[i]) <= most))
+      scan.notFinite.push_back(i);
+  return scan;
+}
+
+} // namespace
+
+struct vtkDensityPlotPoints::CacheSources
+{
+  // The X and Y columns and the colour column (null when not coloured) the cache holds, as
+  // they were when copied. A column made anew at the address of an old one differs in time:
+  // modification times count up across every VTK object.
+  bool noted = false;
+  vtkWeakPointer<vtkTable> table;
+  vtkWeakPointer<vtkDataArray> columns[2];
+  vtkMTimeType times[2] = { 0, 0 };
+  vtkWeakPointer<vtkDataArray> colours;
+  vtkMTimeType coloursTime = 0;
+  // The latest scan of an X column and of a Y column.
+  CoordinateScan scans[2];
+
+  void note(vtkTable* input, vtkDataArray* const now[2], vtkDataArray* colourColumn)
+  {
+    noted = true;
+    table = input;
+    for (int c = 0; c < 2; ++c)
+    {
+      columns[c] = now[c];
+      times[c] = now[c] ? now[c]->GetMTime() : 0;
+    }
+    colours = colourColumn;
+    coloursTime = colourColumn ? colourColumn->GetMTime() : 0;
+  }
+
+  bool holds(int c, vtkDataArray* column) const
+  {
+    return columns[c] == column && times[c] == column->GetMTime();
+  }
+};
 
 vtkDensityPlotPoints::vtkDensityPlotPoints() = default;
 
@@ -78,6 +175,140 @@ void vtkDensityPlotPoints::GetBounds(double bounds[4])
   std::copy(this->Bounds, this->Bounds + 4, bounds);
 }
 
+vtkDataArray* vtkDensityPlotPoints::ColourColumn(vtkTable& table) const
+{
+  return this->ScalarVisibility && !this->ColorArrayName.empty()
+           ? vtkDataArray::SafeDownCast(table.GetColumnByName(this->ColorArrayName.c_str()))
+           : nullptr;
+}
+
+void vtkDensityPlotPoints::Update()
+{
+  if (this->RefreshChangedCoordinate())
+    return;
+  const vtkMTimeType builtBefore = this->BuildTime.GetMTime();
+  this->Superclass::Update();
+  this->NoteCacheSources(builtBefore);
+}
+
+void vtkDensityPlotPoints::NoteCacheSources(vtkMTimeType builtBefore)
+{
+  if (this->BuildTime.GetMTime() == builtBefore)
+    return;
+  if (!this->Sources)
+    this->Sources = std::make_unique<CacheSources>();
+  vtkTable* table = this->Data->GetInput();
+  vtkDataArray* columns[2] = { nullptr, nullptr };
+  for (int c = 0; table && c < 2; ++c)
+    columns[c] = this->Data->GetInputArrayToProcess(c, table);
+  this->Sources->noted = false;
+  if (table && columns[0] && columns[1])
+    this->Sources->note(table, columns, this->ColourColumn(*table));
+}
+
+bool vtkDensityPlotPoints::RefreshChangedCoordinate()
+{
+  // Another table, or other columns of it, and nothing else the points plot's update watches
+  // changed: its properties, the lookup table, the axes' logarithmic scales. The table the cache
+  // was made from, modified, may have had its values written without its columns knowing.
+  CacheSources* sources = this->Sources.get();
+  vtkTable* table = this->Data->GetInput();
+  if (!sources || !sources->noted || !this->Visible || !table || !this->Points ||
+      table == sources->table)
+    return false;
+  const vtkMTimeType built = this->BuildTime.GetMTime();
+  if (!this->PropertiesKept() || (this->LookupTable && this->LookupTable->GetMTime() > built))
+    return false;
+  // What is not simply copied here: an index for X, logarithms, a mask of valid points, and the
+  // points sorted for searches (which only the points plot itself can let go).
+  if (this->UseIndexForXSeries || this->LogX || this->LogY ||
+      (this->XAxis && this->XAxis->GetLogScale()) || (this->YAxis && this->YAxis->GetLogScale()) ||
+      this->ValidPointMask || this->Sorted ||
+      (!this->ValidPointMaskName.empty() &&
+       table->GetColumnByName(this->ValidPointMaskName.c_str())))
+    return false;
+  auto* xy = vtkFloatArray::SafeDownCast(this->Points->GetData());
+  const vtkIdType count = this->Points->GetNumberOfPoints();
+  if (!xy || xy->GetNumberOfComponents() != 2)
+    return false;
+  vtkDoubleArray* columns[2] = { nullptr, nullptr };
+  int changed = -1;
+  for (int c = 0; c < 2; ++c)
+  {
+    columns[c] = vtkDoubleArray::SafeDownCast(this->Data->GetInputArrayToProcess(c, table));
+    if (!columns[c] || columns[c]->GetNumberOfComponents() != 1 ||
+        columns[c]->GetNumberOfTuples() != count)
+      return false;
+    if (!sources->holds(c, columns[c]))
+    {
+      if (changed >= 0)
+        return false; // both changed: the whole cache is made again anyway
+      changed = c;
+    }
+  }
+  vtkDataArray* colours = this->ColourColumn(*table);
+  if (colours != sources->colours || (colours && colours->GetMTime() != sources->coloursTime))
+    return false;
+
+  if (changed >= 0)
+  {
+    const vtkRectd shiftScale = this->GetShiftScale();
+    const double shift = changed == 0 ? shiftScale.GetX() : shiftScale.GetY();
+    const double scale = changed == 0 ? shiftScale.GetWidth() : shiftScale.GetHeight();
+    sources->scans[changed] =
+      scanCoordinate(*columns[changed], xy->GetPointer(0), changed, shift, scale);
+    const int other = 1 - changed;
+    if (!sources->scans[other].of(columns[other]))
+      sources->scans[other] = scanCoordinate(*columns[other], nullptr, other, 0, 1);
+    this->ShowScannedCoordinates(sources->scans[0].notFinite,
+                                 sources->scans[1].notFinite,
+                                 sources->scans[0].range,
+                                 sources->scans[1].range);
+    vtkDataArray* noted[2] = { columns[0], columns[1] };
+    sources->note(table, noted, colours);
+  }
+  this->BuildTime.Modified();
+  return true;
+}
+
+void vtkDensityPlotPoints::ShowScannedCoordinates(const std::vector<vtkIdType>& notFiniteX,
+                                                  const std::vector<vtkIdType>& notFiniteY,
+                                                  const double rangeX[2],
+                                                  const double rangeY[2])
+{
+  // A point is bad when either coordinate is not finite, as the points plot finds them.
+  std::vector<vtkIdType> bad;
+  std::set_union(notFiniteX.begin(),
+                 notFiniteX.end(),
+                 notFiniteY.begin(),
+                 notFiniteY.end(),
+                 std::back_inserter(bad));
+  if (bad.empty() && this->BadPoints)
+  {
+    this->BadPoints->Delete();
+    this->BadPoints = nullptr;
+  }
+  else if (!bad.empty())
+  {
+    if (!this->BadPoints)
+      this->BadPoints = vtkIdTypeArray::New();
+    this->BadPoints->SetNumberOfValues(static_cast<vtkIdType>(bad.size()));
+    std::copy(bad.begin(), bad.end(), this->BadPoints->GetPointer(0));
+    this->BadPoints->Modified();
+  }
+  this->Points->Modified();
+  // Without bad points the bounds are the columns' ranges, as the points plot computes them;
+  // with some, it leaves them out, and the next GetBounds asks it.
+  if (bad.empty())
+  {
+    const double bounds[4] = { rangeX[0], rangeX[1], rangeY[0], rangeY[1] };
+    std::copy(bounds, bounds + 4, this->UnscaledInputBounds);
+    std::copy(bounds, bounds + 4, this->Bounds);
+    this->HasBounds = true;
+    this->BoundsFrom = this->BoundsSourceNow();
+  }
+}
+
 void vtkDensityPlotPoints::ApplyPointOpacity()
 {
   const auto alpha = static_cast<unsigned char>(std::lround(this->PointOpacity * 255));
@@ -109,9 +340,17 @@ template<typename Change>
 void vtkDensityPlotPoints::KeepingCache(Change change)
 {
   const bool current = this->CacheCurrent();
+  const bool propertiesKept = this->PropertiesKept();
   change();
   if (current)
     this->BuildTime.Modified();
+  else if (propertiesKept)
+    this->CacheKeepingTime = this->GetMTime();
+}
+
+bool vtkDensityPlotPoints::PropertiesKept()
+{
+  return this->GetMTime() <= this->BuildTime || this->GetMTime() == this->CacheKeepingTime;
 }
 
 void vtkDensityPlotPoints::SetSelection(vtkIdTypeArray* selection)
@@ -261,49 +500,78 @@ struct PointsToBin
   int stride;
 };
 
-// Adds the points to the bins of `totals`.
+// Adds the points to the bins of `totals`, whose last place, past the grid, takes the points
+// outside it. A block of points is placed first, then added: placing is arithmetic without a
+// branch, in floats as the points are kept, and adding is a run of increments that asks for the
+// bins a few points ahead (they lie anywhere in a grid larger than the processor's nearer caches).
 template<typename Sum, int Width>
 void addPoints(const PointsToBin& in, std::vector<BinTotals<Sum, Width>>& totals)
 {
-  const double* area = in.area;
-  const int* size = in.size;
-  const double toBinX = size[0] / (area[1] - area[0]);
-  const double toBinY = size[1] / (area[3] - area[2]);
-  // The plot keeps its points as floats: read them in place rather than one virtual call each.
+  // The points plot keeps its points as floats, read here in place.
   auto* floats = vtkFloatArray::SafeDownCast(in.points.GetData());
-  const float* xy = floats ? floats->GetPointer(0) : nullptr;
-  const vtkIdType components = floats ? floats->GetNumberOfComponents() : 0;
   const vtkIdType pointCount = in.points.GetNumberOfPoints();
-  for (vtkIdType k = 0; k < in.count; ++k)
+  if (!floats || floats->GetNumberOfComponents() != 2 || pointCount == 0)
+    return;
+  const float* xy = floats->GetPointer(0);
+  const vtkIdType* rows = in.rows;
+  const unsigned char* rgba = in.rgba;
+  const vtkIdType stride = in.stride;
+  const auto outside = static_cast<std::uint32_t>(totals.size() - 1);
+  const auto fromX = static_cast<float>(in.area[0]);
+  const auto fromY = static_cast<float>(in.area[2]);
+  const auto toBinX = static_cast<float>(in.size[0] / (in.area[1] - in.area[0]));
+  const auto toBinY = static_cast<float>(in.size[1] / (in.area[3] - in.area[2]));
+  const int columns = in.size[0];
+  const auto width = static_cast<float>(columns);
+  const auto height = static_cast<float>(in.size[1]);
+  const int lastColumn = columns - 1;
+  const int lastRow = in.size[1] - 1;
+  // Points outside the axes' range, and non-finite ones, fall outside every bin; a point on the
+  // far edge of an axis is in its last bin.
+  const auto place = [=](vtkIdType i)
   {
-    const vtkIdType i = in.rows ? in.rows[k] : k;
-    if (i < 0 || i >= pointCount)
-      continue;
-    double p[3] = { 0, 0, 0 };
-    if (xy)
-    {
-      p[0] = xy[components * i];
-      p[1] = xy[components * i + 1];
-    }
+    const float bx = (xy[2 * i] - fromX) * toBinX;
+    const float by = (xy[2 * i + 1] - fromY) * toBinY;
+    // Bitwise ands, not logical ones: no branch, so that the compiler places points side by side.
+    const bool inside = (bx >= 0) & (bx <= width) & (by >= 0) & (by <= height);
+    const int column = std::min(static_cast<int>(inside ? bx : 0.0f), lastColumn);
+    const int row = std::min(static_cast<int>(inside ? by : 0.0f), lastRow);
+    return inside ? static_cast<std::uint32_t>(row * columns + column) : outside;
+  };
+  // A row listed that is not a point: outside, coloured as the first point.
+  const auto point = [=](vtkIdType k)
+  {
+    const vtkIdType i = rows ? rows[k] : k;
+    return i >= 0 && i < pointCount ? i : -1;
+  };
+  constexpr vtkIdType block = 1024;
+  constexpr vtkIdType ahead = 32;
+  std::uint32_t bins[block];
+  for (vtkIdType start = 0; start < in.count; start += block)
+  {
+    const vtkIdType n = std::min(block, in.count - start);
+    if (rows)
+      for (vtkIdType k = 0; k < n; ++k)
+      {
+        const vtkIdType i = point(start + k);
+        bins[k] = i >= 0 ? place(i) : outside;
+      }
     else
-      in.points.GetPoint(i, p);
-    const double bx = (p[0] - area[0]) * toBinX;
-    const double by = (p[1] - area[2]) * toBinY;
-    // Points outside the axes' range, and non-finite ones, fall outside every bin. Within it a
-    // conversion to an integer floors (std::floor would be a call per coordinate), and an int
-    // is converted faster than an unsigned 64-bit size.
-    if (!(bx >= 0 && bx < size[0] && by >= 0 && by < size[1]))
-      continue;
-    const auto column = static_cast<std::size_t>(static_cast<int>(bx));
-    const auto row = static_cast<std::size_t>(static_cast<int>(by));
-    Sum* bin = totals[row * static_cast<std::size_t>(size[0]) + column].values;
-    ++bin[0];
-    if constexpr (Width == 4)
+      for (vtkIdType k = 0; k < n; ++k)
+        bins[k] = place(start + k);
+    for (vtkIdType k = 0; k < n; ++k)
     {
-      const unsigned char* colour = in.rgba + i * in.stride;
-      bin[1] += colour[0];
-      bin[2] += colour[1];
-      bin[3] += colour[2];
+      if (k + ahead < n)
+        __builtin_prefetch(totals[bins[k + ahead]].values, 1);
+      Sum* bin = totals[bins[k]].values;
+      ++bin[0];
+      if constexpr (Width == 4)
+      {
+        const unsigned char* colour = rgba + std::max<vtkIdType>(point(start + k), 0) * stride;
+        bin[1] += colour[0];
+        bin[2] += colour[1];
+        bin[3] += colour[2];
+      }
     }
   }
 }
@@ -316,13 +584,14 @@ void paintBins(const std::vector<BinTotals<Sum, Width>>& totals,
                const unsigned char plain[4],
                vtkImageData& image)
 {
+  const std::size_t bins = static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]);
   Sum most = 1;
-  for (const auto& bin : totals)
-    most = std::max(most, bin.count());
+  for (std::size_t b = 0; b < bins; ++b)
+    most = std::max(most, totals[b].count());
   image.SetDimensions(size[0], size[1], 1);
   image.AllocateScalars(VTK_UNSIGNED_CHAR, 4);
   auto* pixels = static_cast<unsigned char*>(image.GetScalarPointer());
-  for (std::size_t b = 0; b < totals.size(); ++b)
+  for (std::size_t b = 0; b < bins; ++b)
   {
     unsigned char* pixel = pixels + b * 4;
     const auto n = static_cast<std::uint64_t>(totals[b].count());
@@ -346,8 +615,9 @@ void paintBins(const std::vector<BinTotals<Sum, Width>>& totals,
 template<typename Sum, int Width>
 void binInto(const PointsToBin& in, const unsigned char plain[4], vtkImageData& image)
 {
-  std::vector<BinTotals<Sum, Width>> totals(static_cast<std::size_t>(in.size[0]) *
-                                            static_cast<std::size_t>(in.size[1]));
+  // The grid's bins, and one for the points outside it.
+  std::vector<BinTotals<Sum, Width>> totals(
+    static_cast<std::size_t>(in.size[0]) * static_cast<std::size_t>(in.size[1]) + 1);
   addPoints(in, totals);
   paintBins(totals, in.size, plain, image);
 }

@@ -7,8 +7,12 @@
 #include <vtkSmartPointer.h>
 
 #include <functional>
+#include <memory>
+#include <vector>
 
+class vtkDataArray;
 class vtkImageData;
+class vtkTable;
 
 /// A points plot that, when told to, paints its points as a density image instead of one marker
 /// each: the points are binned on a grid of 2 x 2 pixels of the plot area, and each bin that
@@ -44,6 +48,13 @@ public:
   vtkSetVector4Macro(SelectionDensityColor, unsigned char);
 
   bool Paint(vtkContext2D* painter) override;
+
+  /// The points plot's update, except when the input became another table that holds the
+  /// columns the points' cache was made from, but for X or Y (a host that makes a table of the
+  /// columns it shows, given a new X): then that coordinate alone is copied and scanned, and the
+  /// other, the colours and the rest of the cache are kept, as long as no property of the plot
+  /// changed (a new selection aside). The result is the points plot's own, value for value.
+  void Update() override;
 
   /// The points plot's bounds, kept until what they come from changes (the input's X and Y
   /// columns, the points left out as bad, the logarithmic axes): the chart asks for them on every
@@ -84,6 +95,28 @@ private:
   bool CacheCurrent();
   template<typename Change>
   void KeepingCache(Change change);
+  // Whether the plot was modified since the cache was built only by such changes (a new selection
+  // while the input changed, say); and its modification time after the last of them.
+  bool PropertiesKept();
+  vtkMTimeType CacheKeepingTime = 0;
+
+  // What the points' cache was built from, and scans of the columns it copied.
+  struct CacheSources;
+  std::unique_ptr<CacheSources> Sources;
+  // After the points plot's own update: notes what its cache was built from, if it was built.
+  void NoteCacheSources(vtkMTimeType builtBefore);
+  // Brings the cache up to date when only a coordinate's column, or nothing but the table,
+  // changed since it was built; false, changing nothing, when the points plot's own update
+  // is needed.
+  bool RefreshChangedCoordinate();
+  // Writes what scans of the X and Y columns found into the cache: the bad points, and the bounds
+  // when there are none.
+  void ShowScannedCoordinates(const std::vector<vtkIdType>& notFiniteX,
+                              const std::vector<vtkIdType>& notFiniteY,
+                              const double rangeX[2],
+                              const double rangeY[2]);
+  // The column the points are coloured by; null when they are not.
+  vtkDataArray* ColourColumn(vtkTable& table) const;
 
   // Gives the markers' colours (or the pen, without colours) the point opacity.
   void ApplyPointOpacity();

@@ -7,9 +7,14 @@
 
 #include <QImage>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
+#include <limits>
+#include <string>
+#include <vector>
 #include <vtkAxis.h>
 #include <vtkChartXY.h>
 #include <vtkContextScene.h>
@@ -18,7 +23,10 @@
 #include <vtkIdTypeArray.h>
 #include <vtkIntArray.h>
 #include <vtkLookupTable.h>
+#include <vtkObjectFactory.h>
+#include <vtkPoints2D.h>
 #include <vtkTable.h>
+#include <vtkUnsignedCharArray.h>
 
 namespace
 {
@@ -43,6 +51,24 @@ vtkSmartPointer<vtkTable> points()
   table->AddColumn(keys);
   table->AddColumn(x);
   table->AddColumn(y);
+  return table;
+}
+
+vtkSmartPointer<vtkDoubleArray> numbers(const char* name, const std::vector<double>& values)
+{
+  auto column = vtkSmartPointer<vtkDoubleArray>::New();
+  column->SetName(name);
+  for (double value : values)
+    column->InsertNextValue(value);
+  return column;
+}
+
+// A table of some of `columns`, as a host makes one for each update of what it shows.
+vtkSmartPointer<vtkTable> tableOf(const std::vector<vtkDoubleArray*>& columns)
+{
+  auto table = vtkSmartPointer<vtkTable>::New();
+  for (vtkDoubleArray* column : columns)
+    table->AddColumn(column);
   return table;
 }
 
@@ -108,6 +134,58 @@ TEST(DensityPlotPoints, ADensityShowsThePointsAndTheSelectionDarkerOverThem)
     count("selected.png", [](QRgb c) { return qRed(c) < 80 && qGreen(c) < 80 && qBlue(c) < 80; }),
     1)
     << "the selected point drawn dark";
+}
+
+// Points on the edges of the axes' ranges are in the edge bins, points outside them, not finite
+// or not points at all (a selection of rows the plot does not have) in none.
+TEST(DensityPlotPoints, PointsOnTheAxesEdgesAreBinnedAndNoneOutside)
+{
+  testsupport::RenderedView shown(200, 200);
+  auto chart = vtkSmartPointer<vtkChartXY>::New();
+  shown.view().GetScene()->AddItem(chart);
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  auto table =
+    tableOf({ numbers("x", { 0, 5, 5, 0, 7, 2, nan }), numbers("y", { 0, 5, 0, 5, 2, -1, 1 }) });
+  auto plot = vtkSmartPointer<vtkDensityPlotPoints>::New();
+  chart->AddPlot(plot);
+  plot->SetInputData(table, "x", "y");
+  plot->SetColor(0, 0, 255, 255);
+  plot->SetDrawDensity(true);
+  for (int axis : { vtkAxis::BOTTOM, vtkAxis::LEFT })
+  {
+    chart->GetAxis(axis)->SetBehavior(vtkAxis::FIXED);
+    chart->GetAxis(axis)->SetRange(0, 5);
+  }
+  auto selection = vtkSmartPointer<vtkIdTypeArray>::New();
+  for (vtkIdType row : { vtkIdType(-1), vtkIdType(0), vtkIdType(1) << 24 })
+    selection->InsertNextValue(row);
+  plot->SetSelection(selection);
+  plot->SetDrawSelectionDensity(true);
+  plot->SetSelectionDensityColor(20, 20, 20, 255);
+  shown.render();
+  const QImage image(QString::fromStdString(shown.save("edges.png")));
+  // The plot area's corners, in the picture's rows from the top.
+  const vtkVector2i low(chart->GetPoint1());
+  const vtkVector2i high(chart->GetPoint2());
+  const auto shownNear = [&](int x, int y, bool (*of)(QRgb))
+  {
+    for (int dx = -2; dx <= 2; ++dx)
+      for (int dy = -2; dy <= 2; ++dy)
+        if (of(image.pixel(x + dx, image.height() - 1 - (y + dy))))
+          return true;
+    return false;
+  };
+  const auto blue = [](QRgb c) { return qBlue(c) > 150 && qRed(c) < 150; };
+  const auto dark = [](QRgb c) { return qRed(c) < 80 && qGreen(c) < 80 && qBlue(c) < 80; };
+  EXPECT_TRUE(shownNear(high.GetX(), high.GetY(), blue)) << "the far corner";
+  EXPECT_TRUE(shownNear(high.GetX(), low.GetY(), blue));
+  EXPECT_TRUE(shownNear(low.GetX(), high.GetY(), blue));
+  EXPECT_TRUE(shownNear(low.GetX(), low.GetY(), dark)) << "the selected point at the origin";
+  int drawn = 0;
+  for (int x = low.GetX() + 3; x < high.GetX() - 3; ++x)
+    for (int y = low.GetY() + 3; y < high.GetY() - 3; ++y)
+      drawn += blue(image.pixel(x, image.height() - 1 - y)) ? 1 : 0;
+  EXPECT_EQ(drawn, 0) << "nothing within: the other points are outside";
 }
 
 TEST(DensityPlotPoints, ABinTakesTheMeanColourOfItsPoints)
@@ -282,4 +360,175 @@ TEST(DensityPlotPoints, BoundsAreKeptUntilWhatTheyComeFromChanges)
       EXPECT_NEAR(bounds[std::size_t(i)], step.bounds[std::size_t(i)], 1e-12)
         << step.change << ", bound " << i;
   }
+}
+
+namespace
+{
+
+// What the points plot keeps of its input, read back.
+class CacheProbe : public vtkDensityPlotPoints
+{
+public:
+  static CacheProbe* New();
+  vtkTypeMacro(CacheProbe, vtkDensityPlotPoints);
+
+  std::vector<float> points() const
+  {
+    const auto* xy = static_cast<const float*>(this->Points->GetVoidPointer(0));
+    return { xy, xy + 2 * this->Points->GetNumberOfPoints() };
+  }
+  // The points bit for bit, so that NaN equals NaN.
+  std::vector<std::uint32_t> pointBits() const
+  {
+    const std::vector<float> xy = points();
+    std::vector<std::uint32_t> bits(xy.size());
+    std::memcpy(bits.data(), xy.data(), xy.size() * sizeof(float));
+    return bits;
+  }
+  std::vector<vtkIdType> badPoints() const
+  {
+    if (!this->BadPoints)
+      return {};
+    const vtkIdType* bad = this->BadPoints->GetPointer(0);
+    return { bad, bad + this->BadPoints->GetNumberOfValues() };
+  }
+  vtkUnsignedCharArray* colours() const { return this->Colors; }
+  vtkMTimeType pointsTime() const { return this->Points->GetMTime(); }
+};
+vtkStandardNewMacro(CacheProbe);
+
+} // namespace
+
+// A plot given a table of the same columns but for X or Y keeps the rest of its cache; what it
+// holds then is what a plot given that table afresh holds: the same floats, bad points, bounds and
+// colours.
+TEST(DensityPlotPoints, AnotherXOrYAloneIsReadAsAFreshPlotReadsIt)
+{
+  const double inf = std::numeric_limits<double>::infinity();
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  auto a = numbers("a", { 1, 2, 3, 4, 5, 6 });
+  auto b = numbers("b", { 0.1, -7, 1e6, 3, 2.5, 0 });
+  auto c = numbers("c", { 9, inf, 8, nan, 7, 6 });
+  auto d = numbers("d", { -1, 1, -1, 1, -1, nan });
+  auto colour = numbers("colour", { 0, 2, 4, 6, 8, 10 });
+  const auto lookup = []
+  {
+    auto table = vtkSmartPointer<vtkLookupTable>::New();
+    table->SetRange(0, 10);
+    table->Build();
+    return table;
+  };
+  const auto readAs = [&](CacheProbe& plot, vtkTable* table, const char* x, const char* y)
+  {
+    plot.SetInputData(table, x, y);
+    plot.SetLookupTable(lookup());
+    plot.SelectColorArray("colour");
+    plot.ScalarVisibilityOn();
+    // As a chart that must keep large values apart in floats.
+    plot.SetShiftScale(vtkRectd(-2, 1, 0.5, 4));
+  };
+
+  auto chart = vtkSmartPointer<vtkChartXY>::New();
+  auto plot = vtkSmartPointer<CacheProbe>::New();
+  chart->AddPlot(plot);
+  const std::vector<vtkDoubleArray*> all = { a, b, c, d, colour };
+  readAs(*plot, tableOf(all), "a", "b");
+  plot->Update();
+  vtkUnsignedCharArray* colours = plot->colours();
+  ASSERT_NE(colours, nullptr);
+  vtkMTimeType coloursTime = colours->GetMTime();
+
+  const struct
+  {
+    const char* x;
+    const char* y;
+    bool kept; // the colours kept, not mapped again
+  } steps[] = {
+    { "c", "b", true }, { "c", "d", true },
+    { "a", "d", true }, { "b", "c", false }, // both replaced: made again
+    { "b", "c", true }, { "d", "c", true },
+    { "d", "a", true }, { "b", "a", true }, // no bad points: bounds from the columns' ranges
+  };
+  for (const auto& step : steps)
+  {
+    const std::string name = std::string(step.x) + " against " + step.y;
+    auto table = tableOf(all);
+    plot->SetInputData(table, step.x, step.y);
+    // A host selects the rows again before the next draw.
+    auto selection = vtkSmartPointer<vtkIdTypeArray>::New();
+    selection->InsertNextValue(1);
+    plot->SetSelection(selection);
+    plot->Update();
+
+    auto fresh = vtkSmartPointer<CacheProbe>::New();
+    auto freshChart = vtkSmartPointer<vtkChartXY>::New();
+    freshChart->AddPlot(fresh);
+    readAs(*fresh, table, step.x, step.y);
+    fresh->Update();
+    EXPECT_EQ(plot->pointBits(), fresh->pointBits()) << name;
+    EXPECT_EQ(plot->badPoints(), fresh->badPoints()) << name;
+    double bounds[4];
+    double freshBounds[4];
+    plot->GetBounds(bounds);
+    fresh->GetBounds(freshBounds);
+    EXPECT_TRUE(std::equal(bounds, bounds + 4, freshBounds)) << name;
+    plot->GetUnscaledInputBounds(bounds);
+    fresh->GetUnscaledInputBounds(freshBounds);
+    EXPECT_TRUE(std::equal(bounds, bounds + 4, freshBounds)) << name;
+    ASSERT_EQ(plot->colours()->GetNumberOfValues(), fresh->colours()->GetNumberOfValues());
+    EXPECT_TRUE(std::equal(plot->colours()->GetPointer(0),
+                           plot->colours()->GetPointer(0) + plot->colours()->GetNumberOfValues(),
+                           fresh->colours()->GetPointer(0)))
+      << name;
+    EXPECT_EQ(plot->colours() == colours && colours->GetMTime() == coloursTime, step.kept) << name;
+    colours = plot->colours();
+    coloursTime = colours->GetMTime();
+  }
+
+  // The same columns in another table: nothing to read again.
+  const vtkMTimeType pointsTime = plot->pointsTime();
+  plot->SetInputData(tableOf(all), "b", "a");
+  plot->Update();
+  EXPECT_EQ(plot->pointsTime(), pointsTime);
+  EXPECT_EQ(plot->colours()->GetMTime(), coloursTime);
+}
+
+// What the kept cache cannot follow is read as the points plot reads it: points sorted for a
+// search, an axis made logarithmic, the table itself modified.
+TEST(DensityPlotPoints, WhatAKeptCacheCannotFollowIsReadAfresh)
+{
+  auto x = numbers("x", { 1, 2, 3 });
+  auto y = numbers("y", { 10, 20, 30 });
+  auto other = numbers("other", { 5, 6, 7 });
+  auto chart = vtkSmartPointer<vtkChartXY>::New();
+  auto plot = vtkSmartPointer<CacheProbe>::New();
+  chart->AddPlot(plot);
+  plot->SetInputData(tableOf({ x, y, other }), "x", "y");
+  plot->Update();
+  const vtkVector2f near(0.01f, 0.01f);
+  vtkVector2f at;
+  vtkIdType segment = 0;
+  ASSERT_EQ(plot->GetNearestPoint({ 2, 20 }, near, &at, &segment), 1);
+
+  plot->SetInputData(tableOf({ x, y, other }), "other", "y");
+  plot->Update();
+  EXPECT_EQ(plot->GetNearestPoint({ 2, 20 }, near, &at, &segment), -1)
+    << "the points sorted for searches are let go";
+  EXPECT_EQ(plot->GetNearestPoint({ 6, 20 }, near, &at, &segment), 1);
+
+  chart->GetAxis(vtkAxis::BOTTOM)->SetLogScale(true);
+  chart->GetAxis(vtkAxis::BOTTOM)->SetUnscaledRange(1, 3);
+  plot->SetInputData(tableOf({ x, y, other }), "x", "y");
+  plot->Update();
+  EXPECT_FLOAT_EQ(plot->points()[2], static_cast<float>(std::log10(2.0)))
+    << "X on a logarithmic axis";
+  chart->GetAxis(vtkAxis::BOTTOM)->SetLogScale(false);
+
+  auto table = tableOf({ x, y, other });
+  plot->SetInputData(table, "other", "y");
+  plot->Update();
+  other->GetPointer(0)[1] = 60; // written without telling the column
+  table->Modified();
+  plot->Update();
+  EXPECT_EQ(plot->points()[2], 60.0f) << "the table modified is read again";
 }
