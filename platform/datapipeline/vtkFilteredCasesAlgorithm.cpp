@@ -2,6 +2,7 @@
 
 #include "datapipeline/FilterInterface.h"
 
+#include <vtkAOSDataArrayTemplate.h>
 #include <vtkAbstractArray.h>
 #include <vtkIdList.h>
 #include <vtkInformation.h>
@@ -10,8 +11,64 @@
 #include <vtkTable.h>
 
 #include <algorithm>
+#include <vector>
 
 vtkStandardNewMacro(vtkFilteredCasesAlgorithm);
+
+namespace
+{
+
+// Copies the kept rows of `source`, a single value each, to the front of `target`. Every row up
+// to the last kept one is written to the next free place, which moves on only past a kept row: no
+// branch on the flags, and no write beyond the kept rows.
+template<typename T>
+void gatherKept(const T* source, T* target, const std::vector<unsigned char>& keep)
+{
+  std::size_t end = keep.size();
+  while (end > 0 && keep[end - 1] == 0)
+    --end;
+  std::size_t next = 0;
+  for (std::size_t row = 0; row < end; ++row)
+  {
+    target[next] = source[row];
+    next += keep[row] != 0 ? 1 : 0;
+  }
+}
+
+// Gathers the kept rows of a column of single numbers kept in one block (a study's values and
+// case ids); false, doing nothing, for other columns.
+bool gatherNumbers(vtkAbstractArray& source,
+                   vtkAbstractArray& target,
+                   const std::vector<unsigned char>& keep)
+{
+  if (source.GetNumberOfComponents() != 1 || source.GetDataType() != target.GetDataType() ||
+      source.GetNumberOfTuples() != static_cast<vtkIdType>(keep.size()))
+    return false;
+  switch (source.GetDataType())
+  {
+    vtkTemplateMacro(auto* from = vtkAOSDataArrayTemplate<VTK_TT>::FastDownCast(&source);
+                     auto* to = vtkAOSDataArrayTemplate<VTK_TT>::FastDownCast(&target);
+                     if (!from || !to) return false;
+                     gatherKept(from->GetPointer(0), to->GetPointer(0), keep);
+                     to->Modified();
+                     return true;);
+    default:
+      return false;
+  }
+}
+
+vtkSmartPointer<vtkIdList> keptRowList(const std::vector<unsigned char>& keep, vtkIdType kept)
+{
+  auto list = vtkSmartPointer<vtkIdList>::New();
+  list->SetNumberOfIds(kept);
+  vtkIdType next = 0;
+  for (std::size_t row = 0; row < keep.size(); ++row)
+    if (keep[row])
+      list->SetId(next++, static_cast<vtkIdType>(row));
+  return list;
+}
+
+} // namespace
 
 vtkFilteredCasesAlgorithm::vtkFilteredCasesAlgorithm()
 {
@@ -73,15 +130,10 @@ int vtkFilteredCasesAlgorithm::RequestData(vtkInformation*,
     return 1;
   }
 
-  auto kept = vtkSmartPointer<vtkIdList>::New();
-  kept->Allocate(static_cast<vtkIdType>(std::count(keep.begin(), keep.end(), 1)));
-  for (vtkIdType row = 0; row < rows; ++row)
-  {
-    if (keep[static_cast<std::size_t>(row)])
-    {
-      kept->InsertNextId(row);
-    }
-  }
+  const auto keptRows = static_cast<vtkIdType>(
+    keep.size() - static_cast<std::size_t>(std::count(keep.begin(), keep.end(), 0)));
+  // The list of kept rows is made only for a column of a kind not gathered by flags.
+  vtkSmartPointer<vtkIdList> kept;
   for (vtkIdType c = 0; c < this->Cases->GetNumberOfColumns(); ++c)
   {
     vtkAbstractArray* source = this->Cases->GetColumn(c);
@@ -89,8 +141,13 @@ int vtkFilteredCasesAlgorithm::RequestData(vtkInformation*,
     column.TakeReference(source->NewInstance());
     column->SetName(source->GetName());
     column->SetNumberOfComponents(source->GetNumberOfComponents());
-    column->SetNumberOfTuples(kept->GetNumberOfIds());
-    source->GetTuples(kept, column);
+    column->SetNumberOfTuples(keptRows);
+    if (!gatherNumbers(*source, *column, keep))
+    {
+      if (!kept)
+        kept = keptRowList(keep, keptRows);
+      source->GetTuples(kept, column);
+    }
     output->AddColumn(column);
   }
   return 1;

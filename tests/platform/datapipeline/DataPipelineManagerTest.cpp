@@ -17,6 +17,7 @@
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace
@@ -93,6 +94,21 @@ TEST(DataPipelineManager, OutputDropsExactlyTheRowsOutsideTheFiltersInEffect)
       },
       { 10, 11, 12, 13, 14, 18446744073709551615ULL } },
   };
+  // Each case's values stay with it: the study's rows by case id.
+  const auto valuesOf = [](vtkTable* table, unsigned long long id)
+  {
+    auto* ids = vtkTypeUInt64Array::SafeDownCast(table->GetColumn(0));
+    std::string values;
+    for (vtkIdType row = 0; ids && row < ids->GetNumberOfValues(); ++row)
+      if (ids->GetValue(row) == id)
+        for (const char* name : { "angle", "range", "material" })
+          values += table->GetColumnByName(name)->GetVariantValue(row).ToString() + " ";
+    return values;
+  };
+  auto everyCase = pipeline.output();
+  everyCase->Update();
+  auto unfiltered = vtkSmartPointer<vtkTable>::New();
+  unfiltered->DeepCopy(everyCase->GetOutput());
   int expectedChanges = 0;
   for (const auto& step : steps)
   {
@@ -100,6 +116,9 @@ TEST(DataPipelineManager, OutputDropsExactlyTheRowsOutsideTheFiltersInEffect)
     EXPECT_GT(changes, expectedChanges) << step.step << " must signal a change";
     expectedChanges = changes;
     EXPECT_EQ(outputCaseIds(pipeline), step.expected) << step.step;
+    for (unsigned long long id : step.expected)
+      EXPECT_EQ(valuesOf(pipeline.output()->GetOutput(), id), valuesOf(unfiltered, id))
+        << step.step << ", case " << id;
   }
 }
 
