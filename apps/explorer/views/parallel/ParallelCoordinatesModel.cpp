@@ -108,9 +108,12 @@ std::size_t placeRows(AxisToPlace& read, std::size_t first, std::size_t last)
   {
     // A linear axis places each value by one multiplication rather than a division.
     const double* values = read.numbers->GetPointer(0);
+    const double from = axis.min;
     const double scale = 1.0 / (axis.max - axis.min);
-    for (std::size_t row = first; row < last; ++row)
-      axis.position.set(row, static_cast<float>((values[row] - axis.min) * scale));
+    axis.position.set(first,
+                      last,
+                      [=](std::size_t row)
+                      { return static_cast<float>((values[row] - from) * scale); });
   }
   return notPositive;
 }
@@ -171,13 +174,15 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
     eachShare(colourShares,
               [&](std::size_t share)
               {
-                const std::size_t end = shareStart(count, colourShares, share + 1);
-                for (std::size_t row = shareStart(count, colourShares, share); row < end; ++row)
-                {
-                  const double value = values[row];
-                  if (!std::isnan(value))
-                    colours.set(row, span > 0 ? static_cast<float>((value - from) / span) : 0.5f);
-                }
+                colours.set(
+                  shareStart(count, colourShares, share),
+                  shareStart(count, colourShares, share + 1),
+                  [=](std::size_t row)
+                  {
+                    const double value = values[row];
+                    const float place = span > 0 ? static_cast<float>((value - from) / span) : 0.5f;
+                    return value == value ? place : std::numeric_limits<float>::quiet_NaN();
+                  });
               });
   }
   selected.clear();

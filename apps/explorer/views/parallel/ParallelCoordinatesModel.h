@@ -28,13 +28,15 @@ class Places
 public:
   /// `count` places, none of them placed.
   void assign(std::size_t count) { codes.assign(count, noCode); }
-  void set(std::size_t i, float place)
+  void set(std::size_t i, float place) { codes[i] = codeOf(place); }
+  /// Places `first` to `last` (excluded) each at `placeOf(i)`, in a loop without branches that the
+  /// compiler can run on several places at once.
+  template<typename PlaceOf>
+  void set(std::size_t first, std::size_t last, PlaceOf placeOf)
   {
-    // Rounded to the nearest step: a half step up, then floored by the conversion (no call to
-    // lround per place); the ends keep what lies beyond them.
-    codes[i] = std::isnan(place) ? noCode
-                                 : static_cast<std::uint16_t>(std::clamp(
-                                     (place + 1.0f) * steps + 0.5f, 0.5f, float(noCode) - 0.5f));
+    std::uint16_t* code = codes.data();
+    for (std::size_t i = first; i < last; ++i)
+      code[i] = codeOf(placeOf(i));
   }
   float operator[](std::size_t i) const { return placeOfCode(codes[i]); }
   std::size_t size() const { return codes.size(); }
@@ -54,6 +56,15 @@ public:
 
 private:
   static constexpr float steps = 16384.0f;
+  // Rounded to the nearest step: a half step up, then floored by the conversion (no call to lround
+  // per place); the ends keep what lies beyond them, NaN is no place. The bounds are applied so
+  // that NaN comes out of them a number, converted without harm, then left for `noCode`.
+  static std::uint16_t codeOf(float place)
+  {
+    const float code =
+      std::min(float(noCode) - 0.5f, std::max(0.5f, (place + 1.0f) * steps + 0.5f));
+    return place == place ? static_cast<std::uint16_t>(code) : noCode;
+  }
   std::vector<std::uint16_t> codes;
 };
 
