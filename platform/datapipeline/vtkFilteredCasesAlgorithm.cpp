@@ -11,6 +11,8 @@
 #include <vtkTable.h>
 
 #include <algorithm>
+#include <thread>
+#include <utility>
 #include <vector>
 
 vtkStandardNewMacro(vtkFilteredCasesAlgorithm);
@@ -35,11 +37,12 @@ void gatherKept(const T* source, T* target, const std::vector<unsigned char>& ke
   }
 }
 
-// Gathers the kept rows of a column of single numbers kept in one block (a study's values and
-// case ids); false, doing nothing, for other columns.
+// Whether the kept rows of `source` are gathered by `gatherNumbers`: single numbers kept in one
+// block (a study's values and case ids). With `gather`, gathers them into `target` too.
 bool gatherNumbers(vtkAbstractArray& source,
                    vtkAbstractArray& target,
-                   const std::vector<unsigned char>& keep)
+                   const std::vector<unsigned char>& keep,
+                   bool gather)
 {
   if (source.GetNumberOfComponents() != 1 || source.GetDataType() != target.GetDataType() ||
       source.GetNumberOfTuples() != static_cast<vtkIdType>(keep.size()))
@@ -49,12 +52,43 @@ bool gatherNumbers(vtkAbstractArray& source,
     vtkTemplateMacro(auto* from = vtkAOSDataArrayTemplate<VTK_TT>::FastDownCast(&source);
                      auto* to = vtkAOSDataArrayTemplate<VTK_TT>::FastDownCast(&target);
                      if (!from || !to) return false;
-                     gatherKept(from->GetPointer(0), to->GetPointer(0), keep);
-                     to->Modified();
+                     if (gather) gatherKept(from->GetPointer(0), to->GetPointer(0), keep);
                      return true;);
     default:
       return false;
   }
+}
+
+bool gathered(vtkAbstractArray& source,
+              vtkAbstractArray& target,
+              const std::vector<unsigned char>& keep)
+{
+  return gatherNumbers(source, target, keep, false);
+}
+
+// Gathers the kept rows of each pair's source into its target. Ten million rows of a few columns
+// take several threads a share of the columns each (copies at memory speed, which one core does
+// not reach); the arrays are only read and written, their objects untouched until all are done.
+void gatherEach(const std::vector<std::pair<vtkAbstractArray*, vtkAbstractArray*>>& columns,
+                const std::vector<unsigned char>& keep)
+{
+  constexpr std::size_t valuesForAThread = 8'000'000;
+  const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
+  const std::size_t threads = std::min(
+    { cores, std::size_t(4), columns.size(), 1 + keep.size() * columns.size() / valuesForAThread });
+  const auto gatherShare = [&](std::size_t share)
+  {
+    for (std::size_t c = share; c < columns.size(); c += threads)
+      gatherNumbers(*columns[c].first, *columns[c].second, keep, true);
+  };
+  std::vector<std::thread> others;
+  for (std::size_t share = 1; share < threads; ++share)
+    others.emplace_back(gatherShare, share);
+  gatherShare(0);
+  for (std::thread& other : others)
+    other.join();
+  for (const auto& column : columns)
+    column.second->Modified();
 }
 
 vtkSmartPointer<vtkIdList> keptRowList(const std::vector<unsigned char>& keep, vtkIdType kept)
@@ -134,6 +168,7 @@ int vtkFilteredCasesAlgorithm::RequestData(vtkInformation*,
     keep.size() - static_cast<std::size_t>(std::count(keep.begin(), keep.end(), 0)));
   // The list of kept rows is made only for a column of a kind not gathered by flags.
   vtkSmartPointer<vtkIdList> kept;
+  std::vector<std::pair<vtkAbstractArray*, vtkAbstractArray*>> numbers;
   for (vtkIdType c = 0; c < this->Cases->GetNumberOfColumns(); ++c)
   {
     vtkAbstractArray* source = this->Cases->GetColumn(c);
@@ -142,7 +177,9 @@ int vtkFilteredCasesAlgorithm::RequestData(vtkInformation*,
     column->SetName(source->GetName());
     column->SetNumberOfComponents(source->GetNumberOfComponents());
     column->SetNumberOfTuples(keptRows);
-    if (!gatherNumbers(*source, *column, keep))
+    if (gathered(*source, *column, keep))
+      numbers.emplace_back(source, column);
+    else
     {
       if (!kept)
         kept = keptRowList(keep, keptRows);
@@ -150,5 +187,6 @@ int vtkFilteredCasesAlgorithm::RequestData(vtkInformation*,
     }
     output->AddColumn(column);
   }
+  gatherEach(numbers, keep);
   return 1;
 }

@@ -207,3 +207,47 @@ TEST(DataPipelineManager, OutputsKeptAfterThePipelineReadTheProjectsValuesAndKee
   idsOnly = nullptr;
   EXPECT_TRUE(watched.expired()) << "let go with the last array showing it";
 }
+
+// A million cases of eight variables are filtered by several threads, each gathering its share
+// of the columns: every column of the output holds the kept cases' own values.
+TEST(DataPipelineManager, ManyCasesAreFilteredColumnByColumnAsFewAre)
+{
+  constexpr std::size_t cases = 1'000'000;
+  ProjectBuilder builder;
+  std::vector<unsigned long long> ids(cases);
+  for (std::size_t i = 0; i < cases; ++i)
+    ids[i] = 3 * i + 7;
+  builder.setCaseIds(ids);
+  constexpr int variables = 8;
+  for (int v = 0; v < variables; ++v)
+  {
+    std::vector<double> values(cases);
+    for (std::size_t i = 0; i < cases; ++i)
+      values[i] = static_cast<double>(i % 1000) + 1000.0 * v;
+    builder.addNumericVariable("v" + std::to_string(v), std::move(values));
+  }
+  const auto project = builder.build();
+  DataPipelineManager pipeline(project);
+  pipeline.setRangeFilter(project->variable("v0"), 100, 599); // half of the cases
+  auto output = pipeline.output();
+  output->Update();
+  vtkTable* table = output->GetOutput();
+  ASSERT_EQ(table->GetNumberOfRows(), vtkIdType(cases / 2));
+  auto* kept = vtkTypeUInt64Array::SafeDownCast(table->GetColumn(0));
+  ASSERT_NE(kept, nullptr);
+  std::size_t wrong = 0;
+  for (int v = 0; v < variables; ++v)
+  {
+    auto* values =
+      vtkDoubleArray::SafeDownCast(table->GetColumnByName(("v" + std::to_string(v)).c_str()));
+    ASSERT_NE(values, nullptr);
+    for (vtkIdType row = 0; row < table->GetNumberOfRows(); ++row)
+    {
+      const std::size_t i = (kept->GetValue(row) - 7) / 3;
+      wrong += values->GetValue(row) != static_cast<double>(i % 1000) + 1000.0 * v ? 1 : 0;
+    }
+  }
+  EXPECT_EQ(wrong, 0U);
+  EXPECT_EQ(kept->GetValue(0), 7U + 3 * 100);
+  EXPECT_EQ(kept->GetValue(table->GetNumberOfRows() - 1), 7U + 3 * (cases - 401));
+}
