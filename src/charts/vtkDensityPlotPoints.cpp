@@ -21,7 +21,6 @@
 #include <iterator>
 #include <limits>
 #include <sstream>
-#include <utility>
 #include <vector>
 
 vtkStandardNewMacro(vtkDensityPlotPoints);
@@ -184,7 +183,7 @@ vtkDataArray* vtkDensityPlotPoints::ColourColumn(vtkTable& table) const
 
 void vtkDensityPlotPoints::Update()
 {
-  if (this->RefreshChangedCoordinate())
+  if (this->RefreshInPlace())
     return;
   const vtkMTimeType builtBefore = this->BuildTime.GetMTime();
   this->Superclass::Update();
@@ -206,11 +205,12 @@ void vtkDensityPlotPoints::NoteCacheSources(vtkMTimeType builtBefore)
     this->Sources->note(table, columns, this->ColourColumn(*table));
 }
 
-bool vtkDensityPlotPoints::RefreshChangedCoordinate()
+bool vtkDensityPlotPoints::RefreshInPlace()
 {
-  // Another table, or other columns of it, and nothing else the points plot's update watches
-  // changed: its properties, the lookup table, the axes' logarithmic scales. The table the cache
-  // was made from, modified, may have had its values written without its columns knowing.
+  // Another table (a host may make one of the columns it shows at each update), and nothing else
+  // the points plot's update watches changed: its properties, the lookup table, the axes'
+  // logarithmic scales. The table the cache was made from is read again as the points plot reads
+  // it: modified, its values may have been written without its columns knowing.
   CacheSources* sources = this->Sources.get();
   vtkTable* table = this->Data->GetInput();
   if (!sources || !sources->noted || !this->Visible || !table || !this->Points ||
@@ -228,45 +228,57 @@ bool vtkDensityPlotPoints::RefreshChangedCoordinate()
        table->GetColumnByName(this->ValidPointMaskName.c_str())))
     return false;
   auto* xy = vtkFloatArray::SafeDownCast(this->Points->GetData());
-  const vtkIdType count = this->Points->GetNumberOfPoints();
   if (!xy || xy->GetNumberOfComponents() != 2)
     return false;
   vtkDoubleArray* columns[2] = { nullptr, nullptr };
-  int changed = -1;
+  bool changed[2] = { false, false };
   for (int c = 0; c < 2; ++c)
   {
     columns[c] = vtkDoubleArray::SafeDownCast(this->Data->GetInputArrayToProcess(c, table));
-    if (!columns[c] || columns[c]->GetNumberOfComponents() != 1 ||
-        columns[c]->GetNumberOfTuples() != count)
+    if (!columns[c] || columns[c]->GetNumberOfComponents() != 1)
       return false;
-    if (!sources->holds(c, columns[c]))
-    {
-      if (changed >= 0)
-        return false; // both changed: the whole cache is made again anyway
-      changed = c;
-    }
+    changed[c] = !sources->holds(c, columns[c]);
   }
+  const vtkIdType count = columns[0]->GetNumberOfTuples();
+  if (columns[1]->GetNumberOfTuples() != count)
+    return false;
+  // The colours are kept with their column, or mapped again as the points plot maps them (the
+  // points plot itself makes a lookup table where there is none, or lets colours go).
   vtkDataArray* colours = this->ColourColumn(*table);
-  if (colours != sources->colours || (colours && colours->GetMTime() != sources->coloursTime))
+  const bool coloursKept =
+    colours == sources->colours && (!colours || colours->GetMTime() == sources->coloursTime);
+  if (!coloursKept && (!colours || !this->LookupTable || colours->GetNumberOfTuples() != count))
     return false;
 
-  if (changed >= 0)
+  if (count != this->Points->GetNumberOfPoints())
+    this->Points->SetNumberOfPoints(count);
+  if (changed[0] || changed[1])
   {
     const vtkRectd shiftScale = this->GetShiftScale();
-    const double shift = changed == 0 ? shiftScale.GetX() : shiftScale.GetY();
-    const double scale = changed == 0 ? shiftScale.GetWidth() : shiftScale.GetHeight();
-    sources->scans[changed] =
-      scanCoordinate(*columns[changed], xy->GetPointer(0), changed, shift, scale);
-    const int other = 1 - changed;
-    if (!sources->scans[other].of(columns[other]))
-      sources->scans[other] = scanCoordinate(*columns[other], nullptr, other, 0, 1);
+    const double shifts[2] = { shiftScale.GetX(), shiftScale.GetY() };
+    const double scales[2] = { shiftScale.GetWidth(), shiftScale.GetHeight() };
+    float* points = xy->GetPointer(0);
+    for (int c = 0; c < 2; ++c)
+      if (changed[c])
+        sources->scans[c] = scanCoordinate(*columns[c], points, c, shifts[c], scales[c]);
+      else if (!sources->scans[c].of(columns[c]))
+        sources->scans[c] = scanCoordinate(*columns[c], nullptr, c, 0, 1);
     this->ShowScannedCoordinates(sources->scans[0].notFinite,
                                  sources->scans[1].notFinite,
                                  sources->scans[0].range,
                                  sources->scans[1].range);
-    vtkDataArray* noted[2] = { columns[0], columns[1] };
-    sources->note(table, noted, colours);
   }
+  if (!coloursKept)
+  {
+    if (this->Colors)
+      this->Colors->UnRegister(this);
+    this->Colors = this->LookupTable->MapScalars(colours, VTK_COLOR_MODE_MAP_SCALARS, -1);
+    // MapScalars hands over a reference of its own.
+    this->Colors->Register(this);
+    this->Colors->Delete();
+  }
+  vtkDataArray* noted[2] = { columns[0], columns[1] };
+  sources->note(table, noted, colours);
   this->BuildTime.Modified();
   return true;
 }

@@ -49,11 +49,11 @@ public:
 
   bool Paint(vtkContext2D* painter) override;
 
-  /// The points plot's update, except when the input became another table that holds the
-  /// columns the points' cache was made from, but for X or Y (a host that makes a table of the
-  /// columns it shows, given a new X): then that coordinate alone is copied and scanned, and the
-  /// other, the colours and the rest of the cache are kept, as long as no property of the plot
-  /// changed (a new selection aside). The result is the points plot's own, value for value.
+  /// The points plot's update, except when the input became another table of plain columns of
+  /// numbers (a host that makes a table of the columns it shows at each update) and no property
+  /// of the plot changed (a new selection aside): then the points are copied and scanned here in
+  /// one pass a coordinate, only the coordinates whose column changed, and the colours are mapped
+  /// again only if their column changed. The result is the points plot's own, value for value.
   void Update() override;
 
   /// The points plot's bounds, kept until what they come from changes (the input's X and Y
@@ -105,10 +105,9 @@ private:
   std::unique_ptr<CacheSources> Sources;
   // After the points plot's own update: notes what its cache was built from, if it was built.
   void NoteCacheSources(vtkMTimeType builtBefore);
-  // Brings the cache up to date when only a coordinate's column, or nothing but the table,
-  // changed since it was built; false, changing nothing, when the points plot's own update
-  // is needed.
-  bool RefreshChangedCoordinate();
+  // Brings the cache up to date from another table as described at Update; false, changing
+  // nothing, when the points plot's own update is needed.
+  bool RefreshInPlace();
   // Writes what scans of the X and Y columns found into the cache: the bad points, and the bounds
   // when there are none.
   void ShowScannedCoordinates(const std::vector<vtkIdType>& notFiniteX,

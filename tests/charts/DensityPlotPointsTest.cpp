@@ -64,7 +64,7 @@ vtkSmartPointer<vtkDoubleArray> numbers(const char* name, const std::vector<doub
 }
 
 // A table of some of `columns`, as a host makes one for each update of what it shows.
-vtkSmartPointer<vtkTable> tableOf(const std::vector<vtkDoubleArray*>& columns)
+vtkSmartPointer<vtkTable> tableOf(const std::vector<vtkSmartPointer<vtkDoubleArray>>& columns)
 {
   auto table = vtkSmartPointer<vtkTable>::New();
   for (vtkDoubleArray* column : columns)
@@ -399,18 +399,26 @@ vtkStandardNewMacro(CacheProbe);
 
 } // namespace
 
-// A plot given a table of the same columns but for X or Y keeps the rest of its cache; what it
-// holds then is what a plot given that table afresh holds: the same floats, bad points, bounds and
-// colours.
-TEST(DensityPlotPoints, AnotherXOrYAloneIsReadAsAFreshPlotReadsIt)
+// A plot given another table of the columns it shows (other X or Y, other rows, other colours)
+// keeps what did not change and reads the rest itself; what it holds then is what a plot given
+// that table afresh holds: the same floats, bad points, bounds and colours.
+TEST(DensityPlotPoints, AnotherTableIsReadAsAFreshPlotReadsIt)
 {
   const double inf = std::numeric_limits<double>::infinity();
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  auto a = numbers("a", { 1, 2, 3, 4, 5, 6 });
-  auto b = numbers("b", { 0.1, -7, 1e6, 3, 2.5, 0 });
-  auto c = numbers("c", { 9, inf, 8, nan, 7, 6 });
-  auto d = numbers("d", { -1, 1, -1, 1, -1, nan });
-  auto colour = numbers("colour", { 0, 2, 4, 6, 8, 10 });
+  const std::vector<vtkSmartPointer<vtkDoubleArray>> all = {
+    numbers("a", { 1, 2, 3, 4, 5, 6 }),       numbers("b", { 0.1, -7, 1e6, 3, 2.5, 0 }),
+    numbers("c", { 9, inf, 8, nan, 7, 6 }),   numbers("d", { -1, 1, -1, 1, -1, nan }),
+    numbers("colour", { 0, 2, 4, 6, 8, 10 }),
+  };
+  auto recoloured = all;
+  recoloured[4] = numbers("colour", { 10, 8, 6, 4, 2, 0 });
+  // Four of the rows, as a filter keeps them.
+  const std::vector<vtkSmartPointer<vtkDoubleArray>> fewer = {
+    numbers("a", { 2, 3, 5, 6 }),       numbers("b", { -7, 1e6, 2.5, 0 }),
+    numbers("c", { inf, 8, 7, 6 }),     numbers("d", { 1, -1, -1, nan }),
+    numbers("colour", { 2, 4, 8, 10 }),
+  };
   const auto lookup = []
   {
     auto table = vtkSmartPointer<vtkLookupTable>::New();
@@ -431,8 +439,7 @@ TEST(DensityPlotPoints, AnotherXOrYAloneIsReadAsAFreshPlotReadsIt)
   auto chart = vtkSmartPointer<vtkChartXY>::New();
   auto plot = vtkSmartPointer<CacheProbe>::New();
   chart->AddPlot(plot);
-  const std::vector<vtkDoubleArray*> all = { a, b, c, d, colour };
-  readAs(*plot, tableOf(all), "a", "b");
+  readAs(*plot, tableOf(all), "a", "d");
   plot->Update();
   vtkUnsignedCharArray* colours = plot->colours();
   ASSERT_NE(colours, nullptr);
@@ -440,19 +447,27 @@ TEST(DensityPlotPoints, AnotherXOrYAloneIsReadAsAFreshPlotReadsIt)
 
   const struct
   {
+    const std::vector<vtkSmartPointer<vtkDoubleArray>>& columns;
     const char* x;
     const char* y;
     bool kept; // the colours kept, not mapped again
   } steps[] = {
-    { "c", "b", true }, { "c", "d", true },
-    { "a", "d", true }, { "b", "c", false }, // both replaced: made again
-    { "b", "c", true }, { "d", "c", true },
-    { "d", "a", true }, { "b", "a", true }, // no bad points: bounds from the columns' ranges
+    { all, "b", "d", true }, // d kept, not scanned before: the points plot read it
+    { all, "c", "d", true },
+    { all, "c", "b", true },
+    { all, "a", "b", true }, // no bad points: bounds from the columns' ranges
+    { all, "b", "c", true }, // both coordinates
+    { recoloured, "b", "c", false },
+    { recoloured, "d", "c", true },
+    { fewer, "d", "c", false }, // other rows: everything
+    { fewer, "d", "a", true },
+    { fewer, "b", "a", true }, // no bad points: bounds from the columns' ranges
   };
   for (const auto& step : steps)
   {
-    const std::string name = std::string(step.x) + " against " + step.y;
-    auto table = tableOf(all);
+    const std::string name = std::string(step.x) + " against " + step.y + " of " +
+                             std::to_string(step.columns.front()->GetNumberOfValues()) + " rows";
+    auto table = tableOf(step.columns);
     plot->SetInputData(table, step.x, step.y);
     // A host selects the rows again before the next draw.
     auto selection = vtkSmartPointer<vtkIdTypeArray>::New();
@@ -487,7 +502,7 @@ TEST(DensityPlotPoints, AnotherXOrYAloneIsReadAsAFreshPlotReadsIt)
 
   // The same columns in another table: nothing to read again.
   const vtkMTimeType pointsTime = plot->pointsTime();
-  plot->SetInputData(tableOf(all), "b", "a");
+  plot->SetInputData(tableOf(fewer), "b", "a");
   plot->Update();
   EXPECT_EQ(plot->pointsTime(), pointsTime);
   EXPECT_EQ(plot->colours()->GetMTime(), coloursTime);
@@ -524,6 +539,9 @@ TEST(DensityPlotPoints, WhatAKeptCacheCannotFollowIsReadAfresh)
     << "X on a logarithmic axis";
   chart->GetAxis(vtkAxis::BOTTOM)->SetLogScale(false);
 
+  plot->SetInputData(tableOf({ x, y, other }), "other", "y");
+  plot->Update();
+  // Another table of the same columns, taken as they are; then modified.
   auto table = tableOf({ x, y, other });
   plot->SetInputData(table, "other", "y");
   plot->Update();
