@@ -23,6 +23,8 @@ struct AxisToPlace
   ParallelAxis axis;
   vtkStringArray* texts = nullptr;
   vtkDoubleArray* numbers = nullptr;
+  // Numbers on a linear axis: each row has a place (NaN among them), set in one pass.
+  bool linear() const { return numbers && !axis.log && axis.max > axis.min; }
 };
 
 // An axis's range or categories, and its column; read on the calling thread.
@@ -36,7 +38,6 @@ AxisToPlace readAxis(vtkTable& shown,
   ParallelAxis& axis = read.axis;
   axis.variable = handle;
   axis.name = variable.name();
-  axis.position.assign(static_cast<std::size_t>(shown.GetNumberOfRows()));
   vtkAbstractArray* column = shown.GetColumnByName(variable.name().c_str());
   if ((read.texts = vtkStringArray::SafeDownCast(column)))
   {
@@ -69,6 +70,8 @@ AxisToPlace readAxis(vtkTable& shown,
         axis.min = axis.max = 1;
     }
   }
+  const auto rows = static_cast<std::size_t>(shown.GetNumberOfRows());
+  read.linear() ? axis.position.allocate(rows) : axis.position.assign(rows);
   return read;
 }
 
@@ -93,7 +96,7 @@ std::size_t placeRows(AxisToPlace& read, std::size_t first, std::size_t last)
             : static_cast<float>(static_cast<double>(found - axis.categories.begin()) / steps));
     }
   }
-  else if (read.numbers && (axis.log || !(axis.max > axis.min)))
+  else if (read.numbers && !read.linear())
   {
     for (std::size_t row = first; row < last; ++row)
     {
@@ -156,14 +159,16 @@ void ParallelCoordinatesModel::reload(vtkTable& shown,
   rowOfCase.assign(CaseIds(shown));
   const CaseIds& ids = rowOfCase.caseIds();
 
-  colours.assign(ids.size());
   const Variable colourVariable = colour.lock();
   auto* numbers =
     colourVariable.isNull()
       ? nullptr
       : vtkDoubleArray::SafeDownCast(shown.GetColumnByName(colourVariable.name().c_str()));
-  if (numbers && static_cast<std::size_t>(numbers->GetNumberOfValues()) >= ids.size())
+  if (!numbers || static_cast<std::size_t>(numbers->GetNumberOfValues()) < ids.size())
+    colours.assign(ids.size());
+  else
   {
+    colours.allocate(ids.size());
     // Like the axes, ten million colours are placed by several threads.
     const auto range = colourVariable.range();
     const double from = range.first;

@@ -9,8 +9,10 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 class Project;
@@ -28,6 +30,13 @@ class Places
 public:
   /// `count` places, none of them placed.
   void assign(std::size_t count) { codes.assign(count, noCode); }
+  /// `count` places, each to be set before it is read: where every place is set anyway (a linear
+  /// axis), they are not first written as none.
+  void allocate(std::size_t count)
+  {
+    codes.clear();
+    codes.resize(count);
+  }
   void set(std::size_t i, float place) { codes[i] = codeOf(place); }
   /// Places `first` to `last` (excluded) each at `placeOf(i)`, in a loop without branches that the
   /// compiler can run on several places at once.
@@ -55,6 +64,32 @@ public:
   static float placeOfMeanCode(double code) { return static_cast<float>(code / steps - 1.0); }
 
 private:
+  // An allocator that leaves a new code unwritten (a vector would write each one as zero).
+  template<typename T>
+  struct Unwritten : std::allocator<T>
+  {
+    template<typename U>
+    struct rebind
+    {
+      using other = Unwritten<U>;
+    };
+    Unwritten() = default;
+    template<typename U>
+    Unwritten(const Unwritten<U>&) noexcept
+    {
+    }
+    template<typename U>
+    void construct(U* place) noexcept
+    {
+      ::new (static_cast<void*>(place)) U;
+    }
+    template<typename U, typename... Arguments>
+    void construct(U* place, Arguments&&... arguments)
+    {
+      ::new (static_cast<void*>(place)) U(std::forward<Arguments>(arguments)...);
+    }
+  };
+
   static constexpr float steps = 16384.0f;
   // Rounded to the nearest step: a half step up, then floored by the conversion (no call to lround
   // per place); the ends keep what lies beyond them, NaN is no place. The bounds are applied so
@@ -65,7 +100,7 @@ private:
       std::min(float(noCode) - 0.5f, std::max(0.5f, (place + 1.0f) * steps + 0.5f));
     return place == place ? static_cast<std::uint16_t>(code) : noCode;
   }
-  std::vector<std::uint16_t> codes;
+  std::vector<std::uint16_t, Unwritten<std::uint16_t>> codes;
 };
 
 /// One axis of parallel coordinates: its variable, and where each shown case lies on it, from 0
