@@ -37,33 +37,25 @@ void gatherKept(const T* source, T* target, const std::vector<unsigned char>& ke
   }
 }
 
-// Whether the kept rows of `source` are gathered by `gatherNumbers`: single numbers kept in one
-// block (a study's values and case ids). With `gather`, gathers them into `target` too.
-bool gatherNumbers(vtkAbstractArray& source,
-                   vtkAbstractArray& target,
-                   const std::vector<unsigned char>& keep,
-                   bool gather)
+// Calls `f(from, to)` with the values of `source` and of `target` when both are arrays of single
+// numbers of one type, kept in one block, `rows` long (a study's values and case ids); false,
+// without calling it, for other columns.
+template<typename F>
+bool withNumbers(vtkAbstractArray& source, vtkAbstractArray& target, std::size_t rows, F&& f)
 {
   if (source.GetNumberOfComponents() != 1 || source.GetDataType() != target.GetDataType() ||
-      source.GetNumberOfTuples() != static_cast<vtkIdType>(keep.size()))
+      source.GetNumberOfTuples() != static_cast<vtkIdType>(rows))
     return false;
   switch (source.GetDataType())
   {
     vtkTemplateMacro(auto* from = vtkAOSDataArrayTemplate<VTK_TT>::FastDownCast(&source);
                      auto* to = vtkAOSDataArrayTemplate<VTK_TT>::FastDownCast(&target);
                      if (!from || !to) return false;
-                     if (gather) gatherKept(from->GetPointer(0), to->GetPointer(0), keep);
+                     f(from->GetPointer(0), to->GetPointer(0));
                      return true;);
     default:
       return false;
   }
-}
-
-bool gathered(vtkAbstractArray& source,
-              vtkAbstractArray& target,
-              const std::vector<unsigned char>& keep)
-{
-  return gatherNumbers(source, target, keep, false);
 }
 
 // Gathers the kept rows of each pair's source into its target. Ten million rows of a few columns
@@ -79,7 +71,10 @@ void gatherEach(const std::vector<std::pair<vtkAbstractArray*, vtkAbstractArray*
   const auto gatherShare = [&](std::size_t share)
   {
     for (std::size_t c = share; c < columns.size(); c += threads)
-      gatherNumbers(*columns[c].first, *columns[c].second, keep, true);
+      withNumbers(*columns[c].first,
+                  *columns[c].second,
+                  keep.size(),
+                  [&](const auto* from, auto* to) { gatherKept(from, to, keep); });
   };
   std::vector<std::thread> others;
   for (std::size_t share = 1; share < threads; ++share)
@@ -177,8 +172,8 @@ int vtkFilteredCasesAlgorithm::RequestData(vtkInformation*,
     column->SetName(source->GetName());
     column->SetNumberOfComponents(source->GetNumberOfComponents());
     column->SetNumberOfTuples(keptRows);
-    if (gathered(*source, *column, keep))
-      numbers.emplace_back(source, column);
+    if (withNumbers(*source, *column, keep.size(), [](const auto*, auto*) {}))
+      numbers.emplace_back(source, column); // gathered below, all together
     else
     {
       if (!kept)

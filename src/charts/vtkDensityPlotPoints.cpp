@@ -263,10 +263,10 @@ bool vtkDensityPlotPoints::RefreshInPlace()
         sources->scans[c] = scanCoordinate(*columns[c], points, c, shifts[c], scales[c]);
       else if (!sources->scans[c].of(columns[c]))
         sources->scans[c] = scanCoordinate(*columns[c], nullptr, c, 0, 1);
-    this->ShowScannedCoordinates(sources->scans[0].notFinite,
-                                 sources->scans[1].notFinite,
-                                 sources->scans[0].range,
-                                 sources->scans[1].range);
+    this->CacheScans(sources->scans[0].notFinite,
+                     sources->scans[1].notFinite,
+                     sources->scans[0].range,
+                     sources->scans[1].range);
   }
   if (!coloursKept)
   {
@@ -283,10 +283,10 @@ bool vtkDensityPlotPoints::RefreshInPlace()
   return true;
 }
 
-void vtkDensityPlotPoints::ShowScannedCoordinates(const std::vector<vtkIdType>& notFiniteX,
-                                                  const std::vector<vtkIdType>& notFiniteY,
-                                                  const double rangeX[2],
-                                                  const double rangeY[2])
+void vtkDensityPlotPoints::CacheScans(const std::vector<vtkIdType>& notFiniteX,
+                                      const std::vector<vtkIdType>& notFiniteY,
+                                      const double rangeX[2],
+                                      const double rangeY[2])
 {
   // A point is bad when either coordinate is not finite, as the points plot finds them.
   std::vector<vtkIdType> bad;

@@ -51,9 +51,9 @@ public:
 
   /// The points plot's update, except when the input became another table of plain columns of
   /// numbers (a host that makes a table of the columns it shows at each update) and no property
-  /// of the plot changed (a new selection aside): then the points are copied and scanned here in
-  /// one pass a coordinate, only the coordinates whose column changed, and the colours are mapped
-  /// again only if their column changed. The result is the points plot's own, value for value.
+  /// of the plot changed (a new selection aside): then only the coordinates whose column changed
+  /// are copied, each scanned in the same pass, and the colours are mapped again only if their
+  /// column changed. The result is the points plot's own, value for value.
   void Update() override;
 
   /// The points plot's bounds, kept until what they come from changes (the input's X and Y
@@ -108,12 +108,12 @@ private:
   // Brings the cache up to date from another table as described at Update; false, changing
   // nothing, when the points plot's own update is needed.
   bool RefreshInPlace();
-  // Writes what scans of the X and Y columns found into the cache: the bad points, and the bounds
-  // when there are none.
-  void ShowScannedCoordinates(const std::vector<vtkIdType>& notFiniteX,
-                              const std::vector<vtkIdType>& notFiniteY,
-                              const double rangeX[2],
-                              const double rangeY[2]);
+  // Keeps in the cache what the scans of the X and Y columns found: the bad points, and the
+  // bounds when there are none.
+  void CacheScans(const std::vector<vtkIdType>& notFiniteX,
+                  const std::vector<vtkIdType>& notFiniteY,
+                  const double rangeX[2],
+                  const double rangeY[2]);
   // The column the points are coloured by; null when they are not.
   vtkDataArray* ColourColumn(vtkTable& table) const;
 
