@@ -28,15 +28,28 @@ vtkStandardNewMacro(vtkDensityPlotPoints);
 namespace
 {
 
-// A column of coordinates as it was scanned: its rows that are not finite, and its range.
-struct CoordinateScan
+// A column as it was when something was made from it, or none. A column made anew at the
+// address of an old one differs in time: modification times count up across every VTK object.
+struct SeenColumn
 {
   vtkWeakPointer<vtkDataArray> column;
   vtkMTimeType time = 0;
+
+  SeenColumn() = default;
+  explicit SeenColumn(vtkDataArray* seen)
+    : column(seen)
+    , time(seen ? seen->GetMTime() : 0)
+  {
+  }
+  bool is(vtkDataArray* now) const { return column == now && (!now || time == now->GetMTime()); }
+};
+
+// A column of coordinates as it was scanned: its rows that are not finite, and its range.
+struct CoordinateScan
+{
+  SeenColumn of;
   std::vector<vtkIdType> notFinite;
   double range[2] = { 0, 0 };
-
-  bool of(vtkDataArray* other) const { return column == other && time == other->GetMTime(); }
 };
 
 // Scans `column` and, when `xy` is given, copies it into component `component` of the points as
@@ -51,8 +64,7 @@ CoordinateScan scanCoordinate(vtkDoubleArray& column,
                               double scale)
 {
   CoordinateScan scan;
-  scan.column = &column;
-  scan.time = column.GetMTime();
+  scan.of = SeenColumn(&column);
   const double* values = column.GetPointer(0);
   const vtkIdType count = column.GetNumberOfTuples();
   constexpr double most = std::numeric_limits<double>::max();
@@ -87,15 +99,12 @@ CoordinateScan scanCoordinate(vtkDoubleArray& column,
 
 struct vtkDensityPlotPoints::CacheSources
 {
-  // The X and Y columns and the colour column (null when not coloured) the cache holds, as
-  // they were when copied. A column made anew at the address of an old one differs in time:
-  // modification times count up across every VTK object.
+  // The table, its X and Y columns and its colour column (none when not coloured) the cache was
+  // made from.
   bool noted = false;
   vtkWeakPointer<vtkTable> table;
-  vtkWeakPointer<vtkDataArray> columns[2];
-  vtkMTimeType times[2] = { 0, 0 };
-  vtkWeakPointer<vtkDataArray> colours;
-  vtkMTimeType coloursTime = 0;
+  SeenColumn columns[2];
+  SeenColumn colours;
   // The latest scan of an X column and of a Y column.
   CoordinateScan scans[2];
 
@@ -104,17 +113,8 @@ struct vtkDensityPlotPoints::CacheSources
     noted = true;
     table = input;
     for (int c = 0; c < 2; ++c)
-    {
-      columns[c] = now[c];
-      times[c] = now[c] ? now[c]->GetMTime() : 0;
-    }
-    colours = colourColumn;
-    coloursTime = colourColumn ? colourColumn->GetMTime() : 0;
-  }
-
-  bool holds(int c, vtkDataArray* column) const
-  {
-    return columns[c] == column && times[c] == column->GetMTime();
+      columns[c] = SeenColumn(now[c]);
+    colours = SeenColumn(colourColumn);
   }
 };
 
@@ -237,7 +237,7 @@ bool vtkDensityPlotPoints::RefreshInPlace()
     columns[c] = vtkDoubleArray::SafeDownCast(this->Data->GetInputArrayToProcess(c, table));
     if (!columns[c] || columns[c]->GetNumberOfComponents() != 1)
       return false;
-    changed[c] = !sources->holds(c, columns[c]);
+    changed[c] = !sources->columns[c].is(columns[c]);
   }
   const vtkIdType count = columns[0]->GetNumberOfTuples();
   if (columns[1]->GetNumberOfTuples() != count)
@@ -245,8 +245,7 @@ bool vtkDensityPlotPoints::RefreshInPlace()
   // The colours are kept with their column, or mapped again as the points plot maps them (the
   // points plot itself makes a lookup table where there is none, or lets colours go).
   vtkDataArray* colours = this->ColourColumn(*table);
-  const bool coloursKept =
-    colours == sources->colours && (!colours || colours->GetMTime() == sources->coloursTime);
+  const bool coloursKept = sources->colours.is(colours);
   if (!coloursKept && (!colours || !this->LookupTable || colours->GetNumberOfTuples() != count))
     return false;
 
@@ -261,7 +260,7 @@ bool vtkDensityPlotPoints::RefreshInPlace()
     for (int c = 0; c < 2; ++c)
       if (changed[c])
         sources->scans[c] = scanCoordinate(*columns[c], points, c, shifts[c], scales[c]);
-      else if (!sources->scans[c].of(columns[c]))
+      else if (!sources->scans[c].of.is(columns[c]))
         sources->scans[c] = scanCoordinate(*columns[c], nullptr, c, 0, 1);
     this->CacheScans(sources->scans[0].notFinite,
                      sources->scans[1].notFinite,
