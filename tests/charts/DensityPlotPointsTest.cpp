@@ -506,6 +506,13 @@ TEST(DensityPlotPoints, AnotherTableIsReadAsAFreshPlotReadsIt)
   plot->Update();
   EXPECT_EQ(plot->pointsTime(), pointsTime);
   EXPECT_EQ(plot->colours()->GetMTime(), coloursTime);
+
+  // A column told of a change is read again, in another table: Y ("a") shifted by 1, scaled by 4.
+  fewer[0]->SetValue(1, 30);
+  fewer[0]->Modified();
+  plot->SetInputData(tableOf(fewer), "b", "a");
+  plot->Update();
+  EXPECT_EQ(plot->points()[3], static_cast<float>((30.0 + 1) * 4));
 }
 
 // What the kept cache cannot follow is read as the points plot reads it: points sorted for a
